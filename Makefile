@@ -1,0 +1,58 @@
+# make test   installs what is missing, builds with sanitizers and runs every test
+# make demo   builds and writes a Photo Gallery of Debian's mate-backgrounds photos to demo/gallery/
+# make bench  runs the benchmarks in bench/
+
+SHELL := /bin/bash
+BUILD_TEST ?= build
+BUILD_RELEASE ?= build-release
+JOBS ?= $(shell nproc)
+
+DEB_PACKAGES := cmake g++ ninja-build pkg-config qt6-base-dev libvips-dev libvips-tools \
+	libexiv2-dev libsqlite3-dev libgtest-dev libimage-exiftool-perl mate-backgrounds \
+	chromium xvfb time
+
+.PHONY: all test demo bench deps npm-deps build-test build-release clean format
+
+all: build-release
+
+deps:
+	@missing=""; for p in $(DEB_PACKAGES); do \
+		dpkg-query -W -f='$${Status}' $$p 2>/dev/null | grep -q "ok installed" || missing="$$missing $$p"; \
+	done; \
+	if ! command -v node >/dev/null || ! command -v npm >/dev/null; then missing="$$missing nodejs npm"; fi; \
+	if [ -n "$$missing" ]; then \
+		echo "Installing:$$missing"; \
+		SUDO=$$( [ "$$(id -u)" = 0 ] || echo sudo ); \
+		$$SUDO apt-get update -qq && \
+		DEBIAN_FRONTEND=noninteractive $$SUDO apt-get install -y -qq --no-install-recommends $$missing; \
+	fi
+
+npm-deps: deps
+	@if [ ! -d tests/browser/node_modules/playwright-core ] || [ ! -d tests/browser/node_modules/jquery ]; then \
+		cd tests/browser && npm ci --no-audit --no-fund --loglevel=error; \
+	fi
+
+build-test: npm-deps
+	cmake -S . -B $(BUILD_TEST) -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG="-g -O1" \
+		-DORVELLA_SANITIZE=ON -DORVELLA_WERROR=ON
+	cmake --build $(BUILD_TEST) -j $(JOBS)
+
+test: build-test
+	ctest --test-dir $(BUILD_TEST) --output-on-failure -j $(JOBS)
+
+build-release: deps
+	cmake -S . -B $(BUILD_RELEASE) -G Ninja -DCMAKE_BUILD_TYPE=Release -DORVELLA_TESTS=OFF
+	cmake --build $(BUILD_RELEASE) -j $(JOBS) --target orvella
+
+demo: build-release
+	rm -rf demo/gallery
+	$(BUILD_RELEASE)/orvella generate gallery --out demo/gallery /usr/share/backgrounds/mate
+
+bench: build-release
+	for b in bench/*; do [ -x "$$b" ] && "$$b" $(BUILD_RELEASE)/orvella; done
+
+format:
+	find src tests bench -name '*.cpp' -o -name '*.h' | xargs clang-format -i
+
+clean:
+	rm -rf $(BUILD_TEST) $(BUILD_RELEASE) demo

@@ -1,0 +1,49 @@
+#include "cli/Cli.h"
+
+namespace cli {
+
+const std::vector<Command>& commands() {
+    static const std::vector<Command> all = {metaCommand(), imageCommand(), generateCommand(),
+                                             settingsCommand()};
+    return all;
+}
+
+namespace {
+
+void printUsage(QTextStream& s) {
+    s << "Orvella " ORVELLA_VERSION " turns a selection of photos into a small static web site.\n\n"
+      << "Usage: orvella                       open the window\n"
+      << "       orvella COMMAND [ARGS...]     run a command\n"
+      << "       orvella COMMAND --help        describe a command\n\n"
+      << "Commands:\n";
+    for (const Command& c : commands()) s << "  " << c.name.leftJustified(10) << c.summary << "\n";
+    s << "\nOptions:\n  --verbose   also print the diagnostic log on stderr\n";
+}
+
+}  // namespace
+
+int run(const QStringList& arguments, Io& io) {
+    if (arguments.isEmpty() || arguments.first() == u"--help" || arguments.first() == u"-h" ||
+        arguments.first() == u"help") {
+        printUsage(io.out);
+        return arguments.isEmpty() ? kUsage : kOk;
+    }
+    if (arguments.first() == u"--version") {
+        io.out << "orvella " ORVELLA_VERSION "\n";
+        return kOk;
+    }
+    for (const Command& c : commands()) {
+        if (c.name != arguments.first()) continue;
+        const QStringList rest = arguments.mid(1);
+        if (rest.contains(QStringLiteral("--help")) || rest.contains(QStringLiteral("-h"))) {
+            io.out << c.help;
+            return kOk;
+        }
+        return c.run(rest, io);
+    }
+    io.err << "orvella: unknown command \"" << arguments.first() << "\"\n\n";
+    printUsage(io.err);
+    return kUsage;
+}
+
+}  // namespace cli

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <QTextStream>
+#include <functional>
+#include <vector>
+
+// The command line: `orvella COMMAND [ARGS...]`. It parses arguments, builds settings and calls
+// the core, nothing more.
+namespace cli {
+
+struct Io {
+    QTextStream& out;
+    QTextStream& err;
+    bool errIsTerminal = false;
+};
+
+// Exit codes: 0 done, 1 a failure, 2 wrong usage or a refusal (an alert that stopped a run).
+enum Exit { kOk = 0, kFailed = 1, kUsage = 2 };
+
+struct Command {
+    QString name;     // "meta", "image", "generate", "settings"
+    QString summary;  // one line for `orvella --help`
+    QString help;     // the whole text for `orvella NAME --help`
+    std::function<int(const QStringList& args, Io& io)> run;  // args after the command name
+};
+
+// Each command group lives in its own source file.
+Command metaCommand();
+Command imageCommand();
+Command generateCommand();
+Command settingsCommand();
+
+const std::vector<Command>& commands();
+
+// Runs the command line on argv[1..]; returns the exit code.
+int run(const QStringList& arguments, Io& io);
+
+}  // namespace cli

@@ -1,0 +1,3 @@
+#include "presets/ControlRegistry.h"
+
+void registerGalleryControls(ControlRegistry& registry) { (void)registry; }

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <QHash>
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+// What kind of value a control holds, which decides its text form (the form presets store and
+// `--set NAME=VALUE` takes).
+enum class ControlKind {
+    Text,          // "tf": as typed
+    Number,        // "tf"/"if" read as a whole number: decimal text
+    TextView,      // "tv": as typed, line breaks included
+    Checkbox,      // "cb"/"bt": "0" or "1"
+    PopupTitle,    // "pb": the title of the selected item
+    PopupIndex,    // "pub": the index of the selected item, from 0
+    Segmented,     // "sc": the selected segment, from 0
+    Color,         // colour well with its hex text field: six upper-case hex digits, no "#"
+    Slider,        // a whole number between `minimum` and `maximum`
+    Path,          // a file or folder path
+};
+
+QString controlKindName(ControlKind kind);
+
+// One setting of an output kind. `name` is the control name the settings are known by; `aliases`
+// are the other names the same setting goes by (a colour well and its hex field, the name a
+// preset layout uses, ...).
+struct ControlSpec {
+    QString name;
+    QString outputKind;  // "gallery", "slideshow", "grid"
+    ControlKind kind = ControlKind::Text;
+    QString defaultValue;
+    QStringList items;  // popup titles or segment labels
+    QStringList aliases;
+    int minimum = 0;  // sliders and segmented controls
+    int maximum = 0;
+};
+
+// The one table of every control: name, kind, default and popup items. The window, the command
+// line, presets and projects all go through it.
+class ControlRegistry {
+public:
+    // The registry of the whole application, filled once by each output kind.
+    static const ControlRegistry& standard();
+
+    void add(const ControlSpec& spec);
+
+    // Finds a control by its name or one of its aliases.
+    const ControlSpec* find(const QString& nameOrAlias) const;
+    // Every control of one output kind, in registration order.
+    QList<const ControlSpec*> controls(const QString& outputKind) const;
+    QList<const ControlSpec*> all() const;
+
+    // Checks and normalises a text value for a control (popup indexes to titles for "pb", colour
+    // digits to upper case, ...). Returns false and an explanation when it does not fit.
+    bool normalise(const ControlSpec& spec, const QString& value, QString* normalised,
+                   QString* error) const;
+
+private:
+    QList<ControlSpec> specs_;
+    QHash<QString, qsizetype> byName_;
+};
+
+// Filled in by each output kind's own source file.
+void registerGalleryControls(ControlRegistry& registry);

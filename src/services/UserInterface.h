@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QString>
+
+// The one way core code reaches the user: alerts, progress and opening a page. The window, the
+// command line and the tests each provide their own implementation; core code never touches a
+// widget.
+class UserInterface {
+public:
+    virtual ~UserInterface() = default;
+
+    // Shows an alert. A run that cannot go on returns right after calling this with stopsRun set;
+    // a warning (stopsRun false) is shown while the run goes on.
+    virtual void alert(const QString& title, const QString& description, bool stopsRun) = 0;
+
+    // Progress of a long run: start, a number of steps (each adds `increment` to a 0..100 bar;
+    // the sum may over- or undershoot 100), stop.
+    virtual void progressStart() {}
+    virtual void progressStep(double increment) { (void)increment; }
+    virtual void progressStop() {}
+
+    // Opens a URL (normally a generated page) with the user's default application.
+    virtual void openUrl(const QString& url) = 0;
+};
+
+// A UserInterface that shows nothing; for services used where nobody is watching.
+class SilentUserInterface : public UserInterface {
+public:
+    void alert(const QString&, const QString&, bool) override {}
+    void openUrl(const QString&) override {}
+};

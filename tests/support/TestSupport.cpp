@@ -1,0 +1,59 @@
+#include "support/TestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QDirIterator>
+#include <QProcess>
+
+namespace testsupport {
+
+QString freshDir(const QString& name) {
+    const QString path = QStringLiteral(ORVELLA_TEST_OUTPUT "/") + name;
+    QDir(path).removeRecursively();
+    QDir().mkpath(path);
+    return path + u'/';
+}
+
+SettingsStore settingsWith(const std::vector<std::pair<QString, QString>>& overrides) {
+    SettingsStore store;
+    for (const auto& [name, value] : overrides) {
+        QString error;
+        EXPECT_TRUE(store.set(name, value, &error)) << error.toStdString();
+    }
+    return store;
+}
+
+int runProgram(const QString& program, const QStringList& arguments, QString* out, QString* err,
+               int timeoutMs) {
+    QProcess process;
+    process.start(program, arguments);
+    if (!process.waitForFinished(timeoutMs)) {
+        process.kill();
+        process.waitForFinished();
+        return -1;
+    }
+    if (out) *out = QString::fromUtf8(process.readAllStandardOutput());
+    if (err) *err = QString::fromUtf8(process.readAllStandardError());
+    return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+}
+
+QString exiftool(const QString& file, const QString& tag) {
+    QString out;
+    runProgram(QStringLiteral("exiftool"), {QStringLiteral("-s3"), QStringLiteral("-") + tag, file},
+               &out);
+    if (out.endsWith(u'\n')) out.chop(1);
+    return out;
+}
+
+QStringList mateBackgroundJpegs() {
+    QStringList files;
+    QDirIterator it(QStringLiteral("/usr/share/backgrounds/mate"),
+                    {QStringLiteral("*.jpg"), QStringLiteral("*.jpeg"), QStringLiteral("*.JPG")},
+                    QDir::Files, QDirIterator::Subdirectories);
+    while (it.hasNext()) files.append(it.next());
+    files.sort();
+    return files;
+}
+
+}  // namespace testsupport

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <utility>
+#include <vector>
+
+#include "presets/SettingsStore.h"
+#include "services/UserInterface.h"
+
+// A UserInterface that records what the user would have seen.
+class RecordingUserInterface : public UserInterface {
+public:
+    struct Alert {
+        QString title;
+        QString description;
+        bool stopsRun;
+    };
+    void alert(const QString& title, const QString& description, bool stopsRun) override {
+        alerts.push_back({title, description, stopsRun});
+    }
+    void progressStart() override { ++starts; }
+    void progressStep(double increment) override { steps.push_back(increment); }
+    void progressStop() override { ++stops; }
+    void openUrl(const QString& url) override { opened.append(url); }
+
+    std::vector<Alert> alerts;
+    std::vector<double> steps;
+    int starts = 0;
+    int stops = 0;
+    QStringList opened;
+};
+
+namespace testsupport {
+
+// A fresh, empty folder for one test, under the build's test-output folder. Ends with "/".
+QString freshDir(const QString& name);
+
+// The settings defaults plus these overrides (name, text value); a bad override fails the test.
+SettingsStore settingsWith(const std::vector<std::pair<QString, QString>>& overrides = {});
+
+// Runs a program and returns its exit code; its standard output and error go to the two strings.
+int runProgram(const QString& program, const QStringList& arguments, QString* out = nullptr,
+               QString* err = nullptr, int timeoutMs = 120000);
+
+// exiftool's value of one tag (as `exiftool -s3 -TAG FILE` prints it), trailing newline removed.
+QString exiftool(const QString& file, const QString& tag);
+
+// Real camera photos shipped by Debian's mate-backgrounds package (JPEGs), sorted by name.
+QStringList mateBackgroundJpegs();
+
+}  // namespace testsupport
