@@ -1,0 +1,92 @@
+#pragma once
+
+#include <QAbstractListModel>
+#include <QList>
+#include <QSet>
+#include <QString>
+#include <QStringList>
+#include <QUrl>
+
+#include "collection/cCollectionViewItem.h"
+
+class UserInterface;
+
+// A published photo as the Photo Gallery, Slideshow and Slider receive it.
+struct PhotoEntry {
+    QUrl url;
+    QString description;
+};
+
+// A published photo as the Responsive Grid receives it.
+struct GridPhotoEntry {
+    QUrl url;
+    QString description;
+    QString orientation;
+    int highlight = 0;
+};
+
+// The ordered collection of photo records the user works on, headless. It is also the item model
+// the window's thumbnail grid shows (display role: the name; decoration role: the cell image).
+class PhotoCollection : public QAbstractListModel {
+    Q_OBJECT
+public:
+    enum class Sort { None, AtoZ, ZtoA };
+    enum Role { SelectRole = Qt::UserRole + 1, HighlightRole, DescriptionRole, PixelSizeRole, PathRole };
+
+    explicit PhotoCollection(QObject* parent = nullptr);
+
+    // Size of the cell images made when photos are added; 0 makes none (the command line).
+    void setCellImageSize(int pixels) { cellImageSize_ = pixels; }
+
+    // Appends the files in the given order: caption from the EXIF user comment, pixel size and
+    // orientation from the header, published, not highlighted; duplicates allowed. A file that is
+    // not a readable image is skipped with a logged reason. With `ui`, progress is reported (the
+    // choose-photos flavour). Returns the number of records added.
+    int appendPhotos(const QStringList& paths, UserInterface* ui = nullptr);
+    // Appends records as they stand (a project being opened, tests).
+    void appendRecords(const QList<cCollectionViewItem>& records);
+
+    void hRemoveAllPhoto();
+    // Removes the records at these display positions; nothing when the set is empty.
+    void hRemoveSelectedObject(const QSet<int>& selected);
+
+    // Sort by file name, case-insensitive; the rule stays in force for later additions.
+    void setSortingModeAz();
+    void setSortingModezA();
+    Sort sortMode() const { return sort_; }
+
+    // The drop of a drag of these display positions at drop index D, moving records exactly as the
+    // established algorithm does (including its multi-item behaviour). Returns true.
+    bool acceptDrop(const QList<int>& draggedIndexes, int dropIndex);
+
+    // Flags of one record by display position.
+    void setSelect(int row, bool publish);
+    void setHighlight(int row, bool highlight);
+    void setDescription(int row, const QString& description);
+
+    int count() const { return int(records_.size()); }
+    // The count as the window shows it ("%ld").
+    QString tfImageCount() const { return QString::number(count()); }
+    // The records in display order.
+    const QList<cCollectionViewItem>& arrangedObjects() const { return records_; }
+
+    // The published records in display order, for the generators.
+    QList<PhotoEntry> hGetPhotosFromArrayController() const;
+    QList<GridPhotoEntry> hGetGridPhotos() const;
+
+    // QAbstractListModel
+    int rowCount(const QModelIndex& parent = {}) const override;
+    QVariant data(const QModelIndex& index, int role) const override;
+    bool setData(const QModelIndex& index, const QVariant& value, int role) override;
+    Qt::ItemFlags flags(const QModelIndex& index) const override;
+
+signals:
+    void countChanged(int count);
+
+private:
+    void applySort();
+
+    QList<cCollectionViewItem> records_;
+    Sort sort_ = Sort::None;
+    int cellImageSize_ = 160;
+};

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QColor>
+#include <QString>
+
+class SettingsStore;
+
+// Makes the image files the pages show: scaled by one of eight modes, cropped at one of nine
+// positions, framed, written in the photo's own type. One object per photo; not thread-safe, but
+// any number of objects may work in parallel.
+class KLImageHandling {
+public:
+    // The crop offset settings (tfCropThumbXOffset, tfCropThumbYOffset, tfCropBigXOffset,
+    // tfCropBigYOffset) are read from `settings`; without one they are 0.
+    explicit KLImageHandling(const SettingsStore* settings = nullptr);
+
+    // Scales the photo at `source` by `mode` (0..7) to `size` and writes folder + file name, in the
+    // source's type. "OK", "Failed" or "Not Supported".
+    QString resizeImage(const QString& source, int size, int mode, const QString& folder);
+    // Cuts a cropWidth x cropHeight box at `position` (0..8) out of the image at `source` and
+    // writes folder + file name. `kind` is "myCropThumb" or "myCropBig". The result is also kept in
+    // storeResult.
+    QString cropImage(const QString& source, int cropWidth, int cropHeight, const QString& folder,
+                      const QString& kind, int position);
+    // Slide image: covers the box and keeps its centre; always JPEG, to folder + fileName.
+    QString hHandleImages(const QString& boxWidth, const QString& boxHeight, const QString& source,
+                          const QString& folder, const QString& fileName);
+    // Grid image of a fixed width (whole-percent scale); always JPEG, to folder + fileName.
+    QString hHandleRgImages(const QString& width, const QString& source, const QString& folder,
+                            const QString& fileName);
+    // Strokes a frame of `width` centred on the image's edges (only its inner half shows) and
+    // writes the file back in place.
+    QString addBorderToImage2(const QString& path, const QColor& color, quint32 width);
+
+    qint32 newImgW = 0;
+    qint32 newImgH = 0;
+    double myScaleFactor = 100.0;
+    qint32 myXWOffset = 0;
+    qint32 myYHOffset = 0;
+    qint32 myXWOffsetPlus = 0;
+    qint32 myYHOffsetPlus = 0;
+    QString storeResult;
+
+private:
+    const SettingsStore* settings_;
+};

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <QByteArray>
+#include <QDateTime>
+#include <QString>
+#include <QStringList>
+#include <QUrl>
+#include <QVariantMap>
+
+// The result of hSaveAsFileType: the output file, the format title and the base name.
+struct SaveAsResult {
+    QUrl url;
+    QString format;
+    QString baseName;
+};
+
+// Folders, copies, text files and the conversion of an image file into an output format. Every
+// operation reports its outcome as a short result text and never shows a message.
+class cNSFileHandling {
+public:
+    // "EXISTS" (nothing done), "OK" or "FAILED"; creates missing parents.
+    QString hCreateDirectory(const QString& path) const;
+    // Custom file and folder icons do not exist on this platform: does nothing.
+    void hAddIconToFile(const QString& path, const QString& iconResource) const;
+    // Replaces the file with the text, in UTF-8, atomically (a reader never sees half a file).
+    void hWritHTMLFile(const QString& path, const QString& text) const;
+    void hWriteTextFile(const QString& path, const QString& text) const;
+    // "OK" or "Failed".
+    QString hCopyFileTo(const QString& source, const QString& destination) const;
+    QString hCopyFileToDest(const QString& source, const QString& destination) const;
+    // "Success" or "Failed".
+    QString hCopyFolderTo(const QString& source, const QString& destination) const;
+
+    // Converts the working image at `path` into format `format` ("pdf", "png", "tiff", "bmp",
+    // "gif", "jpeg", "jp2"; anything else writes nothing) with the compression title `compression`
+    // ("1".."9") into `folder`; deletes the working file when the output path differs from it.
+    // Implemented with the imaging code.
+    SaveAsResult hSaveAsFileType(const QString& path, const QString& format,
+                                 const QString& compression, const QString& folder) const;
+
+    // The file size as the platform formats it ("12 KB"); also kept in fileSize.
+    QString getFileSize(const QString& path);
+
+    bool hCheckIfFileExist(const QString& path) const;
+    bool hDeleteFiles(const QString& path) const;
+    bool hRenameFile(const QString& path, const QString& newPath) const;
+    bool hTrashFile(const QString& path) const;
+    bool hMoveFileTo(const QString& source, const QString& destination) const;
+    bool hAliasFileTo(const QString& source, const QString& destination) const;
+    void hShowInFinder(const QString& path) const;
+    QVariantMap readPlist(const QString& path) const;
+    bool writeToPlist(const QString& path, const QVariantMap& map) const;
+    bool writeNSDataToFile(const QString& path, const QByteArray& data) const;
+    QByteArray readNSDataFromFile(const QString& path) const;
+    QStringList hReadTextFileLbyL(const QString& path) const;
+    QDateTime hGetCreationDateFile(const QString& path) const;
+    QDateTime hGetModificationDateFile(const QString& path) const;
+    QString hGetFileType(const QString& path) const;
+
+    QString fileSize;
+};
