@@ -1,9 +1,13 @@
 #pragma once
 
 #include <QColor>
+#include <QImage>
 #include <QString>
 
 class SettingsStore;
+namespace vips {
+class VImage;
+}
 
 // Makes the image files the pages show: scaled by one of eight modes, cropped at one of nine
 // positions, framed, written in the photo's own type. One object per photo; not thread-safe, but
@@ -31,6 +35,10 @@ public:
     // Strokes a frame of `width` centred on the image's edges (only its inner half shows) and
     // writes the file back in place.
     QString addBorderToImage2(const QString& path, const QColor& color, quint32 width);
+    // The image turned by `angle` degrees (counter-clockwise) about its centre, on a canvas the
+    // size of the turned rectangle's bounding box; the corners outside it are transparent. The
+    // angle is kept in `degrees`. A null image when the image cannot be turned.
+    QImage hRotatePictureBase(const QImage& image, const QString& angle);
 
     qint32 newImgW = 0;
     qint32 newImgH = 0;
@@ -40,7 +48,16 @@ public:
     qint32 myXWOffsetPlus = 0;
     qint32 myYHOffsetPlus = 0;
     QString storeResult;
+    float degrees = 0.0f;
 
 private:
+    // Writes `image` to `path` in the type `typeIdentifier`; JPEG and TIFF keep its metadata.
+    // "OK", "Failed" or "Not Supported".
+    QString hSaveToNewImageFile(const QString& path, const QString& typeIdentifier,
+                                const vips::VImage& image);
+    // Computes newImgW/newImgH/myScaleFactor for `mode`; false when the photo cannot be scaled.
+    bool computeTargetSize(int width, int height, int size, int mode);
+    int cropOffset(const QString& name) const;
+
     const SettingsStore* settings_;
 };

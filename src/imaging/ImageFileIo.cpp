@@ -1,0 +1,210 @@
+#include "imaging/ImageFileIo.h"
+
+#include <vips/vips8>
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QRandomGenerator>
+#include <QSaveFile>
+#include <cstring>
+#include <memory>
+
+#include "imaging/VipsRuntime.h"
+#include "services/Log.h"
+
+using vips::VError;
+using vips::VImage;
+
+namespace ImageFileIo {
+
+QString typeIdentifier(const QString& path) {
+    const QString ext = QFileInfo(path).suffix().toLower();
+    if (ext == u"png") return QStringLiteral("public.png");
+    if (ext == u"tif" || ext == u"tiff") return QStringLiteral("public.tiff");
+    if (ext == u"bmp") return QStringLiteral("public.bmp");
+    if (ext == u"gif") return QStringLiteral("com.compuserve.gif");
+    if (ext == u"jpg" || ext == u"jpeg") return QStringLiteral("public.jpeg");
+    if (ext == u"jp2" || ext == u"j2k") return QStringLiteral("public.jp2");
+    if (ext == u"psd") return QStringLiteral("com.adobe.photoshop-image");
+    if (ext == u"pdf") return QStringLiteral("com.adobe.pdf");
+    return {};
+}
+
+bool isRefusedType(const QString& typeIdentifier) {
+    return typeIdentifier == u"com.adobe.photoshop-image" || typeIdentifier == u"com.adobe.pdf";
+}
+
+VImage open(const QString& path, bool sequential) {
+    VipsRuntime::ensureStarted();
+    if (!QFileInfo(path).isFile()) throw VError("not a file: " + path.toStdString());
+    auto* options = VImage::option()->set("fail_on", VIPS_FAIL_ON_TRUNCATED);
+    if (sequential) options->set("access", VIPS_ACCESS_SEQUENTIAL);
+    return VImage::new_from_file(QFile::encodeName(path).constData(), options);
+}
+
+bool pixelSize(const QString& path, int* width, int* height) {
+    *width = 0;
+    *height = 0;
+    try {
+        const VImage header = open(path, true);  // lazy: reads the header only
+        const qint64 w = header.width();
+        const qint64 h = header.height();
+        if (w <= 0 || h <= 0 || w * h > kMaxPixels) {
+            klLog() << "image refused (size" << w << "x" << h << "):" << path;
+            return false;
+        }
+        *width = int(w);
+        *height = int(h);
+        return true;
+    } catch (const VError& e) {
+        klLog() << "image not readable:" << path << e.what();
+        return false;
+    }
+}
+
+VImage toSrgb8(const VImage& image, bool keepAlpha) {
+    VImage out = image;
+    const VipsInterpretation interpretation = out.guess_interpretation();
+    if (interpretation != VIPS_INTERPRETATION_sRGB || out.format() != VIPS_FORMAT_UCHAR)
+        out = out.colourspace(VIPS_INTERPRETATION_sRGB);
+    if (out.format() != VIPS_FORMAT_UCHAR) out = out.cast(VIPS_FORMAT_UCHAR);
+    if (out.bands() > 4) out = out.extract_band(0, VImage::option()->set("n", 4));
+    if (out.bands() == 4 && !keepAlpha)
+        out = out.flatten(VImage::option()->set("background", std::vector<double>{255, 255, 255}));
+    return out;
+}
+
+namespace {
+
+// A 24-bit bottom-up BMP of the pixels (libvips has no BMP writer).
+void writeBmp(const VImage& image, const QString& path) {
+    const VImage rgb = toSrgb8(image, false);
+    size_t size = 0;
+    std::unique_ptr<uchar, decltype(&g_free)> pixels(static_cast<uchar*>(rgb.write_to_memory(&size)),
+                                                     &g_free);
+    const qint64 w = rgb.width();
+    const qint64 h = rgb.height();
+    const qint64 stride = (w * 3 + 3) / 4 * 4;
+    const qint64 imageBytes = stride * h;
+    QByteArray bytes(54 + imageBytes, '\0');
+    auto put32 = [&](int at, quint32 v) {
+        for (int i = 0; i < 4; ++i) bytes[at + i] = char((v >> (8 * i)) & 0xff);
+    };
+    auto put16 = [&](int at, quint16 v) {
+        bytes[at] = char(v & 0xff);
+        bytes[at + 1] = char(v >> 8);
+    };
+    bytes[0] = 'B';
+    bytes[1] = 'M';
+    put32(2, quint32(bytes.size()));
+    put32(10, 54);
+    put32(14, 40);
+    put32(18, quint32(w));
+    put32(22, quint32(h));
+    put16(26, 1);
+    put16(28, 24);
+    put32(34, quint32(imageBytes));
+    put32(38, 2835);  // 72 dpi
+    put32(42, 2835);
+    for (qint64 y = 0; y < h; ++y) {
+        const uchar* src = pixels.get() + (h - 1 - y) * w * 3;
+        char* dst = bytes.data() + 54 + y * stride;
+        for (qint64 x = 0; x < w; ++x) {
+            dst[3 * x] = char(src[3 * x + 2]);
+            dst[3 * x + 1] = char(src[3 * x + 1]);
+            dst[3 * x + 2] = char(src[3 * x]);
+        }
+    }
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())
+        throw VError("cannot write " + path.toStdString());
+}
+
+// The same image without EXIF, IPTC and XMP; the colour profile stays so colours keep meaning.
+VImage withoutMetadata(const VImage& image) {
+    VImage out = image.copy();
+    gchar** names = vips_image_get_fields(out.get_image());
+    for (gchar** n = names; n && *n; ++n) {
+        if (std::strncmp(*n, "exif-", 5) == 0 || std::strcmp(*n, "xmp-data") == 0 ||
+            std::strcmp(*n, "iptc-data") == 0)
+            out.remove(*n);
+    }
+    g_strfreev(names);
+    return out;
+}
+
+QString temporaryPathBeside(const QString& path) {
+    const QFileInfo info(path);
+    return info.absolutePath() + QStringLiteral("/.") + info.fileName() + u'.' +
+           QString::number(QRandomGenerator::global()->generate64(), 16) +
+           QStringLiteral(".tmp");
+}
+
+}  // namespace
+
+QString save(const VImage& image, const QString& path, const QString& typeIdentifier,
+             bool keepMetadata, int jpegQuality) {
+    if (isRefusedType(typeIdentifier)) return QStringLiteral("Not Supported");
+    const bool jpeg = typeIdentifier == u"public.jpeg";
+    const bool tiff = typeIdentifier == u"public.tiff";
+    if (!jpeg && !tiff && typeIdentifier != u"public.png" && typeIdentifier != u"public.bmp" &&
+        typeIdentifier != u"com.compuserve.gif" && typeIdentifier != u"public.jp2")
+        return QStringLiteral("Failed");
+
+    const QString temporary = temporaryPathBeside(path);
+    const QByteArray name = QFile::encodeName(temporary);
+    try {
+        const VImage out = keepMetadata ? image : withoutMetadata(image);
+        if (jpeg) {
+            out.jpegsave(name.constData(), VImage::option()->set("Q", jpegQuality));
+        } else if (tiff) {
+            out.tiffsave(name.constData());
+        } else if (typeIdentifier == u"public.png") {
+            out.pngsave(name.constData());
+        } else if (typeIdentifier == u"com.compuserve.gif") {
+            out.gifsave(name.constData());
+        } else if (typeIdentifier == u"public.jp2") {
+            out.jp2ksave(name.constData());
+        } else {
+            writeBmp(out, temporary);
+        }
+    } catch (const VError& e) {
+        klLog() << "image not written:" << path << e.what();
+        QFile::remove(temporary);
+        return QStringLiteral("Failed");
+    }
+    QFile::remove(path);
+    if (!QFile::rename(temporary, path)) {
+        klLog() << "image not written:" << path;
+        QFile::remove(temporary);
+        return QStringLiteral("Failed");
+    }
+    return QStringLiteral("OK");
+}
+
+QImage toQImage(const VImage& image) {
+    const VImage rgb = toSrgb8(image, true);
+    size_t size = 0;
+    std::unique_ptr<uchar, decltype(&g_free)> pixels(static_cast<uchar*>(rgb.write_to_memory(&size)),
+                                                     &g_free);
+    const int bands = rgb.bands();
+    const QImage view(pixels.get(), rgb.width(), rgb.height(), qsizetype(rgb.width()) * bands,
+                      bands == 4 ? QImage::Format_RGBA8888 : QImage::Format_RGB888);
+    return view.copy();  // detaches from the vips buffer
+}
+
+VImage fromQImage(const QImage& image) {
+    VipsRuntime::ensureStarted();
+    const QImage rgba = image.convertToFormat(QImage::Format_RGBA8888);
+    QByteArray packed;
+    packed.reserve(qsizetype(rgba.width()) * rgba.height() * 4);
+    for (int y = 0; y < rgba.height(); ++y)
+        packed.append(reinterpret_cast<const char*>(rgba.constScanLine(y)), qsizetype(rgba.width()) * 4);
+    VImage view = VImage::new_from_memory(packed.data(), size_t(packed.size()), rgba.width(),
+                                          rgba.height(), 4, VIPS_FORMAT_UCHAR);
+    return view.copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB))
+        .copy_memory();
+}
+
+}  // namespace ImageFileIo
