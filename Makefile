@@ -47,9 +47,10 @@ build-release: deps
 demo: build-release
 	rm -rf demo/gallery
 	$(BUILD_RELEASE)/orvella generate gallery --out demo/gallery /usr/share/backgrounds/mate
+	@echo "Photo Gallery written: $(CURDIR)/demo/gallery/index.html"
 
 bench: build-release
-	for b in bench/*; do [ -x "$$b" ] && "$$b" $(BUILD_RELEASE)/orvella; done
+	@set -e; for b in bench/*; do if [ -x "$$b" ]; then echo "== $$b"; "$$b" $(BUILD_RELEASE)/orvella; fi; done
 
 format:
 	find src tests bench -name '*.cpp' -o -name '*.h' | xargs clang-format -i
