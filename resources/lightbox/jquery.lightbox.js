@@ -171,6 +171,9 @@
     $.fn.lightbox = function () {
         var anchors = this;
         anchors.off('click.klOVlightbox').on('click.klOVlightbox', function (e) {
+            if (e.ctrlKey || e.metaKey || e.shiftKey || e.which === 2) {
+                return;  // opening the photo in a new tab or window stays possible
+            }
             e.preventDefault();
             var rel = $(this).attr('rel');
             var group = rel ? anchors.filter(function () { return $(this).attr('rel') === rel; }) : $(this);
