@@ -1,13 +1,244 @@
+#include <QDir>
+#include <QFileInfo>
+#include <QProcess>
+#include <QRegularExpression>
+#include <algorithm>
+#include <cmath>
+
 #include "cli/Cli.h"
+#include "collection/PhotoCollection.h"
+#include "generators/gallery/cResponsiveDesign.h"
+#include "presets/SettingsStore.h"
+#include "services/TextValues.h"
+#include "services/UserInterface.h"
 
 namespace cli {
 
+namespace {
+
+const char* const kHelp =
+    "Usage: orvella generate gallery --out DIR [OPTIONS] [PHOTO|FOLDER]...\n"
+    "\n"
+    "Writes a Photo Gallery of the photos into DIR (created when missing): pages of thumbnails\n"
+    "with a lightbox, a stylesheet, the images and a redirecting index.html. Photos are taken in\n"
+    "the order given; a folder adds its .png, .jpg, .jpeg, .tif and .tiff files sorted by name.\n"
+    "Prints the path of the first page.\n"
+    "\n"
+    "Options:\n"
+    "  --out DIR             the output folder (required)\n"
+    "  --set NAME=VALUE      change one setting (see `orvella settings gallery`); popups take a\n"
+    "                        title or an index, colours six hex digits, checkboxes 0 or 1\n"
+    "  --sort az|za          sort the photos by file name\n"
+    "  --unpublish FILENAME  leave out the photo with that file name (repeatable)\n"
+    "  --highlight FILENAME  highlight the photo with that file name (repeatable)\n"
+    "  --threads N           image workers (default 0: one per core)\n"
+    "  --open                open the first page in the default browser\n"
+    "  --project FILE, --preset FILE   not available yet\n"
+    "\n"
+    "Exit codes: 0 done, 1 a failure, 2 wrong usage or a run refused by an alert.\n";
+
+// Alerts and progress on the terminal.
+class TerminalUserInterface : public UserInterface {
+public:
+    explicit TerminalUserInterface(Io& io) : io_(io) {}
+
+    void alert(const QString& title, const QString& description, bool stopsRun) override {
+        endBar();
+        const QString text = description.trimmed();
+        if (stopsRun) {
+            io_.err << "orvella generate: " << title << " " << text << "\n";
+            stopped = true;
+        } else {
+            io_.err << "warning: " << title << ": " << text << "\n";
+        }
+        io_.err.flush();
+    }
+    void progressStart() override {
+        value_ = 0;
+        drawn_ = -1;
+        draw();
+    }
+    void progressStep(double increment) override {
+        value_ += increment;
+        draw();
+    }
+    void progressStop() override { endBar(); }
+    void openUrl(const QString& url) override {
+        // Not through QDesktopServices: the command line runs without a GUI application.
+        if (!QProcess::startDetached(QStringLiteral("xdg-open"), {url}))
+            io_.err << "warning: could not open " << url << "\n";
+    }
+
+    bool stopped = false;
+
+private:
+    void draw() {
+        if (!io_.errIsTerminal) return;
+        const int percent = std::clamp(int(std::lround(value_)), 0, 100);
+        if (percent == drawn_) return;
+        drawn_ = percent;
+        const int filled = percent * 30 / 100;
+        io_.err << "\r[" << QString(filled, u'#') << QString(30 - filled, u'-') << "] "
+                << percent << "%";
+        io_.err.flush();
+        barShown_ = true;
+    }
+    void endBar() {
+        if (barShown_) io_.err << "\n";
+        barShown_ = false;
+        drawn_ = -1;
+    }
+
+    Io& io_;
+    double value_ = 0;
+    int drawn_ = -1;
+    bool barShown_ = false;
+};
+
+bool isPhotoFile(const QFileInfo& info) {
+    static const QStringList extensions = {"png", "jpg", "jpeg", "tif", "tiff"};
+    return info.isFile() && extensions.contains(info.suffix().toLower());
+}
+
+QStringList folderPhotos(const QString& folder) {
+    QFileInfoList entries = QDir(folder).entryInfoList(QDir::Files | QDir::NoDotAndDotDot);
+    std::sort(entries.begin(), entries.end(),
+              [](const QFileInfo& a, const QFileInfo& b) { return a.fileName() < b.fileName(); });
+    QStringList paths;
+    for (const QFileInfo& info : entries)
+        if (isPhotoFile(info)) paths.append(info.absoluteFilePath());
+    return paths;
+}
+
+int usage(Io& io, const QString& message) {
+    io.err << "orvella generate: " << message << "\n";
+    return kUsage;
+}
+
+int generateGallery(const QStringList& args, Io& io) {
+    QString out;
+    QString sort;
+    QStringList unpublish, highlight, inputs;
+    bool open = false;
+    int threads = 0;
+    SettingsStore settings;
+
+    for (int i = 0; i < args.size(); ++i) {
+        const QString& a = args[i];
+        auto value = [&](QString* target) {
+            if (i + 1 >= args.size()) return false;
+            *target = args[++i];
+            return true;
+        };
+        QString v;
+        if (a == u"--out") {
+            if (!value(&out)) return usage(io, "--out needs a folder");
+        } else if (a == u"--project" || a == u"--preset") {
+            return usage(io, a + " is not available yet");
+        } else if (a == u"--set") {
+            if (!value(&v)) return usage(io, "--set needs NAME=VALUE");
+            const qsizetype eq = v.indexOf(u'=');
+            if (eq <= 0) return usage(io, "--set needs NAME=VALUE, not \"" + v + "\"");
+            const QString name = v.left(eq);
+            const ControlSpec* spec = settings.registry().find(name);
+            if (!spec || spec->outputKind != u"gallery")
+                return usage(io, "unknown gallery setting \"" + name + "\"");
+            QString error;
+            if (!settings.set(name, v.mid(eq + 1), &error)) return usage(io, error);
+        } else if (a == u"--sort") {
+            if (!value(&sort) || (sort != u"az" && sort != u"za"))
+                return usage(io, "--sort takes az or za");
+        } else if (a == u"--unpublish") {
+            if (!value(&v)) return usage(io, "--unpublish needs a file name");
+            unpublish.append(v);
+        } else if (a == u"--highlight") {
+            if (!value(&v)) return usage(io, "--highlight needs a file name");
+            highlight.append(v);
+        } else if (a == u"--threads") {
+            static const QRegularExpression digits(QStringLiteral("^\\d+$"));
+            if (!value(&v) || !digits.match(v).hasMatch())
+                return usage(io, "--threads takes a whole number (0: one per core)");
+            threads = TextValues::intValue(v);
+        } else if (a == u"--open") {
+            open = true;
+        } else if (a.startsWith(u"--")) {
+            return usage(io, "unknown option " + a);
+        } else {
+            inputs.append(a);
+        }
+    }
+    if (out.isEmpty()) return usage(io, "--out DIR is required");
+
+    QStringList paths;
+    for (const QString& input : inputs) {
+        const QFileInfo info(input);
+        if (info.isDir())
+            paths += folderPhotos(input);
+        else if (info.exists())
+            paths.append(info.absoluteFilePath());
+        else
+            return usage(io, "no such file or folder: " + input);
+    }
+
+    PhotoCollection collection;
+    collection.setCellImageSize(0);
+    const int added = collection.appendPhotos(paths);
+    if (added < paths.size())
+        io.err << "warning: " << (paths.size() - added)
+               << " file(s) skipped: not readable images\n";
+    if (sort == u"az") collection.setSortingModeAz();
+    if (sort == u"za") collection.setSortingModezA();
+
+    auto setFlag = [&](const QStringList& names, const char* option, bool highlightFlag) {
+        for (const QString& name : names) {
+            bool found = false;
+            const auto& records = collection.arrangedObjects();
+            for (int row = 0; row < records.size(); ++row) {
+                if (QFileInfo(records[row].path()).fileName() != name) continue;
+                found = true;
+                if (highlightFlag)
+                    collection.setHighlight(row, true);
+                else
+                    collection.setSelect(row, false);
+            }
+            if (!found) {
+                usage(io, QStringLiteral("%1: no photo named \"%2\"").arg(option, name));
+                return false;
+            }
+        }
+        return true;
+    };
+    if (!setFlag(unpublish, "--unpublish", false) || !setFlag(highlight, "--highlight", true))
+        return kUsage;
+
+    QString destination = QFileInfo(out).absoluteFilePath();
+    if (!QDir().mkpath(destination)) {
+        io.err << "orvella generate: cannot create the folder " << destination << "\n";
+        return kFailed;
+    }
+    if (!destination.endsWith(u'/')) destination += u'/';
+
+    TerminalUserInterface ui(io);
+    const GalleryResult result = cResponsiveDesign::hCreateResponsiveHTML(
+        destination, collection.hGetPhotosFromArrayController(), settings, ui, threads, open);
+    if (!result.ok || ui.stopped) return kUsage;
+    io.out << result.firstPage << "\n";
+    return kOk;
+}
+
+}  // namespace
+
 Command generateCommand() {
-    return {QStringLiteral("generate"), QStringLiteral("(not available yet)"),
-            QStringLiteral("orvella generate: not available yet\n"),
-            [](const QStringList&, Io& io) {
-                io.err << "orvella generate: not available yet\n";
-                return int(kFailed);
+    return {QStringLiteral("generate"), QStringLiteral("write a web site of photos (gallery)"),
+            QString::fromUtf8(kHelp), [](const QStringList& args, Io& io) {
+                if (args.isEmpty()) {
+                    io.err << kHelp;
+                    return int(kUsage);
+                }
+                if (args.first() != u"gallery")
+                    return usage(io, "unknown output kind \"" + args.first() +
+                                         "\" (available: gallery)");
+                return generateGallery(args.mid(1), io);
             }};
 }
 

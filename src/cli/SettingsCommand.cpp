@@ -1,13 +1,44 @@
 #include "cli/Cli.h"
+#include "presets/ControlRegistry.h"
 
 namespace cli {
 
+namespace {
+
+const char* const kHelp =
+    "Usage: orvella settings gallery\n"
+    "\n"
+    "Lists every setting of the output kind, one per line, tab-separated:\n"
+    "  name, aliases (comma-separated), kind, default, items (\" | \"-separated).\n"
+    "Any name or alias can be given to `orvella generate gallery --set NAME=VALUE`.\n";
+
+// Tabs and line breaks inside a value would break the columns.
+QString cell(QString text) {
+    return text.replace(u'\\', QStringLiteral("\\\\"))
+        .replace(u'\t', QStringLiteral("\\t"))
+        .replace(u'\n', QStringLiteral("\\n"));
+}
+
+}  // namespace
+
 Command settingsCommand() {
-    return {QStringLiteral("settings"), QStringLiteral("(not available yet)"),
-            QStringLiteral("orvella settings: not available yet\n"),
-            [](const QStringList&, Io& io) {
-                io.err << "orvella settings: not available yet\n";
-                return int(kFailed);
+    return {QStringLiteral("settings"), QStringLiteral("list the settings of an output kind"),
+            QString::fromUtf8(kHelp), [](const QStringList& args, Io& io) {
+                if (args.size() != 1 || args.first() != u"gallery") {
+                    io.err << kHelp;
+                    return int(kUsage);
+                }
+                io.out << "name\taliases\tkind\tdefault\titems\n";
+                for (const ControlSpec* spec :
+                     ControlRegistry::standard().controls(args.first())) {
+                    QString items = spec->items.join(QStringLiteral(" | "));
+                    if (spec->kind == ControlKind::Slider)
+                        items = QStringLiteral("%1..%2").arg(spec->minimum).arg(spec->maximum);
+                    io.out << spec->name << "\t" << spec->aliases.join(u',') << "\t"
+                           << controlKindName(spec->kind) << "\t" << cell(spec->defaultValue)
+                           << "\t" << cell(items) << "\n";
+                }
+                return int(kOk);
             }};
 }
 
