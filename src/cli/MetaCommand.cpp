@@ -1,13 +1,102 @@
+#include <QFileInfo>
+
 #include "cli/Cli.h"
+#include "metadata/mMeta.h"
 
 namespace cli {
 
+namespace {
+
+const char* const kHelp =
+    "Usage: orvella meta get FILE NAME [NAME...]\n"
+    "       orvella meta tree FILE\n"
+    "       orvella meta set-comment FILE TEXT\n"
+    "\n"
+    "Reads and writes the photo metadata used in captions.\n"
+    "\n"
+    "  get FILE NAME...        print one line per caption item, in the order given, all read by\n"
+    "                          one reader. NAME is a caption item name: \"Show Filename\",\n"
+    "                          \"EXIF User Comment\", \"EXIF Creation Date\", \"IPTC Creator Title\",\n"
+    "                          \"IPTC Caption\", \"IPTC Keyword\", \"IPTC City\", \"IPTC Caption Writer\",\n"
+    "                          \"IPTC Copyrights\", \"IPTC Country\", \"IPTC Credits\", \"IPTC Headline\",\n"
+    "                          \"IPTC Subject Code\", \"IPTC State Province\" or \"IPTC Description\"\n"
+    "                          (which repeats the previous IPTC value, as captions do).\n"
+    "                          A missing value, or a file that cannot be read, prints an empty line.\n"
+    "  tree FILE               print every EXIF, IPTC and XMP property of FILE as a tree, two\n"
+    "                          spaces of indent per level: groups as \"name:\", properties as\n"
+    "                          \"name: value\". Prints nothing for a file that cannot be read.\n"
+    "  set-comment FILE TEXT   write TEXT as the EXIF user comment of FILE (creating the EXIF\n"
+    "                          block when missing) and print \"OK\" or \"Failed\".\n"
+    "\n"
+    "Exit status: 0 done, 1 set-comment failed, 2 wrong usage.\n";
+
+int usage(Io& io, const QString& problem) {
+    io.err << "orvella meta: " << problem << "\n\n" << kHelp;
+    return kUsage;
+}
+
+// A value may hold line breaks (a caption over several lines); the output keeps one line per
+// value so that the lines match the names asked for.
+QString oneLine(QString value) {
+    value.replace(QStringLiteral("\r\n"), QStringLiteral(" "));
+    value.replace(u'\n', u' ');
+    value.replace(u'\r', u' ');
+    return value;
+}
+
+int get(const QStringList& args, Io& io) {
+    if (args.size() < 2) return usage(io, QStringLiteral("get needs a file and at least one name"));
+    const QString& file = args.first();
+    mMeta meta;
+    for (const QString& name : args.mid(1)) {
+        QString value;
+        if (name == u"Show Filename")
+            value = QFileInfo(file).fileName();
+        else if (name.startsWith(QStringLiteral("EXIF")))
+            value = meta.hGetExifUc(file, name);
+        else
+            value = meta.hGetSomeIPTC(file, name);
+        io.out << oneLine(value) << "\n";
+    }
+    return kOk;
+}
+
+void printTree(const QList<MetaTreeNode>& nodes, int depth, QTextStream& out) {
+    for (const MetaTreeNode& node : nodes) {
+        out << QString(depth * 2, u' ') << oneLine(node.key) << ":";
+        if (node.children.isEmpty()) out << " " << oneLine(node.val);
+        out << "\n";
+        printTree(node.children, depth + 1, out);
+    }
+}
+
+int tree(const QStringList& args, Io& io) {
+    if (args.size() != 1) return usage(io, QStringLiteral("tree needs exactly one file"));
+    mMeta meta;
+    printTree(meta.propTree(args.first()), 0, io.out);
+    return kOk;
+}
+
+int setComment(const QStringList& args, Io& io) {
+    if (args.size() != 2) return usage(io, QStringLiteral("set-comment needs a file and a text"));
+    const QString result = mMeta().hSetExifData(args[0], args[1]);
+    io.out << result << "\n";
+    return result == u"OK" ? kOk : kFailed;
+}
+
+}  // namespace
+
 Command metaCommand() {
-    return {QStringLiteral("meta"), QStringLiteral("(not available yet)"),
-            QStringLiteral("orvella meta: not available yet\n"),
-            [](const QStringList&, Io& io) {
-                io.err << "orvella meta: not available yet\n";
-                return int(kFailed);
+    return {QStringLiteral("meta"),
+            QStringLiteral("read caption metadata, show the metadata tree, set the user comment"),
+            QString::fromUtf8(kHelp), [](const QStringList& args, Io& io) {
+                if (args.isEmpty()) return usage(io, QStringLiteral("which verb?"));
+                const QString verb = args.first();
+                const QStringList rest = args.mid(1);
+                if (verb == u"get") return get(rest, io);
+                if (verb == u"tree") return tree(rest, io);
+                if (verb == u"set-comment") return setComment(rest, io);
+                return usage(io, QStringLiteral("unknown verb \"%1\"").arg(verb));
             }};
 }
 

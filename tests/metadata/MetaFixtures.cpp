@@ -1,0 +1,20 @@
+// libvips (through glib) must come before any Qt header: glib uses Qt's keywords as names.
+#include <vips/vips8>
+
+#include "metadata/MetaFixtures.h"
+
+#include "imaging/VipsRuntime.h"
+
+namespace metafixtures {
+
+QString makeImage(const QString& path, int width, int height, const QString& options, int bands) {
+    VipsRuntime::ensureStarted();
+    vips::VImage image =
+        vips::VImage::black(width, height, vips::VImage::option()->set("bands", bands));
+    image = (image + 120).cast(VIPS_FORMAT_UCHAR);
+    const QString target = options.isEmpty() ? path : path + u'[' + options + u']';
+    image.write_to_file(target.toUtf8().constData());
+    return path;
+}
+
+}  // namespace metafixtures
