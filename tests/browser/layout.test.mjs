@@ -23,7 +23,9 @@ const thumbnailsOf = (page) => page.$$eval('.klOVimg a', (as) => as.map((a) => a
 
 describe('gallery pages', () => {
     test('the navigation bar reaches every page, and every photo is on one of them', async () => {
-        const out = generate(path.join(root, 'paged'), { ifNumberOfColumns: 2, ifNumberOfRows: 1 },
+        const out = generate(path.join(root, 'paged'), {
+            pubPhotoGalleryModel: 0, ifNumberOfColumns: 2, ifNumberOfRows: 1,
+        },
             photos.slice(0, 5).map((p) => p.file));
         const pages = ['myIndex.html', 'myIndex2.html', 'myIndex3.html'];
         for (const name of pages) assert.ok(fs.existsSync(path.join(out, name)), name);
@@ -78,7 +80,6 @@ describe('gallery pages', () => {
             const pattern = path.join(sourceDir, 'resources/patterns/dots.png');
             const out = generate(path.join(root, `pattern${model}`), {
                 pubPhotoGalleryModel: model, cbTbShowPatternImage: 1, tfTbPatternPath: pattern,
-                cbTbRdShowPatternImage: 1, tfTbRdPatternPath: pattern,
             }, photos.slice(0, 3).map((p) => p.file));
             const copied = path.join(out, 'KLovPatterns', 'dots.png');
             assert.ok(fs.existsSync(copied));
