@@ -1,0 +1,243 @@
+#include "collection/PhotoCollection.h"
+
+#include <QFileInfo>
+#include <algorithm>
+
+#include "imaging/CellImage.h"
+#include "metadata/mMeta.h"
+#include "services/Log.h"
+#include "services/UserInterface.h"
+
+namespace {
+
+// Case-insensitive order of file names; `descending` reverses it. Equal names keep their order.
+bool before(const cCollectionViewItem& a, const cCollectionViewItem& b, bool descending) {
+    const int order = QString::compare(a.myPhotoName, b.myPhotoName, Qt::CaseInsensitive);
+    return descending ? order > 0 : order < 0;
+}
+
+QString unreadableReason(const QString& path) {
+    const QFileInfo info(path);
+    if (!info.exists()) return QStringLiteral("no such file");
+    if (info.isDir()) return QStringLiteral("a folder");
+    if (info.size() == 0) return QStringLiteral("an empty file");
+    return QStringLiteral("not a readable image");
+}
+
+}  // namespace
+
+PhotoCollection::PhotoCollection(QObject* parent) : QAbstractListModel(parent) {}
+
+int PhotoCollection::appendPhotos(const QStringList& paths, UserInterface* ui) {
+    if (paths.isEmpty()) {
+        if (ui) ui->progressStop();
+        return 0;
+    }
+    if (ui) ui->progressStart();
+    const int step = 100 / int(paths.size());  // integer steps: 3 files give 33 each, 150 give 0
+    int added = 0;
+    for (const QString& path : paths) {
+        if (ui) ui->progressStep(step);
+        const mMeta meta;
+        mMeta::ImageSourcePtr captionSource = meta.getMyImageSource(path);
+        if (!captionSource) {
+            klLog() << QStringLiteral("skipped %1: %2").arg(path, unreadableReason(path));
+            continue;
+        }
+        const QString caption =
+            meta.hGetExifUcFromSource(std::move(captionSource), QStringLiteral("EXIF User Comment"));
+        const mMeta::ImageSourcePtr sizeSource = meta.getMyImageSource(path);
+        const QList<qint64> size = sizeSource ? meta.hGetPixelFormatFromSource(*sizeSource) : QList<qint64>();
+        if (size.size() < 2 || size[0] <= 0 || size[1] <= 0) {
+            klLog() << QStringLiteral("skipped %1: no pixel size").arg(path);
+            continue;
+        }
+
+        cCollectionViewItem record;
+        record.myPhotoName = QFileInfo(path).fileName();
+        record.myPhotoURL = QUrl::fromLocalFile(QFileInfo(path).absoluteFilePath());
+        record.myPhotoDescription = caption;
+        record.myPhotoSelect = 1;
+        record.myPhotoHighLight = 0;
+        record.myPhotoOrientation = size[0] > size[1] ? QStringLiteral("H") : QStringLiteral("V");
+        record.myPhotoPxSize = QStringLiteral("%1x%2").arg(size[0]).arg(size[1]);
+        if (cellImageSize_ > 0) record.myPhoto = makeCellImage(path, cellImageSize_);
+
+        // With a sort rule in force the record goes where the rule puts it, after equal names.
+        int row = count();
+        if (sort_ != Sort::None) {
+            const bool descending = sort_ == Sort::ZtoA;
+            const auto it = std::upper_bound(records_.cbegin(), records_.cend(), record,
+                                             [descending](const auto& a, const auto& b) {
+                                                 return before(a, b, descending);
+                                             });
+            row = int(it - records_.cbegin());
+        }
+        beginInsertRows({}, row, row);
+        records_.insert(row, std::move(record));
+        endInsertRows();
+        ++added;
+        Q_EMIT countChanged(count());
+    }
+    if (ui) ui->progressStop();
+    return added;
+}
+
+void PhotoCollection::appendRecords(const QList<cCollectionViewItem>& records) {
+    if (records.isEmpty()) return;
+    beginResetModel();
+    records_.append(records);
+    applySort();
+    endResetModel();
+    Q_EMIT countChanged(count());
+}
+
+void PhotoCollection::hRemoveAllPhoto() {
+    beginResetModel();
+    records_.clear();
+    endResetModel();
+    Q_EMIT countChanged(count());
+}
+
+void PhotoCollection::hRemoveSelectedObject(const QSet<int>& selected) {
+    QList<int> rows;
+    for (const int row : selected) {
+        if (row >= 0 && row < count()) rows.append(row);
+    }
+    if (rows.isEmpty()) return;
+    std::sort(rows.begin(), rows.end(), std::greater<>());
+    beginResetModel();
+    for (const int row : rows) records_.removeAt(row);
+    endResetModel();
+    Q_EMIT countChanged(count());
+}
+
+void PhotoCollection::setSortingModeAz() {
+    sort_ = Sort::AtoZ;
+    beginResetModel();
+    applySort();
+    endResetModel();
+    Q_EMIT countChanged(count());
+}
+
+void PhotoCollection::setSortingModezA() {
+    sort_ = Sort::ZtoA;
+    beginResetModel();
+    applySort();
+    endResetModel();
+    Q_EMIT countChanged(count());
+}
+
+void PhotoCollection::applySort() {
+    if (sort_ == Sort::None) return;
+    const bool descending = sort_ == Sort::ZtoA;
+    std::stable_sort(records_.begin(), records_.end(),
+                     [descending](const auto& a, const auto& b) { return before(a, b, descending); });
+}
+
+bool PhotoCollection::acceptDrop(const QList<int>& draggedIndexes, int dropIndex) {
+    QList<int> sources;
+    for (const int index : draggedIndexes) {
+        if (index >= 0 && index < count() && !sources.contains(index)) sources.append(index);
+    }
+    if (sources.isEmpty()) return true;
+    std::sort(sources.begin(), sources.end());
+    // A manual order replaces a sort rule; otherwise the drop would be undone at once.
+    sort_ = Sort::None;
+
+    int target = std::clamp(dropIndex, 0, count()) - 1;
+    beginResetModel();
+    for (const int source : sources) {
+        // Kept on purpose: the source positions are those before the drop and are not adjusted as
+        // earlier moves shift the records, so a multi-item drag can move other records.
+        const int n = count();
+        if (target + 1 != n) ++target;
+        cCollectionViewItem record = records_.takeAt(source);
+        records_.insert(target, std::move(record));
+    }
+    endResetModel();
+    Q_EMIT countChanged(count());
+    return true;
+}
+
+void PhotoCollection::setSelect(int row, bool publish) {
+    if (row < 0 || row >= count()) return;
+    records_[row].myPhotoSelect = publish ? 1 : 0;
+    const QModelIndex changed = index(row);
+    Q_EMIT dataChanged(changed, changed, {SelectRole});
+}
+
+void PhotoCollection::setHighlight(int row, bool highlight) {
+    if (row < 0 || row >= count()) return;
+    records_[row].myPhotoHighLight = highlight ? 1 : 0;
+    const QModelIndex changed = index(row);
+    Q_EMIT dataChanged(changed, changed, {HighlightRole});
+}
+
+void PhotoCollection::setDescription(int row, const QString& description) {
+    if (row < 0 || row >= count()) return;
+    records_[row].myPhotoDescription = description;
+    const QModelIndex changed = index(row);
+    Q_EMIT dataChanged(changed, changed, {DescriptionRole});
+}
+
+QList<PhotoEntry> PhotoCollection::hGetPhotosFromArrayController() const {
+    QList<PhotoEntry> photos;
+    klLog() << QStringLiteral("count: %1:").arg(count());
+    for (const cCollectionViewItem& record : records_) {
+        // The diagnostic lines are kept as they always were, "flag NOT set" included for every record.
+        klLog() << "loop entered";
+        klLog() << "flag NOT set";
+        if (record.myPhotoSelect == 1) {
+            klLog() << "flag set";
+            photos.append({record.myPhotoURL, record.myPhotoDescription});
+        }
+    }
+    klLog() << QStringLiteral("hGetPhotosFromArrayController: %1").arg(photos.size());
+    return photos;
+}
+
+QList<GridPhotoEntry> PhotoCollection::hGetGridPhotos() const {
+    QList<GridPhotoEntry> photos;
+    for (const cCollectionViewItem& record : records_) {
+        if (record.myPhotoSelect != 1) continue;
+        photos.append({record.myPhotoURL, record.myPhotoDescription, record.myPhotoOrientation,
+                       record.myPhotoHighLight});
+    }
+    return photos;
+}
+
+int PhotoCollection::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : count();
+}
+
+QVariant PhotoCollection::data(const QModelIndex& index, int role) const {
+    if (!index.isValid() || index.row() >= count()) return {};
+    const cCollectionViewItem& record = records_[index.row()];
+    switch (role) {
+        case Qt::DisplayRole: return record.myPhotoName;
+        case Qt::DecorationRole: return record.myPhoto;
+        case SelectRole: return record.myPhotoSelect;
+        case HighlightRole: return record.myPhotoHighLight;
+        case DescriptionRole: return record.myPhotoDescription;
+        case PixelSizeRole: return record.myPhotoPxSize;
+        case PathRole: return record.path();
+        default: return {};
+    }
+}
+
+bool PhotoCollection::setData(const QModelIndex& index, const QVariant& value, int role) {
+    if (!index.isValid() || index.row() >= count()) return false;
+    // A checkbox sends a bool or a check state; ticked (true, Qt::Checked) counts as set.
+    switch (role) {
+        case SelectRole: setSelect(index.row(), value.toInt() != 0); return true;
+        case HighlightRole: setHighlight(index.row(), value.toInt() != 0); return true;
+        case DescriptionRole: setDescription(index.row(), value.toString()); return true;
+        default: return false;
+    }
+}
+
+Qt::ItemFlags PhotoCollection::flags(const QModelIndex& index) const {
+    if (!index.isValid()) return Qt::ItemIsDropEnabled;
+    return Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsDragEnabled | Qt::ItemNeverHasChildren;
+}
