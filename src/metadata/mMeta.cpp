@@ -246,7 +246,11 @@ void collect(Groups& groups, const Data& data, const Exiv2::ExifData* context) {
     for (const Datum& datum : data) {
         QString value;
         try {
-            value = printable(datum.print(context));
+            // A comment reads as its text, without the character-set header.
+            if (const auto* comment = dynamic_cast<const Exiv2::CommentValue*>(&datum.value()))
+                value = printable(comment->comment());
+            else
+                value = printable(datum.print(context));
         } catch (...) {
             value = printable(datum.toString());
         }
