@@ -44,10 +44,11 @@ int PhotoCollection::appendPhotos(const QStringList& paths, UserInterface* ui) {
             klLog() << QStringLiteral("skipped %1: %2").arg(path, unreadableReason(path));
             continue;
         }
-        const QString caption =
-            meta.hGetExifUcFromSource(std::move(captionSource), QStringLiteral("EXIF User Comment"));
+        const QString caption = meta.hGetExifUcFromSource(std::move(captionSource),
+                                                          QStringLiteral("EXIF User Comment"));
         const mMeta::ImageSourcePtr sizeSource = meta.getMyImageSource(path);
-        const QList<qint64> size = sizeSource ? meta.hGetPixelFormatFromSource(*sizeSource) : QList<qint64>();
+        const QList<qint64> size =
+            sizeSource ? meta.hGetPixelFormatFromSource(*sizeSource) : QList<qint64>();
         if (size.size() < 2 || size[0] <= 0 || size[1] <= 0) {
             klLog() << QStringLiteral("skipped %1: no pixel size").arg(path);
             continue;
@@ -67,10 +68,9 @@ int PhotoCollection::appendPhotos(const QStringList& paths, UserInterface* ui) {
         int row = count();
         if (sort_ != Sort::None) {
             const bool descending = sort_ == Sort::ZtoA;
-            const auto it = std::upper_bound(records_.cbegin(), records_.cend(), record,
-                                             [descending](const auto& a, const auto& b) {
-                                                 return before(a, b, descending);
-                                             });
+            const auto it = std::upper_bound(
+                records_.cbegin(), records_.cend(), record,
+                [descending](const auto& a, const auto& b) { return before(a, b, descending); });
             row = int(it - records_.cbegin());
         }
         beginInsertRows({}, row, row);
@@ -131,8 +131,9 @@ void PhotoCollection::setSortingModezA() {
 void PhotoCollection::applySort() {
     if (sort_ == Sort::None) return;
     const bool descending = sort_ == Sort::ZtoA;
-    std::stable_sort(records_.begin(), records_.end(),
-                     [descending](const auto& a, const auto& b) { return before(a, b, descending); });
+    std::stable_sort(records_.begin(), records_.end(), [descending](const auto& a, const auto& b) {
+        return before(a, b, descending);
+    });
 }
 
 bool PhotoCollection::acceptDrop(const QList<int>& draggedIndexes, int dropIndex) {
@@ -185,7 +186,8 @@ QList<PhotoEntry> PhotoCollection::hGetPhotosFromArrayController() const {
     QList<PhotoEntry> photos;
     klLog() << QStringLiteral("count: %1:").arg(count());
     for (const cCollectionViewItem& record : records_) {
-        // The diagnostic lines are kept as they always were, "flag NOT set" included for every record.
+        // The diagnostic lines are kept as they always were, "flag NOT set" included for every
+        // record.
         klLog() << "loop entered";
         klLog() << "flag NOT set";
         if (record.myPhotoSelect == 1) {
@@ -215,14 +217,22 @@ QVariant PhotoCollection::data(const QModelIndex& index, int role) const {
     if (!index.isValid() || index.row() >= count()) return {};
     const cCollectionViewItem& record = records_[index.row()];
     switch (role) {
-        case Qt::DisplayRole: return record.myPhotoName;
-        case Qt::DecorationRole: return record.myPhoto;
-        case SelectRole: return record.myPhotoSelect;
-        case HighlightRole: return record.myPhotoHighLight;
-        case DescriptionRole: return record.myPhotoDescription;
-        case PixelSizeRole: return record.myPhotoPxSize;
-        case PathRole: return record.path();
-        default: return {};
+        case Qt::DisplayRole:
+            return record.myPhotoName;
+        case Qt::DecorationRole:
+            return record.myPhoto;
+        case SelectRole:
+            return record.myPhotoSelect;
+        case HighlightRole:
+            return record.myPhotoHighLight;
+        case DescriptionRole:
+            return record.myPhotoDescription;
+        case PixelSizeRole:
+            return record.myPhotoPxSize;
+        case PathRole:
+            return record.path();
+        default:
+            return {};
     }
 }
 
@@ -230,14 +240,22 @@ bool PhotoCollection::setData(const QModelIndex& index, const QVariant& value, i
     if (!index.isValid() || index.row() >= count()) return false;
     // A checkbox sends a bool or a check state; ticked (true, Qt::Checked) counts as set.
     switch (role) {
-        case SelectRole: setSelect(index.row(), value.toInt() != 0); return true;
-        case HighlightRole: setHighlight(index.row(), value.toInt() != 0); return true;
-        case DescriptionRole: setDescription(index.row(), value.toString()); return true;
-        default: return false;
+        case SelectRole:
+            setSelect(index.row(), value.toInt() != 0);
+            return true;
+        case HighlightRole:
+            setHighlight(index.row(), value.toInt() != 0);
+            return true;
+        case DescriptionRole:
+            setDescription(index.row(), value.toString());
+            return true;
+        default:
+            return false;
     }
 }
 
 Qt::ItemFlags PhotoCollection::flags(const QModelIndex& index) const {
     if (!index.isValid()) return Qt::ItemIsDropEnabled;
-    return Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsDragEnabled | Qt::ItemNeverHasChildren;
+    return Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsDragEnabled |
+           Qt::ItemNeverHasChildren;
 }

@@ -15,7 +15,8 @@ QImage makeCellImage(const QString& path, int size) {
                                                      vips::VImage::option()->set("height", size));
         image = image.colourspace(VIPS_INTERPRETATION_sRGB);
         if (image.has_alpha()) {
-            image = image.flatten(vips::VImage::option()->set("background", std::vector<double>{255, 255, 255}));
+            image = image.flatten(
+                vips::VImage::option()->set("background", std::vector<double>{255, 255, 255}));
         }
         if (image.bands() > 3) image = image.extract_band(0, vips::VImage::option()->set("n", 3));
         image = image.cast(VIPS_FORMAT_UCHAR);

@@ -9,7 +9,7 @@
 // and every field a tag; the two tag tables below say which control the other one updates. They
 // are deliberately not symmetric (well 1 writes "BGCc", field 1 sets "TCt"; field 3 sets nothing).
 class cColorWellHandling {
-public:
+  public:
     // Colour-well tag -> the text field that receives its colour.
     static const std::array<const char*, 14> kTextFieldOfColorWell;
     // Text-field tag -> the colour well its text sets; null for tag 3 (nothing) and for tag 10,

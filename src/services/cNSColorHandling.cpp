@@ -14,7 +14,9 @@ int hexDigit(QChar c) {
 
 // One 16-bit channel x 255, truncated. Done in integers, so a colour made from a colour text
 // gives back exactly that text (128 stays 80, never 7F through a rounding error).
-int channelByte(quint16 channel) { return int(quint32(channel) * 255u / 65535u); }
+int channelByte(quint16 channel) {
+    return int(quint32(channel) * 255u / 65535u);
+}
 
 QColor colorFromValue(std::uint32_t value) {
     return QColor(int((value >> 16) & 255), int((value >> 8) & 255), int(value & 255));
@@ -28,14 +30,16 @@ QString cNSColorHandling::getHEXValue(const QColor& color) {
                              channelByte(rgb.blue()));
 }
 
-QString cNSColorHandling::hGetHexFromRGB(const QColor& color) { return getHEXValue(color); }
+QString cNSColorHandling::hGetHexFromRGB(const QColor& color) {
+    return getHEXValue(color);
+}
 
 QColor cNSColorHandling::colorFromHexRGB(const QString& text) {
     int i = 0;
     const int n = int(text.size());
     while (i < n && text[i].isSpace()) ++i;
-    if (i + 1 < n && text[i] == u'0' && (text[i + 1] == u'x' || text[i + 1] == u'X') &&
-        i + 2 < n && hexDigit(text[i + 2]) >= 0)
+    if (i + 1 < n && text[i] == u'0' && (text[i + 1] == u'x' || text[i + 1] == u'X') && i + 2 < n &&
+        hexDigit(text[i + 2]) >= 0)
         i += 2;
     std::uint64_t value = 0;
     for (; i < n && hexDigit(text[i]) >= 0; ++i) {

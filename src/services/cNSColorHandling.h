@@ -7,7 +7,7 @@
 // Conversions between colours and colour texts (six upper-case hexadecimal digits, no "#").
 // Stateless: every operation is static and may also be called on an instance.
 class cNSColorHandling {
-public:
+  public:
     // "%02X%02X%02X" of red, green and blue x 255, each truncated toward zero ((1, 0.5, 0) gives
     // "FF7F00").
     static QString getHEXValue(const QColor& color);

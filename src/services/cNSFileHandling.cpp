@@ -49,7 +49,8 @@ bool copyItem(const QString& source, const QString& destination, QString* error)
         return false;
     }
     const QDir dir(source);
-    const auto entries = dir.entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+    const auto entries =
+        dir.entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
     for (const QString& name : entries) {
         if (!copyItem(dir.filePath(name), QDir(destination).filePath(name), error)) return false;
     }
@@ -66,8 +67,8 @@ QString formatByteCount(qint64 bytes) {
         const char* name;
         int decimals;
     };
-    static const Unit units[] = {{1e3, "KB", 0}, {1e6, "MB", 1}, {1e9, "GB", 2},
-                                 {1e12, "TB", 2}, {1e15, "PB", 2}};
+    static const Unit units[] = {
+        {1e3, "KB", 0}, {1e6, "MB", 1}, {1e9, "GB", 2}, {1e12, "TB", 2}, {1e15, "PB", 2}};
     const Unit* unit = &units[0];
     for (const Unit& candidate : units) {
         if (double(bytes) >= candidate.size) unit = &candidate;
@@ -160,7 +161,8 @@ void writePlistValue(QXmlStreamWriter& xml, const QVariant& value) {
             return;
         }
         case QMetaType::Bool:
-            xml.writeEmptyElement(value.toBool() ? QStringLiteral("true") : QStringLiteral("false"));
+            xml.writeEmptyElement(value.toBool() ? QStringLiteral("true")
+                                                 : QStringLiteral("false"));
             return;
         case QMetaType::Int:
         case QMetaType::UInt:
@@ -178,10 +180,12 @@ void writePlistValue(QXmlStreamWriter& xml, const QVariant& value) {
                                  QLocale::c().toString(value.toDouble(), 'g', 17));
             return;
         case QMetaType::QByteArray:
-            xml.writeTextElement(QStringLiteral("data"), QString::fromLatin1(value.toByteArray().toBase64()));
+            xml.writeTextElement(QStringLiteral("data"),
+                                 QString::fromLatin1(value.toByteArray().toBase64()));
             return;
         case QMetaType::QDateTime:
-            xml.writeTextElement(QStringLiteral("date"), value.toDateTime().toUTC().toString(kDateFormat));
+            xml.writeTextElement(QStringLiteral("date"),
+                                 value.toDateTime().toUTC().toString(kDateFormat));
             return;
         default:
             xml.writeTextElement(QStringLiteral("string"), value.toString());
@@ -212,7 +216,8 @@ QString cNSFileHandling::hCopyFileTo(const QString& source, const QString& desti
     const QString parent = QFileInfo(destination).absolutePath();
     QDir().mkpath(parent);
     if (!QFileInfo(parent).isDir()) return QStringLiteral("Failed");
-    if (QFileInfo(destination).isFile() || QFileInfo(destination).isSymLink()) QFile::remove(destination);
+    if (QFileInfo(destination).isFile() || QFileInfo(destination).isSymLink())
+        QFile::remove(destination);
     klLog() << "check";
     return QFile::copy(source, destination) ? QStringLiteral("OK") : QStringLiteral("Failed");
 }
@@ -237,7 +242,9 @@ QString cNSFileHandling::getFileSize(const QString& path) {
     return fileSize;
 }
 
-bool cNSFileHandling::hCheckIfFileExist(const QString& path) const { return QFileInfo::exists(path); }
+bool cNSFileHandling::hCheckIfFileExist(const QString& path) const {
+    return QFileInfo::exists(path);
+}
 
 bool cNSFileHandling::hDeleteFiles(const QString& path) const {
     const QFileInfo info(path);
@@ -250,7 +257,9 @@ bool cNSFileHandling::hRenameFile(const QString& path, const QString& newPath) c
     return QDir().rename(path, newPath);
 }
 
-bool cNSFileHandling::hTrashFile(const QString& path) const { return QFile::moveToTrash(path); }
+bool cNSFileHandling::hTrashFile(const QString& path) const {
+    return QFile::moveToTrash(path);
+}
 
 bool cNSFileHandling::hMoveFileTo(const QString& source, const QString& destination) const {
     if (QFileInfo::exists(destination) || !QFileInfo::exists(source)) return false;
@@ -290,9 +299,9 @@ bool cNSFileHandling::writeToPlist(const QString& path, const QVariantMap& map) 
     xml.setAutoFormatting(true);
     xml.setAutoFormattingIndent(-1);  // one tab per level
     xml.writeStartDocument();
-    xml.writeDTD(QStringLiteral(
-        "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
-        "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">"));
+    xml.writeDTD(
+        QStringLiteral("<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
+                       "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">"));
     xml.writeStartElement(QStringLiteral("plist"));
     xml.writeAttribute(QStringLiteral("version"), QStringLiteral("1.0"));
     writePlistValue(xml, map);

@@ -16,8 +16,8 @@ QString cNSStringHandling::hConvertNSdToNSstr(const QByteArray& bytes) {
 QByteArray cNSStringHandling::hConvertNSstrToNSd(const QString& text) {
     const QByteArray latin = text.toLatin1();
     // Latin-1 conversion turns characters beyond it into "?", which is not base64 either.
-    auto result = QByteArray::fromBase64Encoding(latin, QByteArray::Base64Encoding |
-                                                            QByteArray::AbortOnBase64DecodingErrors);
+    auto result = QByteArray::fromBase64Encoding(
+        latin, QByteArray::Base64Encoding | QByteArray::AbortOnBase64DecodingErrors);
     if (!result) return {};
     return *result;
 }
@@ -50,7 +50,9 @@ QString cNSStringHandling::hSubsectionString(const QString& text, int start, int
     return text.mid(start, length);
 }
 
-QString cNSStringHandling::hStripString(const QString& text) { return text.trimmed(); }
+QString cNSStringHandling::hStripString(const QString& text) {
+    return text.trimmed();
+}
 
 QString cNSStringHandling::hRemoveNonLetters(const QString& text) {
     QString result;
@@ -93,4 +95,6 @@ QString cNSStringHandling::hNSDataToNSString(const QByteArray& bytes) {
     return QString::fromUtf8(bytes);
 }
 
-QByteArray cNSStringHandling::hNSStringToNSData(const QString& text) { return text.toUtf8(); }
+QByteArray cNSStringHandling::hNSStringToNSData(const QString& text) {
+    return text.toUtf8();
+}

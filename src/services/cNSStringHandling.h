@@ -8,7 +8,7 @@
 // Splitting, joining, base64 and small text edits. Stateless: every operation is static and may
 // also be called on an instance.
 class cNSStringHandling {
-public:
+  public:
     // Every occurrence of the separator splits, empty parts included ("a;b;" gives "a", "b", "").
     // An empty separator gives the whole text as the one part.
     static QStringList hSplitString(const QString& text, const QString& separator);
@@ -24,7 +24,8 @@ public:
     static QString hReplaceStringInString(const QString& text, const QString& find,
                                           const QString& replacement);
     // Inserts at the character position (clamped to the text).
-    static QString hInsertStringInString(const QString& text, const QString& insertion, int position);
+    static QString hInsertStringInString(const QString& text, const QString& insertion,
+                                         int position);
     // `length` characters from `start` (clamped to the text).
     static QString hSubsectionString(const QString& text, int start, int length);
     // Without leading and trailing blanks and line breaks.

@@ -8,18 +8,29 @@ void cToolBox::hShowURL2(const QString& path) const {
     ui_.openUrl(percentEncode(path));
 }
 
-QUrl cToolBox::hNSStrToUrl(const QString& text) { return QUrl(percentEncode(text)); }
+QUrl cToolBox::hNSStrToUrl(const QString& text) {
+    return QUrl(percentEncode(text));
+}
 
 QString cToolBox::percentEncode(const QString& text) {
     QString result;
     result.reserve(text.size());
     for (const QChar c : text) {
         switch (c.unicode()) {
-            case u'?': result += QLatin1String("%3F"); break;
-            case u'=': result += QLatin1String("%3D"); break;
-            case u'&': result += QLatin1String("%26"); break;
-            case u'+': result += QLatin1String("%2B"); break;
-            default: result += c;
+            case u'?':
+                result += QLatin1String("%3F");
+                break;
+            case u'=':
+                result += QLatin1String("%3D");
+                break;
+            case u'&':
+                result += QLatin1String("%26");
+                break;
+            case u'+':
+                result += QLatin1String("%2B");
+                break;
+            default:
+                result += c;
         }
     }
     return result;

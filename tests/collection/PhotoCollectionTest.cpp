@@ -1,9 +1,11 @@
-#include <gtest/gtest.h>
+// glib (under libvips) uses "signals" as a name; keep Qt from defining it as a keyword.
+#define QT_NO_KEYWORDS
 
-#include <vips/vips8>
+#include <gtest/gtest.h>
 
 #include <QDir>
 #include <QFile>
+#include <vips/vips8>
 
 #include "collection/PhotoCollection.h"
 #include "imaging/VipsRuntime.h"
@@ -20,7 +22,9 @@ QString makeImage(const QString& path, int width, int height) {
 }
 
 void setUserComment(const QString& path, const QString& comment) {
-    ASSERT_EQ(testsupport::runProgram("exiftool", {"-overwrite_original", "-UserComment=" + comment, path}), 0);
+    ASSERT_EQ(testsupport::runProgram("exiftool",
+                                      {"-overwrite_original", "-UserComment=" + comment, path}),
+              0);
 }
 
 cCollectionViewItem named(const QString& name) {
@@ -91,8 +95,8 @@ TEST(PhotoCollection, CellImageShrinksToTheCellSize) {
     const QString dir = testsupport::freshDir("collection/cell");
     PhotoCollection collection;
     collection.setCellImageSize(160);
-    ASSERT_EQ(collection.appendPhotos({makeImage(dir + "wide.jpg", 3000, 2000),
-                                       makeImage(dir + "tall.png", 300, 600)}),
+    ASSERT_EQ(collection.appendPhotos(
+                  {makeImage(dir + "wide.jpg", 3000, 2000), makeImage(dir + "tall.png", 300, 600)}),
               2);
     const QImage wide = collection.arrangedObjects()[0].myPhoto;
     EXPECT_EQ(wide.width(), 160);
@@ -101,7 +105,8 @@ TEST(PhotoCollection, CellImageShrinksToTheCellSize) {
     EXPECT_EQ(tall.height(), 160);
     EXPECT_EQ(tall.width(), 80);
     EXPECT_EQ(qGray(tall.pixel(40, 80)), 0);
-    EXPECT_EQ(collection.data(collection.index(1), Qt::DecorationRole).value<QImage>().size(), tall.size());
+    EXPECT_EQ(collection.data(collection.index(1), Qt::DecorationRole).value<QImage>().size(),
+              tall.size());
 }
 
 TEST(PhotoCollection, CaptionsFromTheExifUserComment) {
@@ -174,16 +179,16 @@ TEST(PhotoCollection, BadFilesAreSkippedAndTheRestAdded) {
         ASSERT_TRUE(cut.open(QIODevice::WriteOnly));
         cut.write(photo.read(photo.size() / 2));
     }
-    const QStringList paths = {dir + "zero.jpg",   makeImage(dir + "good1.jpg", 20, 10),
-                               dir + "cut.jpg",
-                               dir + "random.jpg", dir + "x.jpg",
-                               dir + "missing.jpg", dir + "png-named.jpg",
-                               makeImage(dir + "good2.tif", 10, 20)};
+    const QStringList paths = {dir + "zero.jpg",      makeImage(dir + "good1.jpg", 20, 10),
+                               dir + "cut.jpg",       dir + "random.jpg",
+                               dir + "x.jpg",         dir + "missing.jpg",
+                               dir + "png-named.jpg", makeImage(dir + "good2.tif", 10, 20)};
     RecordingUserInterface ui;
     PhotoCollection collection;
     collection.setCellImageSize(64);
     EXPECT_EQ(collection.appendPhotos(paths, &ui), 4);
-    EXPECT_EQ(names(collection), (QStringList{"good1.jpg", "cut.jpg", "png-named.jpg", "good2.tif"}));
+    EXPECT_EQ(names(collection),
+              (QStringList{"good1.jpg", "cut.jpg", "png-named.jpg", "good2.tif"}));
     const QString truth = testsupport::exiftool(photos.first(), "ImageSize");
     EXPECT_EQ(collection.arrangedObjects()[1].myPhotoPxSize, truth);
     EXPECT_EQ(ui.starts, 1);
@@ -210,13 +215,14 @@ TEST(PhotoCollection, SortRulesAreCaseInsensitiveAndStayInForce) {
     PhotoCollection collection;
     fill(collection, {"banana.jpg", "Apple.jpg", "cherry.jpg", "apple.JPG"});
     collection.setSortingModeAz();
-    EXPECT_EQ(names(collection), (QStringList{"Apple.jpg", "apple.JPG", "banana.jpg", "cherry.jpg"}));
+    EXPECT_EQ(names(collection),
+              (QStringList{"Apple.jpg", "apple.JPG", "banana.jpg", "cherry.jpg"}));
     collection.setSortingModezA();
     EXPECT_EQ(publishedNames(collection),
               (QStringList{"cherry.jpg", "banana.jpg", "Apple.jpg", "apple.JPG"}));
     collection.appendRecords({named("Blueberry.jpg"), named("zebra.jpg")});
-    EXPECT_EQ(names(collection), (QStringList{"zebra.jpg", "cherry.jpg", "Blueberry.jpg", "banana.jpg",
-                                              "Apple.jpg", "apple.JPG"}));
+    EXPECT_EQ(names(collection), (QStringList{"zebra.jpg", "cherry.jpg", "Blueberry.jpg",
+                                              "banana.jpg", "Apple.jpg", "apple.JPG"}));
     EXPECT_EQ(collection.sortMode(), PhotoCollection::Sort::ZtoA);
 }
 
@@ -240,7 +246,7 @@ TEST(PhotoCollection, DropMovesRecordsByTheEstablishedAlgorithm) {
     const Case cases[] = {
         {{3}, 1, "03124"},
         {{1}, 4, "02341"},
-        {{1}, 5, "02341"},     // after the last record: to the end
+        {{1}, 5, "02341"},  // after the last record: to the end
         {{4}, 5, "01234"},
         {{0}, 0, "01234"},
         {{2}, 2, "01234"},
@@ -320,7 +326,8 @@ TEST(PhotoCollection, OnlyPublishedRecordsReachTheGenerators) {
     EXPECT_TRUE(collection.setData(collection.index(3), true, PhotoCollection::HighlightRole));
     EXPECT_EQ(publishedNames(collection), (QStringList{"b", "d", "e"}));
     EXPECT_EQ(collection.hGetGridPhotos()[1].highlight, 1);
-    EXPECT_TRUE(collection.setData(collection.index(4), "new text", PhotoCollection::DescriptionRole));
+    EXPECT_TRUE(
+        collection.setData(collection.index(4), "new text", PhotoCollection::DescriptionRole));
     EXPECT_EQ(collection.hGetGridPhotos()[2].description, "new text");
 }
 

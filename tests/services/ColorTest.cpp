@@ -26,10 +26,15 @@ TEST(ColorHandling, ScansTextAsOneHexNumber) {
         QString hex;
     };
     const Case cases[] = {
-        {"FF8800", "FF8800"},   {"ff8800", "FF8800"}, {"  0x00ff00", "00FF00"},
-        {"#FF0000", "000000"},  {"", "000000"},       {"zz", "000000"},
-        {"12", "000012"},       {"ABCDEFzz", "ABCDEF"},
-        {"1234567", "234567"},  // bits above blue-green-red are ignored
+        {"FF8800", "FF8800"},
+        {"ff8800", "FF8800"},
+        {"  0x00ff00", "00FF00"},
+        {"#FF0000", "000000"},
+        {"", "000000"},
+        {"zz", "000000"},
+        {"12", "000012"},
+        {"ABCDEFzz", "ABCDEF"},
+        {"1234567", "234567"},       // bits above blue-green-red are ignored
         {"FFFFFFFFFFFF", "FFFFFF"},  // too large for 32 bits: saturates
     };
     cNSColorHandling handling;
@@ -46,9 +51,9 @@ TEST(ColorHandling, SetHexValueNeedsExactlySixLeadingDigits) {
         std::optional<QString> hex;
     };
     const Case cases[] = {
-        {"#ff8800", "FF8800"}, {"ff8800", "FF8800"}, {"ff8800zz", "FF8800"},
+        {"#ff8800", "FF8800"},  {"ff8800", "FF8800"},       {"ff8800zz", "FF8800"},
         {"ff88", std::nullopt}, {"#ff88000", std::nullopt}, {"##ff8800", std::nullopt},
-        {"", std::nullopt},    {" ff8800", std::nullopt},
+        {"", std::nullopt},     {" ff8800", std::nullopt},
     };
     for (const Case& c : cases) {
         const auto color = cNSColorHandling::setHEXValue(c.text);
@@ -60,9 +65,11 @@ TEST(ColorHandling, SetHexValueNeedsExactlySixLeadingDigits) {
 }
 
 TEST(ColorWellHandling, WellTagsChooseTheirTextFields) {
-    const std::vector<std::pair<int, QString>> cases = {
-        {0, "tfNSColorWellObjBGCt"},  {1, "tfNSColorWellObjBGCc"}, {3, "tfNSColorWellObjTCt"},
-        {10, "tfNSColorWellObjLightBox"}, {13, "tfNSColorWellObjRGLightboxBgColor"}};
+    const std::vector<std::pair<int, QString>> cases = {{0, "tfNSColorWellObjBGCt"},
+                                                        {1, "tfNSColorWellObjBGCc"},
+                                                        {3, "tfNSColorWellObjTCt"},
+                                                        {10, "tfNSColorWellObjLightBox"},
+                                                        {13, "tfNSColorWellObjRGLightboxBgColor"}};
     for (const auto& [tag, field] : cases) {
         const auto update = cColorWellHandling::hCallHEXfromColorwell(tag, QColor(255, 127, 0));
         ASSERT_TRUE(update) << tag;
@@ -74,11 +81,13 @@ TEST(ColorWellHandling, WellTagsChooseTheirTextFields) {
 }
 
 TEST(ColorWellHandling, FieldTagsChooseTheirColourWells) {
-    const std::vector<std::pair<int, QString>> cases = {
-        {0, "ascNSColorWellObjBGCt"},        {1, "ascNSColorWellObjTCt"},
-        {2, "ascNSColorWellObjBGCc"},        {9, "ascNSColorWellObjLightBoxShadow"},
-        {11, "ascNSColorWellObjThumbnail"},  {18, "ascNSColorWellObjRgMetaDataColor"},
-        {21, "ascNSColorWellObjRGLightboxBgColor"}};
+    const std::vector<std::pair<int, QString>> cases = {{0, "ascNSColorWellObjBGCt"},
+                                                        {1, "ascNSColorWellObjTCt"},
+                                                        {2, "ascNSColorWellObjBGCc"},
+                                                        {9, "ascNSColorWellObjLightBoxShadow"},
+                                                        {11, "ascNSColorWellObjThumbnail"},
+                                                        {18, "ascNSColorWellObjRgMetaDataColor"},
+                                                        {21, "ascNSColorWellObjRGLightboxBgColor"}};
     for (const auto& [tag, well] : cases) {
         const auto update = cColorWellHandling::controlTextDidEndEditing(tag, "00FF80");
         ASSERT_TRUE(update) << tag;

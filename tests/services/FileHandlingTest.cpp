@@ -39,7 +39,8 @@ TEST(FileHandling, WriteHtmlReplacesContentInUtf8) {
     const QString path = dir + "index.html";
     writeBytes(path, QByteArray(5000, 'z'));
     files.hWritHTMLFile(path, QStringLiteral("<p>Zürich – 東京</p>\n"));
-    EXPECT_EQ(readAll(path), QByteArray("<p>Z\xC3\xBCrich \xE2\x80\x93 \xE6\x9D\xB1\xE4\xBA\xAC</p>\n"));
+    EXPECT_EQ(readAll(path),
+              QByteArray("<p>Z\xC3\xBCrich \xE2\x80\x93 \xE6\x9D\xB1\xE4\xBA\xAC</p>\n"));
     files.hWriteTextFile(path, "");
     EXPECT_TRUE(QFileInfo::exists(path));
     EXPECT_EQ(QFileInfo(path).size(), 0);
@@ -85,9 +86,9 @@ TEST(FileHandling, CopyFolderToCopiesTheTree) {
 TEST(FileHandling, FileSizeInDecimalUnits) {
     const QString dir = testsupport::freshDir("files/size");
     const std::vector<std::pair<qint64, QString>> cases = {
-        {0, "Zero KB"},     {1, "1 byte"},       {999, "999 bytes"}, {1000, "1 KB"},
-        {12345, "12 KB"},   {999499, "999 KB"},  {999999, "1 MB"},   {1234567, "1.2 MB"},
-        {2000000, "2 MB"}};
+        {0, "Zero KB"},   {1, "1 byte"},       {999, "999 bytes"},
+        {1000, "1 KB"},   {12345, "12 KB"},    {999499, "999 KB"},
+        {999999, "1 MB"}, {1234567, "1.2 MB"}, {2000000, "2 MB"}};
     cNSFileHandling files;
     for (const auto& [size, text] : cases) {
         const QString path = dir + QString::number(size);
@@ -119,7 +120,8 @@ TEST(FileHandling, PlistRoundTrip) {
     };
     ASSERT_TRUE(files.writeToPlist(dir + "a.plist", map));
     const QByteArray xml = readAll(dir + "a.plist");
-    EXPECT_TRUE(xml.startsWith("<?xml version=\"1.0\" encoding=\"UTF-8\"?>")) << xml.left(60).data();
+    EXPECT_TRUE(xml.startsWith("<?xml version=\"1.0\" encoding=\"UTF-8\"?>"))
+        << xml.left(60).data();
     EXPECT_TRUE(xml.contains("<plist version=\"1.0\">"));
     EXPECT_EQ(files.readPlist(dir + "a.plist"), map);
 }
@@ -127,18 +129,20 @@ TEST(FileHandling, PlistRoundTrip) {
 TEST(FileHandling, PlistReadsHandWrittenAndRejectsJunk) {
     const QString dir = testsupport::freshDir("files/plist2");
     const cNSFileHandling files;
-    writeBytes(dir + "hand.plist",
-               "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\">\n<dict>\n"
-               "\t<key>mySqlVal0</key>\n\t<string>My preset</string>\n"
-               "\t<key>n</key><integer> 7 </integer>\n\t<key>d</key><data>\n\tT3J2\n\tZWxsYQ==\n</data>\n"
-               "</dict>\n</plist>\n");
+    writeBytes(
+        dir + "hand.plist",
+        "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\">\n<dict>\n"
+        "\t<key>mySqlVal0</key>\n\t<string>My preset</string>\n"
+        "\t<key>n</key><integer> 7 </integer>\n\t<key>d</key><data>\n\tT3J2\n\tZWxsYQ==\n</data>\n"
+        "</dict>\n</plist>\n");
     const QVariantMap map = files.readPlist(dir + "hand.plist");
     EXPECT_EQ(map.value("mySqlVal0").toString(), "My preset");
     EXPECT_EQ(map.value("n").toLongLong(), 7);
     EXPECT_EQ(map.value("d").toByteArray(), "Orvella");
     writeBytes(dir + "junk.plist", "\x89PNG garbage <<<");
     EXPECT_TRUE(files.readPlist(dir + "junk.plist").isEmpty());
-    writeBytes(dir + "cut.plist", "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>a</key><str");
+    writeBytes(dir + "cut.plist",
+               "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>a</key><str");
     EXPECT_TRUE(files.readPlist(dir + "cut.plist").isEmpty());
     EXPECT_TRUE(files.readPlist(dir + "missing.plist").isEmpty());
 }

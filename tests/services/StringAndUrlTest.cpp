@@ -20,7 +20,8 @@ TEST(StringHandling, SplitKeepsEveryEmptyPart) {
         {"abc", "", {"abc"}},
     };
     for (const Case& c : cases) {
-        EXPECT_EQ(cNSStringHandling::hSplitString(c.text, c.separator), c.parts) << c.text.toStdString();
+        EXPECT_EQ(cNSStringHandling::hSplitString(c.text, c.separator), c.parts)
+            << c.text.toStdString();
     }
 }
 
