@@ -176,8 +176,9 @@ void writePlistValue(QXmlStreamWriter& xml, const QVariant& value) {
             return;
         case QMetaType::Double:
         case QMetaType::Float:
-            xml.writeTextElement(QStringLiteral("real"),
-                                 QLocale::c().toString(value.toDouble(), 'g', 17));
+            xml.writeTextElement(
+                QStringLiteral("real"),
+                QLocale::c().toString(value.toDouble(), 'g', QLocale::FloatingPointShortest));
             return;
         case QMetaType::QByteArray:
             xml.writeTextElement(QStringLiteral("data"),

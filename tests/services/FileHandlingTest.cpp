@@ -123,6 +123,8 @@ TEST(FileHandling, PlistRoundTrip) {
     EXPECT_TRUE(xml.startsWith("<?xml version=\"1.0\" encoding=\"UTF-8\"?>"))
         << xml.left(60).data();
     EXPECT_TRUE(xml.contains("<plist version=\"1.0\">"));
+    EXPECT_TRUE(xml.contains("<real>0.1</real>"));
+    EXPECT_TRUE(xml.contains("<date>2024-02-29T13:05:09Z</date>"));
     EXPECT_EQ(files.readPlist(dir + "a.plist"), map);
 }
 
