@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+
+#include "services/UserInterface.h"
+
+class QProgressBar;
+class QWidget;
+
+// Alerts, progress and opening pages for the window. Every method may be called from a worker
+// thread: the work is handed to the window's thread.
+class WindowUserInterface : public QObject, public UserInterface {
+    Q_OBJECT
+public:
+    WindowUserInterface(QWidget* window, QProgressBar* progressBar);
+
+    void alert(const QString& title, const QString& description, bool stopsRun) override;
+    void progressStart() override;
+    void progressStep(double increment) override;
+    void progressStop() override;
+    void openUrl(const QString& url) override;
+
+private:
+    QPointer<QWidget> window_;
+    QPointer<QProgressBar> progressBar_;
+    double progress_ = 0;  // touched on the window's thread only
+};
