@@ -1,7 +1,5 @@
 #include "metadata/mMeta.h"
 
-#include <exiv2/exiv2.hpp>
-
 #include <QByteArray>
 #include <QDir>
 #include <QFile>
@@ -11,6 +9,7 @@
 #include <QTemporaryFile>
 #include <algorithm>
 #include <cstdio>
+#include <exiv2/exiv2.hpp>
 #include <filesystem>
 #include <mutex>
 #include <system_error>
@@ -24,7 +23,9 @@ public:
     qint64 height = 0;
 };
 
-void mMeta::ImageSourceDeleter::operator()(ImageSource* source) const { delete source; }
+void mMeta::ImageSourceDeleter::operator()(ImageSource* source) const {
+    delete source;
+}
 
 namespace {
 
@@ -56,7 +57,9 @@ void startExiv2Once() {
     });
 }
 
-std::string nativePath(const QString& path) { return QFile::encodeName(path).toStdString(); }
+std::string nativePath(const QString& path) {
+    return QFile::encodeName(path).toStdString();
+}
 
 // Only regular files are opened: directories, FIFOs and devices would fail late or block.
 bool isRegularFile(const QString& path) {
@@ -214,8 +217,8 @@ int headerComponents(const QString& path, const std::string& mimeType) {
         if (marker.size() < 4 || uchar(marker[0]) != 0xFF) return 0;
         const int type = uchar(marker[1]);
         const qint64 length = (uchar(marker[2]) << 8) | uchar(marker[3]);
-        const bool frame = type >= 0xC0 && type <= 0xCF && type != 0xC4 && type != 0xC8 &&
-                           type != 0xCC;
+        const bool frame =
+            type >= 0xC0 && type <= 0xCF && type != 0xC4 && type != 0xC8 && type != 0xCC;
         if (frame) {
             const QByteArray header = file.read(6);
             return header.size() == 6 ? uchar(header[5]) : 0;
@@ -319,7 +322,12 @@ bool looksComplete(const QByteArray& data, const std::string& mimeType) {
 
 // Writes the comment into a copy of the file beside it, then renames the copy over the file, so
 // that a failure at any point leaves the original untouched.
-bool writeUserComment(const QString& path, const std::string& mimeType, const QString& comment) {
+bool writeUserComment(const QString& givenPath, const std::string& mimeType,
+                      const QString& comment) {
+    // Through a symbolic link the photo it points at is rewritten; the link stays a link.
+    const QFileInfo given(givenPath);
+    const QString path = given.isSymLink() ? given.canonicalFilePath() : givenPath;
+    if (path.isEmpty()) return false;
     QByteArray data;
     {
         QFile original(path);
@@ -342,7 +350,8 @@ bool writeUserComment(const QString& path, const std::string& mimeType, const QS
     if (!image.get() || !writesExif(*image)) return false;
     const bool ascii =
         std::all_of(comment.cbegin(), comment.cend(), [](QChar c) { return c.unicode() < 128; });
-    const std::string text = (ascii ? "charset=Ascii " : "charset=Unicode ") + comment.toStdString();
+    const std::string text =
+        (ascii ? "charset=Ascii " : "charset=Unicode ") + comment.toStdString();
     try {
         Exiv2::ExifData exif = image->exifData();
         Exiv2::CommentValue value;
@@ -368,7 +377,9 @@ bool writeUserComment(const QString& path, const std::string& mimeType, const QS
 
 }  // namespace
 
-mMeta::mMeta() { startExiv2Once(); }
+mMeta::mMeta() {
+    startExiv2Once();
+}
 
 mMeta::~mMeta() = default;
 

@@ -24,6 +24,8 @@ TEST(KLFileProperty, FileNameParts) {
 }
 
 TEST(KLFileProperty, NoColourLabelsHere) {
-    EXPECT_EQ(KLFileProperty().klGetFileLabel(QStringLiteral("/usr/share")), QStringLiteral("none"));
-    EXPECT_EQ(KLFileProperty().klGetFileLabel(QStringLiteral("/no/such/file")), QStringLiteral("none"));
+    EXPECT_EQ(KLFileProperty().klGetFileLabel(QStringLiteral("/usr/share")),
+              QStringLiteral("none"));
+    EXPECT_EQ(KLFileProperty().klGetFileLabel(QStringLiteral("/no/such/file")),
+              QStringLiteral("none"));
 }

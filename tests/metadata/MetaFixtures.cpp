@@ -1,7 +1,9 @@
-// libvips (through glib) must come before any Qt header: glib uses Qt's keywords as names.
-#include <vips/vips8>
+// glib (under libvips) uses Qt's keywords as names.
+#define QT_NO_KEYWORDS
 
 #include "metadata/MetaFixtures.h"
+
+#include <vips/vips8>
 
 #include "imaging/VipsRuntime.h"
 

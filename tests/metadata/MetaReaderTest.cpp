@@ -1,7 +1,7 @@
-#include <exiv2/exiv2.hpp>
 #include <gtest/gtest.h>
 
 #include <QFileInfo>
+#include <exiv2/exiv2.hpp>
 
 #include "metadata/MetaFixtures.h"
 #include "metadata/mMeta.h"
@@ -79,7 +79,8 @@ TEST(MetaReader, UserCommentsWithCameraHeadersAndPadding) {
         QString expected;
     } cases[] = {
         {"ascii", QByteArray("ASCII\0\0\0", 8) + "Hello", QStringLiteral("Hello")},
-        {"ascii-nul-padded", QByteArray("ASCII\0\0\0", 8) + "Hello" + nuls, QStringLiteral("Hello")},
+        {"ascii-nul-padded", QByteArray("ASCII\0\0\0", 8) + "Hello" + nuls,
+         QStringLiteral("Hello")},
         {"ascii-only-nuls", QByteArray("ASCII\0\0\0", 8) + nuls, QString()},
         {"ascii-only-spaces", QByteArray("ASCII\0\0\0", 8) + spaces, QString()},
         {"undefined-header", QByteArray(8, '\0') + "Hi there", QStringLiteral("Hi there")},
@@ -106,8 +107,8 @@ TEST(MetaReader, EveryOtherExifNameReadsTheCreationDate) {
     tag(dated, {QStringLiteral("-DateTimeOriginal=2019:07:14 18:03:22"),
                 QStringLiteral("-UserComment=Harbour")});
     const QString undated = makeImage(dir + QStringLiteral("undated.jpg"));
-    const QString stripped = makeImage(dir + QStringLiteral("stripped.jpg"), 40, 30,
-                                       QStringLiteral("strip"));
+    const QString stripped =
+        makeImage(dir + QStringLiteral("stripped.jpg"), 40, 30, QStringLiteral("strip"));
     mMeta meta;
     const QString truth = testsupport::exiftool(dated, QStringLiteral("DateTimeOriginal"));
     ASSERT_EQ(truth, QStringLiteral("2019:07:14 18:03:22"));
@@ -241,8 +242,8 @@ TEST(MetaReader, PixelSizeFromTheHeader) {
     struct Case {
         const char* name;
         int width, height;
-    } cases[] = {{"wide.jpg", 64, 20},  {"tall.jpg", 17, 90},   {"small.png", 33, 12},
-                 {"gray.png", 5, 7},    {"big.tif", 300, 200},  {"one.jpg", 1, 1},
+    } cases[] = {{"wide.jpg", 64, 20},   {"tall.jpg", 17, 90},  {"small.png", 33, 12},
+                 {"gray.png", 5, 7},     {"big.tif", 300, 200}, {"one.jpg", 1, 1},
                  {"plain.jpg", 640, 480}};
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);

@@ -45,16 +45,16 @@ QString vipsheader(const QString& file, const char* field) {
 TEST(MetaRobustness, BadFilesReadEmptyAndAreNeverWritten) {
     const QString dir = testsupport::freshDir(QStringLiteral("meta/bad"));
     const QString good = makeImage(dir + QStringLiteral("good.jpg"), 400, 300);
-    metafixtures::tag(good, {QStringLiteral("-UserComment=Present"),
-                             QStringLiteral("-IPTC:City=Lyon")});
+    metafixtures::tag(good,
+                      {QStringLiteral("-UserComment=Present"), QStringLiteral("-IPTC:City=Lyon")});
     const QByteArray goodBytes = metafixtures::bytes(good);
 
     const QString zero = dir + QStringLiteral("zero.jpg");
     metafixtures::writeBytes(zero, QByteArray());
     const QString truncated = dir + QStringLiteral("truncated.jpg");
     const QStringList mate = testsupport::mateBackgroundJpegs();
-    metafixtures::writeBytes(truncated,
-                             mate.isEmpty() ? goodBytes.left(300)
+    metafixtures::writeBytes(truncated, mate.isEmpty()
+                                            ? goodBytes.left(300)
                                             : metafixtures::bytes(mate.first()).left(1000));
     const QString random = dir + QStringLiteral("random.jpg");
     QByteArray noise(4096, '\0');
@@ -69,7 +69,8 @@ TEST(MetaRobustness, BadFilesReadEmptyAndAreNeverWritten) {
     const QString headerOnly = dir + QStringLiteral("header-only.jpg");
     metafixtures::writeBytes(headerOnly, goodBytes.left(20));
 
-    for (const QString& file : {zero, truncated, random, directory, missing, textFile, headerOnly}) {
+    for (const QString& file :
+         {zero, truncated, random, directory, missing, textFile, headerOnly}) {
         SCOPED_TRACE(file.toStdString());
         const QByteArray before = metafixtures::bytes(file);
         mMeta meta;
@@ -108,7 +109,8 @@ TEST(MetaRobustness, PngNamedJpgStillReads) {
     const QString disguised = dir + QStringLiteral("disguised.jpg");
     ASSERT_TRUE(QFile::copy(png, disguised));
     mMeta meta;
-    EXPECT_EQ(meta.hGetPixelFormat(disguised), (QStringList{QStringLiteral("21"), QStringLiteral("13")}));
+    EXPECT_EQ(meta.hGetPixelFormat(disguised),
+              (QStringList{QStringLiteral("21"), QStringLiteral("13")}));
     EXPECT_EQ(meta.hGetExifUc(disguised, QStringLiteral("EXIF User Comment")), QString());
     EXPECT_EQ(meta.hSetExifData(disguised, QStringLiteral("Still a PNG")), QStringLiteral("OK"));
     EXPECT_EQ(testsupport::exiftool(disguised, QStringLiteral("UserComment")),
@@ -149,9 +151,9 @@ TEST(MetaRobustness, ThreadsWithTheirOwnReadersAgreeWithOneThread) {
     const QString dir = testsupport::freshDir(QStringLiteral("meta/threads"));
     QStringList files = testsupport::mateBackgroundJpegs().mid(0, 6);
     const QString tagged = makeImage(dir + QStringLiteral("tagged.jpg"));
-    metafixtures::tag(tagged, {QStringLiteral("-UserComment=Threads"),
-                               QStringLiteral("-IPTC:City=Lyon"),
-                               QStringLiteral("-XMP-dc:Creator=Ann")});
+    metafixtures::tag(tagged,
+                      {QStringLiteral("-UserComment=Threads"), QStringLiteral("-IPTC:City=Lyon"),
+                       QStringLiteral("-XMP-dc:Creator=Ann")});
     files << tagged << dir + QStringLiteral("missing.jpg");
 
     QStringList expected;

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
+#include <QFileInfo>
 
 #include "metadata/MetaFixtures.h"
 #include "metadata/mMeta.h"
@@ -39,8 +40,8 @@ TEST(MetaWriter, CreatesTheExifBlockWhenMissing) {
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         names << QString::fromLatin1(c.name);
-        const QString file = makeImage(dir + QString::fromLatin1(c.name), 48, 32,
-                                       QString::fromLatin1(c.options));
+        const QString file =
+            makeImage(dir + QString::fromLatin1(c.name), 48, 32, QString::fromLatin1(c.options));
         ASSERT_EQ(testsupport::exiftool(file, QStringLiteral("UserComment")), QString());
         mMeta meta;
         EXPECT_EQ(meta.hSetExifData(file, QStringLiteral("Written by Orvella")),
@@ -97,4 +98,16 @@ TEST(MetaWriter, KeepsTheFilePermissions) {
     const auto before = QFile::permissions(file);
     EXPECT_EQ(mMeta().hSetExifData(file, QStringLiteral("Kept")), QStringLiteral("OK"));
     EXPECT_EQ(QFile::permissions(file), before);
+}
+
+TEST(MetaWriter, ThroughASymbolicLinkTheLinkStays) {
+    const QString dir = testsupport::freshDir(QStringLiteral("meta/write-link"));
+    const QString file = makeImage(dir + QStringLiteral("photo.jpg"));
+    const QString link = dir + QStringLiteral("link.jpg");
+    ASSERT_TRUE(QFile::link(file, link));
+    EXPECT_EQ(mMeta().hSetExifData(link, QStringLiteral("Via the link")), QStringLiteral("OK"));
+    EXPECT_TRUE(QFileInfo(link).isSymLink());
+    EXPECT_EQ(testsupport::exiftool(file, QStringLiteral("UserComment")),
+              QStringLiteral("Via the link"));
+    expectOnlyFiles(dir, {QStringLiteral("photo.jpg"), QStringLiteral("link.jpg")});
 }
