@@ -11,6 +11,7 @@
 #include <QPushButton>
 #include <QSlider>
 #include <QSpinBox>
+#include <algorithm>
 
 #include "presets/SettingsStore.h"
 
@@ -56,24 +57,25 @@ QWidget* SettingsForm::makeEditor(const ControlSpec& spec) {
             return box;
         }
         case ControlKind::PopupTitle:
-        case ControlKind::PopupIndex: {
-            auto* combo = new QComboBox;
-            combo->addItems(spec.items);
-            connect(combo, &QComboBox::currentIndexChanged, this,
-                    [this, name](int index) { store(name, QString::number(index)); });
-            refreshers_[name] = [this, combo, name] {
-                const QSignalBlocker blocker(combo);
-                combo->setCurrentIndex(store_.index(name));
-            };
-            return combo;
-        }
+        case ControlKind::PopupIndex:
         case ControlKind::Segmented:
+            if (!spec.items.isEmpty()) {
+                // Popups, and segmented controls shown by their segment titles; both store what
+                // the registry's kind says (title or index).
+                auto* combo = new QComboBox;
+                combo->addItems(spec.items);
+                connect(combo, &QComboBox::currentIndexChanged, this,
+                        [this, name](int index) { store(name, QString::number(index)); });
+                refreshers_[name] = [this, combo, name] {
+                    const QSignalBlocker blocker(combo);
+                    combo->setCurrentIndex(store_.index(name));
+                };
+                return combo;
+            }
+            [[fallthrough]];
         case ControlKind::Slider: {
             auto* spin = new QSpinBox;
-            const int maximum = spec.kind == ControlKind::Segmented && !spec.items.isEmpty()
-                                    ? int(spec.items.size()) - 1
-                                    : spec.maximum;
-            spin->setRange(spec.minimum, maximum);
+            spin->setRange(spec.minimum, std::max(spec.minimum, spec.maximum));
             connect(spin, &QSpinBox::valueChanged, this,
                     [this, name](int value) { store(name, QString::number(value)); });
             refreshers_[name] = [this, spin, name] {
