@@ -46,8 +46,8 @@ build-release: deps
 
 demo: build-release
 	rm -rf demo/gallery
-	$(BUILD_RELEASE)/orvella generate gallery --out demo/gallery /usr/share/backgrounds/mate
-	@echo "Photo Gallery written: $(CURDIR)/demo/gallery/index.html"
+	@# The photos sit in subfolders; orvella prints the path of the first page.
+	$(BUILD_RELEASE)/orvella generate gallery --out demo/gallery /usr/share/backgrounds/mate/*/
 
 bench: build-release
 	@set -e; for b in bench/*; do if [ -x "$$b" ]; then echo "== $$b"; "$$b" $(BUILD_RELEASE)/orvella; fi; done
