@@ -54,9 +54,12 @@ bool parse(const QStringList& args, int positionalCount, Parsed* parsed, QString
             parsed->files.append(args[i]);
         }
     }
-    if (parsed->positional.size() < positionalCount) *error = QStringLiteral("missing arguments");
-    else if (parsed->out.isEmpty()) *error = QStringLiteral("--out DIR is required");
-    else if (parsed->files.isEmpty()) *error = QStringLiteral("no files given");
+    if (parsed->positional.size() < positionalCount)
+        *error = QStringLiteral("missing arguments");
+    else if (parsed->out.isEmpty())
+        *error = QStringLiteral("--out DIR is required");
+    else if (parsed->files.isEmpty())
+        *error = QStringLiteral("no files given");
     return error->isEmpty();
 }
 
@@ -108,7 +111,8 @@ int run(const QString& verb, const QStringList& args, Io& io) {
                    << " and lower-case png)\n";
             continue;
         } else {
-            if (verb == u"effect") colours.convertColorTo(file, folder, parsed.positional[0]);
+            if (verb == u"effect")
+                colours.convertColorTo(file, folder, parsed.positional[0]);
             else
                 colours.enhanceColorTo(file, folder, parsed.positional[0],
                                        TextValues::floatValue(parsed.positional[1]));

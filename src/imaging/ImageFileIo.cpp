@@ -1,7 +1,5 @@
 #include "imaging/ImageFileIo.h"
 
-#include <vips/vips8>
-
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -9,6 +7,7 @@
 #include <QSaveFile>
 #include <cstring>
 #include <memory>
+#include <vips/vips8>
 
 #include "imaging/VipsRuntime.h"
 #include "services/Log.h"
@@ -58,6 +57,7 @@ bool pixelSize(const QString& path, int* width, int* height) {
         *height = int(h);
         return true;
     } catch (const VError& e) {
+        vips_error_clear();  // the message is in e
         klLog() << "image not readable:" << path << e.what();
         return false;
     }
@@ -81,8 +81,8 @@ namespace {
 void writeBmp(const VImage& image, const QString& path) {
     const VImage rgb = toSrgb8(image, false);
     size_t size = 0;
-    std::unique_ptr<uchar, decltype(&g_free)> pixels(static_cast<uchar*>(rgb.write_to_memory(&size)),
-                                                     &g_free);
+    std::unique_ptr<uchar, decltype(&g_free)> pixels(
+        static_cast<uchar*>(rgb.write_to_memory(&size)), &g_free);
     const qint64 w = rgb.width();
     const qint64 h = rgb.height();
     const qint64 stride = (w * 3 + 3) / 4 * 4;
@@ -126,8 +126,8 @@ VImage withoutMetadata(const VImage& image) {
     VImage out = image.copy();
     gchar** names = vips_image_get_fields(out.get_image());
     for (gchar** n = names; n && *n; ++n) {
-        if (std::strncmp(*n, "exif-", 5) == 0 || std::strcmp(*n, "xmp-data") == 0 ||
-            std::strcmp(*n, "iptc-data") == 0)
+        if (std::strncmp(*n, "exif-", 5) == 0 || std::strncmp(*n, "png-comment-", 12) == 0 ||
+            std::strcmp(*n, "xmp-data") == 0 || std::strcmp(*n, "iptc-data") == 0)
             out.remove(*n);
     }
     g_strfreev(names);
@@ -137,8 +137,7 @@ VImage withoutMetadata(const VImage& image) {
 QString temporaryPathBeside(const QString& path) {
     const QFileInfo info(path);
     return info.absolutePath() + QStringLiteral("/.") + info.fileName() + u'.' +
-           QString::number(QRandomGenerator::global()->generate64(), 16) +
-           QStringLiteral(".tmp");
+           QString::number(QRandomGenerator::global()->generate64(), 16) + QStringLiteral(".tmp");
 }
 
 }  // namespace
@@ -170,6 +169,7 @@ QString save(const VImage& image, const QString& path, const QString& typeIdenti
             writeBmp(out, temporary);
         }
     } catch (const VError& e) {
+        vips_error_clear();  // the message is in e
         klLog() << "image not written:" << path << e.what();
         QFile::remove(temporary);
         return QStringLiteral("Failed");
@@ -186,8 +186,8 @@ QString save(const VImage& image, const QString& path, const QString& typeIdenti
 QImage toQImage(const VImage& image) {
     const VImage rgb = toSrgb8(image, true);
     size_t size = 0;
-    std::unique_ptr<uchar, decltype(&g_free)> pixels(static_cast<uchar*>(rgb.write_to_memory(&size)),
-                                                     &g_free);
+    std::unique_ptr<uchar, decltype(&g_free)> pixels(
+        static_cast<uchar*>(rgb.write_to_memory(&size)), &g_free);
     const int bands = rgb.bands();
     const QImage view(pixels.get(), rgb.width(), rgb.height(), qsizetype(rgb.width()) * bands,
                       bands == 4 ? QImage::Format_RGBA8888 : QImage::Format_RGB888);
@@ -200,7 +200,8 @@ VImage fromQImage(const QImage& image) {
     QByteArray packed;
     packed.reserve(qsizetype(rgba.width()) * rgba.height() * 4);
     for (int y = 0; y < rgba.height(); ++y)
-        packed.append(reinterpret_cast<const char*>(rgba.constScanLine(y)), qsizetype(rgba.width()) * 4);
+        packed.append(reinterpret_cast<const char*>(rgba.constScanLine(y)),
+                      qsizetype(rgba.width()) * 4);
     VImage view = VImage::new_from_memory(packed.data(), size_t(packed.size()), rgba.width(),
                                           rgba.height(), 4, VIPS_FORMAT_UCHAR);
     return view.copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB))

@@ -1,11 +1,10 @@
 #include "imaging/KLColorConversions.h"
 
-#include <vips/vips8>
-
 #include <QFileInfo>
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <vips/vips8>
 
 #include "imaging/ImageFileIo.h"
 #include "imaging/VipsRuntime.h"
@@ -49,7 +48,9 @@ Matrix saturation(double s) {
 }
 
 // Per-channel gains: a colour cast (warm above 1 in red, cool above 1 in blue).
-Matrix tint(double r, double g, double b) { return {r, 0, 0, 0, g, 0, 0, 0, b}; }
+Matrix tint(double r, double g, double b) {
+    return {r, 0, 0, 0, g, 0, 0, 0, b};
+}
 
 // Hue rotation by `radians` about the grey axis, done in YIQ (luma stays, chroma turns).
 Matrix hueRotation(double radians) {
@@ -75,15 +76,19 @@ VImage recombined(const VImage& rgb, const Matrix& m) {
 // One grey band replicated into three.
 VImage greyOf(const VImage& rgb) {
     const VImage l = rgb.recomb(VImage::new_matrixv(3, 1, kLumaR, kLumaG, kLumaB));
-    return l.bandjoin({l, l});
+    return VImage::bandjoin({l, l, l});
 }
 
 // S-shaped tone curve through (0,0), (0.5,0.5), (1,1): strength k in 0..1 deepens shadows and
 // lifts highlights (monotone for k <= 1).
-VImage contrastCurve(const VImage& v, double k) { return v + k * (v * (1.0 - v) * (2.0 * v - 1.0)); }
+VImage contrastCurve(const VImage& v, double k) {
+    return v + k * (v * (1.0 - v) * (2.0 * v - 1.0));
+}
 
 // Raises the black point and lowers the white point: the washed-out print look.
-VImage lift(const VImage& v, double black, double white) { return black + (white - black) * v; }
+VImage lift(const VImage& v, double black, double white) {
+    return black + (white - black) * v;
+}
 
 // sRGB transfer curve to linear light and back.
 VImage toLinear(const VImage& v) {
@@ -96,15 +101,25 @@ VImage fromLinear(const VImage& l) {
 }
 
 // Noir: grey with a hard, deep contrast.
-VImage noir(const VImage& v) { return contrastCurve(contrastCurve(greyOf(v), 0.9), 0.4); }
+VImage noir(const VImage& v) {
+    return contrastCurve(contrastCurve(greyOf(v), 0.9), 0.4);
+}
 // Mono: grey with the tones left soft.
-VImage mono(const VImage& v) { return contrastCurve(greyOf(v), 0.15); }
+VImage mono(const VImage& v) {
+    return contrastCurve(greyOf(v), 0.15);
+}
 // Sepia tone: the original mixed with its sepia toning by `intensity`.
-VImage sepia(const VImage& v, double intensity) { return recombined(v, mix(kIdentity, kSepia, intensity)); }
+VImage sepia(const VImage& v, double intensity) {
+    return recombined(v, mix(kIdentity, kSepia, intensity));
+}
 // Chrome: vivid colours and a crisp contrast.
-VImage chrome(const VImage& v) { return contrastCurve(recombined(v, saturation(1.3)), 0.35); }
+VImage chrome(const VImage& v) {
+    return contrastCurve(recombined(v, saturation(1.3)), 0.35);
+}
 // Invert: every channel turned into its complement.
-VImage invert(const VImage& v) { return 1.0 - v; }
+VImage invert(const VImage& v) {
+    return 1.0 - v;
+}
 // Process: a cool, cross-processed cast with a little extra contrast.
 VImage process(const VImage& v) {
     return contrastCurve(recombined(v, product(tint(0.92, 1.02, 1.1), saturation(1.1))), 0.3);
@@ -119,17 +134,25 @@ VImage transfer(const VImage& v) {
                 0.05, 0.96);
 }
 // Fade: muted colours over a lifted black point.
-VImage fade(const VImage& v) { return lift(recombined(v, saturation(0.55)), 0.12, 0.94); }
+VImage fade(const VImage& v) {
+    return lift(recombined(v, saturation(0.55)), 0.12, 0.94);
+}
 // Colour controls with saturation and contrast 1: the brightness is added to every channel.
-VImage brightness(const VImage& v, double amount) { return v + amount; }
+VImage brightness(const VImage& v, double amount) {
+    return v + amount;
+}
 // Exposure: linear light multiplied by 2^EV.
 VImage exposure(const VImage& v, double ev) {
     return fromLinear(toLinear(v) * std::exp2(std::clamp(ev, -60.0, 60.0)));
 }
 // Gamma: every channel raised to the power.
-VImage gamma(const VImage& v, double power) { return v.pow(power); }
+VImage gamma(const VImage& v, double power) {
+    return v.pow(power);
+}
 // Hue: the colours turned round the grey axis by the angle in radians.
-VImage hue(const VImage& v, double radians) { return recombined(v, hueRotation(radians)); }
+VImage hue(const VImage& v, double radians) {
+    return recombined(v, hueRotation(radians));
+}
 // Pixellate: square cells of `scale` pixels whose grid passes through (cx, cy); each cell takes
 // the mean of its pixels.
 VImage pixellate(const VImage& v, double scale, int cx, int cy) {
@@ -160,7 +183,7 @@ KLColorConversions::~KLColorConversions() = default;
 
 bool KLColorConversions::writesFileNamed(const QString& fileName) {
     const QString ext = QFileInfo(fileName).suffix();
-    static const QStringList written = {"tif", "TIF", "tiff", "TIFF", "jpg",
+    static const QStringList written = {"tif", "TIF",  "tiff", "TIFF", "jpg",
                                         "JPG", "jpeg", "JPEG", "png"};
     return written.contains(ext);  // compared exactly: "PNG" or "Jpg" are not written
 }
@@ -195,16 +218,24 @@ QString KLColorConversions::enhanceColorTo(const QString& path, const QString& f
     using namespace formulas;
     const double v = value;
     std::function<VImage(const VImage&)> formula;
-    if (code == u"0") formula = [v](const VImage& i) { return brightness(i, v); };
-    else if (code == u"1") formula = [v](const VImage& i) { return exposure(i, v); };
-    else if (code == u"2") formula = [v](const VImage& i) { return gamma(i, v); };
-    else if (code == u"3") formula = [v](const VImage& i) { return hue(i, v); };
+    if (code == u"0")
+        formula = [v](const VImage& i) { return brightness(i, v); };
+    else if (code == u"1")
+        formula = [v](const VImage& i) { return exposure(i, v); };
+    else if (code == u"2")
+        formula = [v](const VImage& i) { return gamma(i, v); };
+    else if (code == u"3")
+        formula = [v](const VImage& i) { return hue(i, v); };
     else if (code == u"4" || code == u"5" || code == u"6")
         formula = [v](const VImage& i) { return pixellate(i, v, 150, 150); };
-    else if (code == u"7") formula = process;
-    else if (code == u"8") formula = instant;
-    else if (code == u"9") formula = transfer;
-    else if (code == u"10") formula = fade;
+    else if (code == u"7")
+        formula = process;
+    else if (code == u"8")
+        formula = instant;
+    else if (code == u"9")
+        formula = transfer;
+    else if (code == u"10")
+        formula = fade;
     if (formula) filter_ = std::make_shared<Filter>(Filter{path, formula});
     return run(path, folder, filter_);
 }
@@ -224,15 +255,18 @@ QString KLColorConversions::run(const QString& path, const QString& folder,
     try {
         const VImage source = ImageFileIo::toSrgb8(ImageFileIo::open(filter->input, true), true);
         const bool alpha = source.bands() == 4;
-        const VImage colour = alpha ? source.extract_band(0, VImage::option()->set("n", 3)) : source;
+        const VImage colour =
+            alpha ? source.extract_band(0, VImage::option()->set("n", 3)) : source;
         const VImage result = filter->formula(colour.cast(VIPS_FORMAT_FLOAT) / 255.0) * 255.0;
-        const VImage clamped = (result > 255.0).ifthenelse(255.0, (result < 0.0).ifthenelse(0.0, result));
+        const VImage clamped =
+            (result > 255.0).ifthenelse(255.0, (result < 0.0).ifthenelse(0.0, result));
         VImage out = clamped.round(VIPS_OPERATION_ROUND_RINT).cast(VIPS_FORMAT_UCHAR);
         if (alpha) out = out.bandjoin(source[3]);  // alpha passes through untouched
         out = out.copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB));
         // "Best quality" JPEG; the other types take no options.
         lastWritten = ImageFileIo::save(out, lastOutputPath, type, true, 100) == u"OK";
     } catch (const VError& e) {
+        vips_error_clear();  // the message is in e
         klLog() << "colour effect failed:" << filter->input << e.what();
     }
     return kOk;
@@ -245,6 +279,7 @@ QString KLColorConversions::hApplyGaussianBlur(const QString& path, float radius
         const VImage photo = ImageFileIo::open(path, true);
         if (radius > 0) (void)photo.gaussblur(double(radius));
     } catch (const VError& e) {
+        vips_error_clear();  // the message is in e
         klLog() << "blur failed:" << path << e.what();
     }
     return kOk;
@@ -252,10 +287,15 @@ QString KLColorConversions::hApplyGaussianBlur(const QString& path, float radius
 
 QString KLColorConversions::hSetDefaultValue(int index, const QString& currentText) {
     switch (index) {
-        case 0: return QStringLiteral("0.0");
-        case 1: return QStringLiteral("0.5");
-        case 2: return QStringLiteral("0.75");
-        case 3: return QStringLiteral("0.0");
-        default: return currentText;
+        case 0:
+            return QStringLiteral("0.0");
+        case 1:
+            return QStringLiteral("0.5");
+        case 2:
+            return QStringLiteral("0.75");
+        case 3:
+            return QStringLiteral("0.0");
+        default:
+            return currentText;
     }
 }

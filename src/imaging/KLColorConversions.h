@@ -9,7 +9,7 @@
 // for the extensions tif/TIF/tiff/TIFF, jpg/JPG/jpeg/JPEG and png (lower case); every operation
 // answers "OK". One object remembers the filter of its last call: an unknown code runs it again.
 class KLColorConversions {
-public:
+  public:
     KLColorConversions();
     ~KLColorConversions();
     KLColorConversions(const KLColorConversions&) = delete;
@@ -30,7 +30,7 @@ public:
     bool lastWritten = false;
     QString lastOutputPath;
 
-private:
+  private:
     struct Filter;
     QString run(const QString& path, const QString& folder, std::shared_ptr<Filter> filter);
 

@@ -1,12 +1,11 @@
 #include "imaging/KLImageHandling.h"
 
-#include <vips/vips8>
-
 #include <QFile>
 #include <QFileInfo>
 #include <algorithm>
 #include <climits>
 #include <cmath>
+#include <vips/vips8>
 
 #include "imaging/ImageFileIo.h"
 #include "imaging/VipsRuntime.h"
@@ -45,10 +44,14 @@ VImage thumbnailOf(const QString& path, int width, int height) {
                                  ->set("fail_on", VIPS_FAIL_ON_TRUNCATED));
 }
 
-QString fileNameOf(const QString& path) { return QFileInfo(path).fileName(); }
+QString fileNameOf(const QString& path) {
+    return QFileInfo(path).fileName();
+}
 
 // The smaller of two images, pixel by pixel.
-VImage minimum(const VImage& a, const VImage& b) { return (a < b).ifthenelse(a, b); }
+VImage minimum(const VImage& a, const VImage& b) {
+    return (a < b).ifthenelse(a, b);
+}
 
 }  // namespace
 
@@ -82,23 +85,37 @@ bool KLImageHandling::computeTargetSize(int width, int height, int size, int mod
     };
     if (width <= 0 || height <= 0) return false;
     switch (mode) {
-        case 0: byWidth(); break;
-        case 1: byHeight(); break;
+        case 0:
+            byWidth();
+            break;
+        case 1:
+            byHeight();
+            break;
         case 2:
-        case 5: W > H ? byWidth() : byHeight(); break;
+        case 5:
+            W > H ? byWidth() : byHeight();
+            break;
         case 3:
             myScaleFactor = S;
             newImgW = truncated(W * S / 100.0);
             newImgH = truncated(H * S / 100.0);
             break;
-        case 4: H > W ? byWidth() : byHeight(); break;
-        case 6:
-            if (W > H && W > S) byWidth();
-            else if (!(W > H) && H > S) byHeight();
-            else keepExchanged();
+        case 4:
+            H > W ? byWidth() : byHeight();
             break;
-        case 7: H > S ? byHeight() : keepExchanged(); break;
-        default: break;  // the previous size stays
+        case 6:
+            if (W > H && W > S)
+                byWidth();
+            else if (!(W > H) && H > S)
+                byHeight();
+            else
+                keepExchanged();
+            break;
+        case 7:
+            H > S ? byHeight() : keepExchanged();
+            break;
+        default:
+            break;  // the previous size stays
     }
     return sizeIsWritable(newImgW, newImgH);
 }
@@ -115,6 +132,7 @@ QString KLImageHandling::resizeImage(const QString& source, int size, int mode,
         return hSaveToNewImageFile(folder + fileNameOf(source), type,
                                    thumbnailOf(source, newImgW, newImgH));
     } catch (const VError& e) {
+        vips_error_clear();  // the message is in e
         klLog() << "resize failed:" << source << e.what();
         return kFailed;
     }
@@ -154,10 +172,11 @@ QString KLImageHandling::cropImage(const QString& source, int cropWidth, int cro
     if (x1 <= x0 || y1 <= y0) return storeResult = kFailed;
     try {
         const VImage image = ImageFileIo::open(source, true);
-        storeResult = hSaveToNewImageFile(folder + fileNameOf(source), type,
-                                          image.extract_area(int(x0), int(y0), int(x1 - x0),
-                                                             int(y1 - y0)));
+        storeResult =
+            hSaveToNewImageFile(folder + fileNameOf(source), type,
+                                image.extract_area(int(x0), int(y0), int(x1 - x0), int(y1 - y0)));
     } catch (const VError& e) {
+        vips_error_clear();  // the message is in e
         klLog() << "crop failed:" << source << e.what();
         storeResult = kFailed;
     }
@@ -199,6 +218,7 @@ QString KLImageHandling::hHandleImages(const QString& boxWidth, const QString& b
         storeResult = hSaveToNewImageFile(output, QStringLiteral("public.jpeg"),
                                           scaled.extract_area(myXWOffset, myYHOffset, cutW, cutH));
     } catch (const VError& e) {
+        vips_error_clear();  // the message is in e
         klLog() << "slide image failed:" << source << e.what();
         storeResult = kFailed;
     }
@@ -223,6 +243,7 @@ QString KLImageHandling::hHandleRgImages(const QString& width, const QString& so
         storeResult = hSaveToNewImageFile(output, QStringLiteral("public.jpeg"),
                                           thumbnailOf(source, newImgW, newImgH));
     } catch (const VError& e) {
+        vips_error_clear();  // the message is in e
         klLog() << "grid image failed:" << source << e.what();
         storeResult = kFailed;
     }
@@ -251,12 +272,13 @@ QString KLImageHandling::addBorderToImage2(const QString& path, const QColor& co
                                    double(color.blue())};
         if (image.bands() == 4) ink.push_back(255.0);
         const VImage framed = image * (1.0 - coverage) + ink * coverage;
-        const VImage out = framed.round(VIPS_OPERATION_ROUND_RINT)
-                               .cast(VIPS_FORMAT_UCHAR)
-                               .copy(VImage::option()->set("interpretation",
-                                                           VIPS_INTERPRETATION_sRGB));
+        const VImage out =
+            framed.round(VIPS_OPERATION_ROUND_RINT)
+                .cast(VIPS_FORMAT_UCHAR)
+                .copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB));
         storeResult = hSaveToNewImageFile(path, type, out);
     } catch (const VError& e) {
+        vips_error_clear();  // the message is in e
         klLog() << "frame failed:" << path << e.what();
         storeResult = kFailed;
     }
@@ -279,22 +301,22 @@ QImage KLImageHandling::hRotatePictureBase(const QImage& image, const QString& a
         // Counter-clockwise as seen, with y pointing down: x' = x cos + y sin, y' = -x sin + y cos,
         // about the centre of the source and the centre of the new canvas.
         const VImage turned = source.affine(
-            {c, s, -s, c},
-            VImage::option()
-                ->set("interpolate", vips::VInterpolate::new_from_name("bilinear"))
-                ->set("oarea", std::vector<int>{0, 0, int(bw), int(bh)})
-                ->set("idx", -w / 2.0)
-                ->set("idy", -h / 2.0)
-                ->set("odx", bw / 2.0)
-                ->set("ody", bh / 2.0)
-                ->set("extend", VIPS_EXTEND_BACKGROUND)
-                ->set("background", std::vector<double>{0, 0, 0, 0}));
-        const VImage out = turned.unpremultiply()
-                               .cast(VIPS_FORMAT_UCHAR)
-                               .copy(VImage::option()->set("interpretation",
-                                                           VIPS_INTERPRETATION_sRGB));
+            {c, s, -s, c}, VImage::option()
+                               ->set("interpolate", vips::VInterpolate::new_from_name("bilinear"))
+                               ->set("oarea", std::vector<int>{0, 0, int(bw), int(bh)})
+                               ->set("idx", -w / 2.0)
+                               ->set("idy", -h / 2.0)
+                               ->set("odx", bw / 2.0)
+                               ->set("ody", bh / 2.0)
+                               ->set("extend", VIPS_EXTEND_BACKGROUND)
+                               ->set("background", std::vector<double>{0, 0, 0, 0}));
+        const VImage out =
+            turned.unpremultiply()
+                .cast(VIPS_FORMAT_UCHAR)
+                .copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB));
         return ImageFileIo::toQImage(out);
     } catch (const VError& e) {
+        vips_error_clear();  // the message is in e
         klLog() << "rotation failed:" << e.what();
         return {};
     }

@@ -13,7 +13,7 @@ class VImage;
 // positions, framed, written in the photo's own type. One object per photo; not thread-safe, but
 // any number of objects may work in parallel.
 class KLImageHandling {
-public:
+  public:
     // The crop offset settings (tfCropThumbXOffset, tfCropThumbYOffset, tfCropBigXOffset,
     // tfCropBigYOffset) are read from `settings`; without one they are 0.
     explicit KLImageHandling(const SettingsStore* settings = nullptr);
@@ -50,7 +50,7 @@ public:
     QString storeResult;
     float degrees = 0.0f;
 
-private:
+  private:
     // Writes `image` to `path` in the type `typeIdentifier`; JPEG and TIFF keep its metadata.
     // "OK", "Failed" or "Not Supported".
     QString hSaveToNewImageFile(const QString& path, const QString& typeIdentifier,

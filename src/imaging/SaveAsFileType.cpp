@@ -1,12 +1,11 @@
 // The conversion of a working image into the output format: the imaging part of cNSFileHandling.
 
-#include <vips/vips8>
-
 #include <QFile>
 #include <QFileInfo>
 #include <QPageSize>
 #include <QPainter>
 #include <QPdfWriter>
+#include <vips/vips8>
 
 #include "imaging/ImageFileIo.h"
 #include "services/Log.h"
@@ -75,22 +74,27 @@ SaveAsResult cNSFileHandling::hSaveAsFileType(const QString& path, const QString
 
     int width = 0;
     int height = 0;
-    const bool readable = (format == u"pdf" || !type.isEmpty()) &&
-                          ImageFileIo::pixelSize(path, &width, &height);
+    const bool readable =
+        (format == u"pdf" || !type.isEmpty()) && ImageFileIo::pixelSize(path, &width, &height);
+    bool written = false;
     if (readable) {
         try {
             if (format == u"pdf") {
-                if (!writePdf(path, output)) klLog() << "pdf not written:" << output;
+                written = writePdf(path, output);
             } else {
-                ImageFileIo::save(ImageFileIo::open(path, true), output, type, keepMetadata,
-                                  jpegQuality(compression));
+                written = ImageFileIo::save(ImageFileIo::open(path, true), output, type,
+                                            keepMetadata, jpegQuality(compression)) == u"OK";
             }
         } catch (const VError& e) {
+            vips_error_clear();  // the message is in e
             klLog() << "conversion failed:" << path << e.what();
         }
+        if (!written) klLog() << "not converted:" << output;
     }
-    // The working file goes even when nothing was written.
-    if (QFileInfo(output).absoluteFilePath() != QFileInfo(path).absoluteFilePath())
-        QFile::remove(path);
+    // The working file goes unless it was just rewritten in place; also when nothing was
+    // written, so that a format such as "jpg" (no format here) leaves no working file behind.
+    const bool samePath =
+        QFileInfo(output).absoluteFilePath() == QFileInfo(path).absoluteFilePath();
+    if (!samePath || !written) QFile::remove(path);
     return {QUrl::fromLocalFile(output), format, baseName};
 }

@@ -1,8 +1,7 @@
 #include "imaging/VipsRuntime.h"
 
-#include <vips/vips8>
-
 #include <mutex>
+#include <vips/vips8>
 
 namespace VipsRuntime {
 
