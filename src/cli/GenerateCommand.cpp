@@ -39,7 +39,7 @@ const char* const kHelp =
 
 // Alerts and progress on the terminal.
 class TerminalUserInterface : public UserInterface {
-public:
+  public:
     explicit TerminalUserInterface(Io& io) : io_(io) {}
 
     void alert(const QString& title, const QString& description, bool stopsRun) override {
@@ -71,15 +71,15 @@ public:
 
     bool stopped = false;
 
-private:
+  private:
     void draw() {
         if (!io_.errIsTerminal) return;
         const int percent = std::clamp(int(std::lround(value_)), 0, 100);
         if (percent == drawn_) return;
         drawn_ = percent;
         const int filled = percent * 30 / 100;
-        io_.err << "\r[" << QString(filled, u'#') << QString(30 - filled, u'-') << "] "
-                << percent << "%";
+        io_.err << "\r[" << QString(filled, u'#') << QString(30 - filled, u'-') << "] " << percent
+                << "%";
         io_.err.flush();
         barShown_ = true;
     }
@@ -236,8 +236,8 @@ Command generateCommand() {
                     return int(kUsage);
                 }
                 if (args.first() != u"gallery")
-                    return usage(io, "unknown output kind \"" + args.first() +
-                                         "\" (available: gallery)");
+                    return usage(
+                        io, "unknown output kind \"" + args.first() + "\" (available: gallery)");
                 return generateGallery(args.mid(1), io);
             }};
 }

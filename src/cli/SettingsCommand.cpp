@@ -29,8 +29,7 @@ Command settingsCommand() {
                     return int(kUsage);
                 }
                 io.out << "name\taliases\tkind\tdefault\titems\n";
-                for (const ControlSpec* spec :
-                     ControlRegistry::standard().controls(args.first())) {
+                for (const ControlSpec* spec : ControlRegistry::standard().controls(args.first())) {
                     QString items = spec->items.join(QStringLiteral(" | "));
                     if (spec->kind == ControlKind::Slider)
                         items = QStringLiteral("%1..%2").arg(spec->minimum).arg(spec->maximum);

@@ -17,9 +17,9 @@ int orvella(const QStringList& args, QString* out = nullptr, QString* err = null
 
 QString makePhoto(const QString& dir, const QString& name, int w, int h) {
     const QString path = dir + name;
-    EXPECT_EQ(runProgram("vips", {"black", path, QString::number(w), QString::number(h),
-                                  "--bands", "3"}),
-              0);
+    EXPECT_EQ(
+        runProgram("vips", {"black", path, QString::number(w), QString::number(h), "--bands", "3"}),
+        0);
     return path;
 }
 
@@ -28,7 +28,7 @@ QString readText(const QString& path) {
     return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
 }
 
-const QStringList kSmall = {"--set", "tfSmallCropWidth=40", "--set", "pubPhotoRatio=Free",
+const QStringList kSmall = {"--set", "tfSmallCropWidth=40",  "--set", "pubPhotoRatio=Free",
                             "--set", "tfSmallCropHeight=30", "--set", "tfBigCropWidth=80"};
 
 }  // namespace
@@ -65,7 +65,7 @@ TEST(GalleryCli, FolderPhotosInNameOrderWithFlags) {
     // Sorted Z to A.
     const QString zout = freshDir("cli-gallery-za");
     ASSERT_EQ(orvella(QStringList{"generate", "gallery", "--out", zout, "--sort", "za"} + kSmall +
-                          QStringList{src + "a.png", src + "c.tif"}),
+                      QStringList{src + "a.png", src + "c.tif"}),
               0);
     const QString page = readText(zout + "myIndex.html");
     EXPECT_LT(page.indexOf("KLimages_s/c.jpeg"), page.indexOf("KLimages_s/a.jpeg"));
@@ -95,23 +95,24 @@ TEST(GalleryCli, RefusalsAndWarnings) {
     for (const Case& c : cases) {
         QDir(out).removeRecursively();
         QString stdOut, stdErr;
-        EXPECT_EQ(orvella(QStringList{"generate", "gallery", "--out", out} + c.args, &stdOut,
-                          &stdErr),
-                  c.code)
+        EXPECT_EQ(
+            orvella(QStringList{"generate", "gallery", "--out", out} + c.args, &stdOut, &stdErr),
+            c.code)
             << c.args.join(' ').toStdString();
         EXPECT_TRUE(stdErr.contains(c.message)) << stdErr.toStdString();
         EXPECT_FALSE(QFile::exists(out + "/KLcss")) << c.args.join(' ').toStdString();
     }
     // A warning is printed and the run goes on.
     QString stdOut, stdErr;
-    EXPECT_EQ(orvella({"generate", "gallery", "--out", out, "--set", "pubPhotoRatio=0", "--set",
-                       "tfSmallCropWidth=200", "--set", "tfSmallCropHeight=150", "--set",
-                       "tfBigCropWidth=200", "--set", "tfBigCropHeight=100", "--threads", "2",
-                       photo},
-                      &stdOut, &stdErr),
-              0);
-    EXPECT_TRUE(stdErr.contains("warning: Sorry, some wrong properties: - Lightbox images are "
-                                "smaller than your thumbnails. (Thumbnail size: 200)\n"))
+    EXPECT_EQ(
+        orvella({"generate", "gallery", "--out", out, "--set", "pubPhotoRatio=0", "--set",
+                 "tfSmallCropWidth=200", "--set", "tfSmallCropHeight=150", "--set",
+                 "tfBigCropWidth=200", "--set", "tfBigCropHeight=100", "--threads", "2", photo},
+                &stdOut, &stdErr),
+        0);
+    EXPECT_TRUE(
+        stdErr.contains("warning: Sorry, some wrong properties: - Lightbox images are "
+                        "smaller than your thumbnails. (Thumbnail size: 200)\n"))
         << stdErr.toStdString();
     EXPECT_FALSE(stdErr.contains('\r'));  // not a terminal: no progress bar
     EXPECT_TRUE(QFile::exists(out + "/myIndex.html"));

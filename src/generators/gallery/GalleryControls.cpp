@@ -15,13 +15,21 @@ QStringList fontSizes() {
     return {"10px", "11px", "12px", "13px", "14px", "15px", "16px", "18px",
             "20px", "22px", "24px", "28px", "32px", "36px", "40px", "48px"};
 }
-QStringList weights() { return {"Light", "Regular", "Medium", "Bold", "Black"}; }
-QStringList alignments() { return {"left", "center", "right"}; }
-QStringList imageFormats() { return {"jpeg", "png", "tiff", "gif", "bmp", "jp2", "pdf"}; }
-QStringList compressions() { return {"1", "2", "3", "4", "5", "6", "7", "8", "9"}; }
+QStringList weights() {
+    return {"Light", "Regular", "Medium", "Bold", "Black"};
+}
+QStringList alignments() {
+    return {"left", "center", "right"};
+}
+QStringList imageFormats() {
+    return {"jpeg", "png", "tiff", "gif", "bmp", "jp2", "pdf"};
+}
+QStringList compressions() {
+    return {"1", "2", "3", "4", "5", "6", "7", "8", "9"};
+}
 QStringList cropPositions() {
-    return {"top left",    "top",    "top right",   "left",        "centre",
-            "right",       "bottom left", "bottom", "bottom right"};
+    return {"top left", "top",         "top right", "left",        "centre",
+            "right",    "bottom left", "bottom",    "bottom right"};
 }
 
 struct Registrar {
@@ -38,8 +46,8 @@ struct Registrar {
         spec.items = items;
         spec.aliases = aliases;
         spec.minimum = minimum;
-        spec.maximum = kind == ControlKind::Segmented && !items.isEmpty() ? int(items.size()) - 1
-                                                                          : maximum;
+        spec.maximum =
+            kind == ControlKind::Segmented && !items.isEmpty() ? int(items.size()) - 1 : maximum;
         registry.add(spec);
     }
 };
@@ -69,8 +77,8 @@ void registerGalleryControls(ControlRegistry& registry) {
     r.add("pubPgMetaData", K::PopupIndex, "1", {},
           {"Show Filename", "EXIF User Comment", "EXIF Creation Date", "IPTC Creator Title",
            "IPTC Description", "IPTC Keyword", "IPTC City", "IPTC Caption Writer",
-           "IPTC Copyrights", "IPTC Country", "IPTC Credits", "IPTC Headline",
-           "IPTC Subject Code", "IPTC State Province"});
+           "IPTC Copyrights", "IPTC Country", "IPTC Credits", "IPTC Headline", "IPTC Subject Code",
+           "IPTC State Province"});
     r.add("cbCaptionStatus", K::Checkbox, "1");
 
     // Text layout.

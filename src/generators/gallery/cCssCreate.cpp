@@ -58,14 +58,14 @@ QString navigationAndLightboxRules(const GalleryCssArgs& a, const QString& font)
         font + "font-weight:900;\ncolor:#9595BA;\nfont-size:medium;\ncolor:#000000;\n}\n\n";
     s += ".klOVpageNav {\n" + navBody;
     s += "div.klOVpageNav {\n" + navBody;
-    s += ".klOVtitle {\n" + font + "font-size:" + a.headingFontSize + ";\nfont-weight:" +
-         a.headingWeight + ";\ncolor:" + a.headingColor + ";\ntext-align:" + a.headingAlign +
-         ";\n}\n\n";
+    s += ".klOVtitle {\n" + font + "font-size:" + a.headingFontSize +
+         ";\nfont-weight:" + a.headingWeight + ";\ncolor:" + a.headingColor +
+         ";\ntext-align:" + a.headingAlign + ";\n}\n\n";
     // The photo name is pushed down by the thumbnail shadow thickness.
     s += ".klOVphotoname {\n" + font + "padding: 1%;\ncolor:" + a.photoNameColor +
          ";\ntext-align:" + a.fileNameAlign + ";\nfont-size:" + a.fileNameFontSize +
-         ";\nfont-weight:" + a.fileNameWeight + ";\ndisplay:block;\nmargin-top:" +
-         a.thumbnailShadowThickness + "px;\n}\n\n";
+         ";\nfont-weight:" + a.fileNameWeight +
+         ";\ndisplay:block;\nmargin-top:" + a.thumbnailShadowThickness + "px;\n}\n\n";
     s += ".klOVdescription {\n" + font + "padding: 1%;\ncolor:" + a.captionColor +
          ";\ntext-align:" + a.captionAlign + ";\nfont-size:" + a.captionFontSize +
          ";\nfont-weight:" + a.captionWeight + ";\n}\n";
@@ -115,8 +115,8 @@ QString widthItem(const GalleryCssArgs& a, int i) {
 }  // namespace
 
 QString cCssCreate::fontLine(const QString& family) {
-    static const QStringList known = {"Catamaran", "Exo",     "Exo 2", "Kanit",  "Libre Franklin",
-                                      "Raleway",   "Roboto",  "Rubik", "Taviraj"};
+    static const QStringList known = {"Catamaran", "Exo",    "Exo 2", "Kanit",  "Libre Franklin",
+                                      "Raleway",   "Roboto", "Rubik", "Taviraj"};
     if (known.contains(family)) return "font-family: '" + family + "', sans-serif;\n";
     return QStringLiteral("font-family: 'Trirong', serif;\n");
 }
@@ -136,21 +136,24 @@ QString cCssCreate::tableCssText(const GalleryCssArgs& a) {
         s += ".KLovTableBased-container::before {\ncontent: \"\";\ntop: 0;\nleft: 0;\n"
              "position: fixed;\nwidth: 100%;\nheight: 100%;\n"
              "background-image: url(../KLovPatterns/" +
-             a.patternFileName + ");\nbackground-repeat: repeat;\nbackground-size: " +
-             a.patternScale + "%;\nopacity: " + a.patternOpacity + ";}\n\n";
+             a.patternFileName +
+             ");\nbackground-repeat: repeat;\nbackground-size: " + a.patternScale +
+             "%;\nopacity: " + a.patternOpacity + ";}\n\n";
     }
     s += ".klSsPatternBox {\ncontent: \"\";\ntop: 0;\nleft: 0;\nposition: absolute;\n"
          "display: block;\nwidth: 100%;\nheight: 100%;\n}\n\n";
     s += "body, html {\nheight: 100%;\n}\n\n";
     s += "div.klOVimg {\n" + font + "background-color:" + a.cellBackgroundColor + ";\n}\n\n";
-    s += "div.klOVimg img {\n" + font + "max-width: 100%;\nmax-height: " +
-         QString::number(a.thumbnailCropHeight) + "px;\nborder-radius:" +
-         a.thumbnailBorderRadius + "px;\n" + borderLine(a) + "display:block;\nmargin:auto;\n}\n\n";
+    s += "div.klOVimg img {\n" + font +
+         "max-width: 100%;\nmax-height: " + QString::number(a.thumbnailCropHeight) +
+         "px;\nborder-radius:" + a.thumbnailBorderRadius + "px;\n" + borderLine(a) +
+         "display:block;\nmargin:auto;\n}\n\n";
     s += ".klOVimg img {\n" + font;
     if (a.magnifyOnHover != 1)
         s += "width: 100%;\nheight: auto;\n" + borderLine(a) + shadowLine(a) + "}\n\n";
     else
-        s += "max-width: auto;\nmax-height: auto;\n" + borderLine(a) + shadowLine(a) + magnifyTail();
+        s +=
+            "max-width: auto;\nmax-height: auto;\n" + borderLine(a) + shadowLine(a) + magnifyTail();
     s += textAndCellRules(a, font);
 
     struct Breakpoint {

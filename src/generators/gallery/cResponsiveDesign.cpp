@@ -42,16 +42,16 @@ QString headPrologue() {
 }
 
 const QStringList& supportFiles() {
-    static const QStringList files = {"close.gif",          "loading.gif",          "klOrvella.png",
-                                      "overlay.png",        "jquery.lightbox.js",   "jquery02.lightbox.js",
-                                      "next.png",           "close.png",            "previous.png"};
+    static const QStringList files = {"close.gif",   "loading.gif",        "klOrvella.png",
+                                      "overlay.png", "jquery.lightbox.js", "jquery02.lightbox.js",
+                                      "next.png",    "close.png",          "previous.png"};
     return files;
 }
 
 const QStringList& iptcItems() {
     static const QStringList items = {
-        "IPTC Creator Title", "IPTC Description", "IPTC Keyword",      "IPTC City",
-        "IPTC Caption Writer", "IPTC Copyrights", "IPTC Country",      "IPTC Credits",
+        "IPTC Creator Title",  "IPTC Description",  "IPTC Keyword",       "IPTC City",
+        "IPTC Caption Writer", "IPTC Copyrights",   "IPTC Country",       "IPTC Credits",
         "IPTC Headline",       "IPTC Subject Code", "IPTC State Province"};
     return items;
 }
@@ -121,12 +121,23 @@ QString cResponsiveDesign::htmlEscaped(const QString& text) {
     out.reserve(text.size());
     for (const QChar c : text) {
         switch (c.unicode()) {
-            case '&': out += QStringLiteral("&amp;"); break;
-            case '<': out += QStringLiteral("&lt;"); break;
-            case '>': out += QStringLiteral("&gt;"); break;
-            case '"': out += QStringLiteral("&quot;"); break;
-            case '\'': out += QStringLiteral("&#39;"); break;
-            default: out += c;
+            case '&':
+                out += QStringLiteral("&amp;");
+                break;
+            case '<':
+                out += QStringLiteral("&lt;");
+                break;
+            case '>':
+                out += QStringLiteral("&gt;");
+                break;
+            case '"':
+                out += QStringLiteral("&quot;");
+                break;
+            case '\'':
+                out += QStringLiteral("&#39;");
+                break;
+            default:
+                out += c;
         }
     }
     return out;
@@ -136,15 +147,32 @@ void cResponsiveDesign::hPhotoRatioCalc(SettingsStore& settings) {
     const int w = settings.integer("tfSmallCropWidth");
     int h = 0;
     switch (settings.index("pubPhotoRatio")) {
-        case 1: h = w; break;
-        case 2: h = (w / 3) * 2; break;
-        case 3: h = (w / 2) * 3; break;
-        case 4: h = w / 3; break;
-        case 5: h = (w / 4) * 3; break;
-        case 6: h = (w / 3) * 4; break;
-        case 7: h = (w / 12) * 9; break;
-        case 8: h = (w / 16) * 9; break;
-        default: return;
+        case 1:
+            h = w;
+            break;
+        case 2:
+            h = (w / 3) * 2;
+            break;
+        case 3:
+            h = (w / 2) * 3;
+            break;
+        case 4:
+            h = w / 3;
+            break;
+        case 5:
+            h = (w / 4) * 3;
+            break;
+        case 6:
+            h = (w / 3) * 4;
+            break;
+        case 7:
+            h = (w / 12) * 9;
+            break;
+        case 8:
+            h = (w / 16) * 9;
+            break;
+        default:
+            return;
     }
     settings.setText("tfSmallCropHeight", QString::number(h));
 }
@@ -161,7 +189,7 @@ void cResponsiveDesign::hPgClearMetaDataValue(SettingsStore& settings) {
 
 QString cResponsiveDesign::pageBaseName(const QString& fileNameSetting) {
     return fileNameSetting.isEmpty() || fileNameSetting == u" " ? QStringLiteral("myIndex")
-                                                                 : fileNameSetting;
+                                                                : fileNameSetting;
 }
 
 QString cResponsiveDesign::pageFileName(const QString& baseName, int page) {
@@ -318,7 +346,8 @@ QString cResponsiveDesign::hScaleImageMaxValueHTML(const QString& photoPath,
         images.cropImage(bigWork, im.bigCropWidth, im.bigCropHeight, bigFolder,
                          QStringLiteral("myCropBig"), im.bigCropPosition);
     if (im.bigFrameWidth > 0)
-        images.addBorderToImage2(bigWork, colorFromHex(im.bigFrameColor), quint32(im.bigFrameWidth));
+        images.addBorderToImage2(bigWork, colorFromHex(im.bigFrameColor),
+                                 quint32(im.bigFrameWidth));
     files.hSaveAsFileType(bigWork, im.bigFormat, im.bigCompression, bigFolder);
     return info.completeBaseName();
 }
@@ -329,7 +358,7 @@ namespace {
 // same name without extension) form one chain, made in photo order by one worker, so the files
 // are the same whatever the number of workers. The caller waits for each photo in order.
 class DerivativeWorkers {
-public:
+  public:
     DerivativeWorkers(const QList<PhotoEntry>& photos, const GalleryImageSettings& image,
                       const SettingsStore& settings, int threads)
         : photos_(photos), image_(image), settings_(settings), done_(size_t(photos.size()), 0) {
@@ -357,7 +386,7 @@ public:
         changed_.wait(lock, [&] { return done_[size_t(photo)] != 0; });
     }
 
-private:
+  private:
     void work() {
         for (;;) {
             const size_t chain = next_.fetch_add(1);
@@ -552,28 +581,32 @@ GalleryResult cResponsiveDesign::hCreateResponsiveHTML(const QString& destinatio
         html += "<title>" + page.pageTitle + "</title>\n";
         html += page.gridModel ? QStringLiteral("<!-- Keldra: responsive design -->\n")
                                : QStringLiteral("<!-- Keldra: responsive design - Begin -->\n");
-        html += "<link href=\"KLcss/klGScss.css\" rel=\"stylesheet\" type=\"text/css\">\n"
-                "<!-- Keldra: lightbox -->\n";
+        html +=
+            "<link href=\"KLcss/klGScss.css\" rel=\"stylesheet\" type=\"text/css\">\n"
+            "<!-- Keldra: lightbox -->\n";
         html += kJQuery + nl;
-        html += page.captionScript
-                    ? QStringLiteral("<script type=\"text/javascript\" "
-                                     "src=\"KLovlightbox/jquery02.lightbox.js\"></script>")
-                    : QStringLiteral("<script type=\"text/javascript\" "
-                                     "src=\"KLovlightbox/jquery.lightbox.js\"></script>");
+        html += page.captionScript ? QStringLiteral(
+                                         "<script type=\"text/javascript\" "
+                                         "src=\"KLovlightbox/jquery02.lightbox.js\"></script>")
+                                   : QStringLiteral(
+                                         "<script type=\"text/javascript\" "
+                                         "src=\"KLovlightbox/jquery.lightbox.js\"></script>");
         html += "\n\n<script>\n$(function() {\n$('.klOVimg a').lightbox();\n});\n</script>\n\n";
         if (!page.gridModel) html += "<!-- Keldra: responsive design - End -->\n";
         // The comment names Roboto whatever the family: kept as it always was.
         html += "<!-- Keldra: Roboto, from Google fonts -->\n";
         html += page.fontLink;
-        html += "</head>\n<body>\n<!-- Keldra: responsive design main container - Begin -->\n"
-                "<div class=\"KLovTableBased-container\">\n"
-                "<!-- Keldra: Background pattern - Begin -->\n<div class=\"klSsPatternBox\">\n";
+        html +=
+            "</head>\n<body>\n<!-- Keldra: responsive design main container - Begin -->\n"
+            "<div class=\"KLovTableBased-container\">\n"
+            "<!-- Keldra: Background pattern - Begin -->\n<div class=\"klSsPatternBox\">\n";
         html += "<div style=\"width:" + page.gridWidth + "%;margin: auto;\">" +
                 (page.gridModel ? "<!-- Keldra: grid - Begin -->\n"
                                 : "<!-- Keldra: responsive design grid - Begin -->\n");
         if (pages != 1) {
-            html += "<div id=\"navBar\" class=\"klOVpageNav\" "
-                    "style=\"width:100%;padding:6px;text-align:left;\">";
+            html +=
+                "<div id=\"navBar\" class=\"klOVpageNav\" "
+                "style=\"width:100%;padding:6px;text-align:left;\">";
             for (int k = 1; k <= pages; ++k) {
                 if (k == 1)
                     html += "<a href=\"" + baseName + ".html\"> 1 </a>";
@@ -587,8 +620,7 @@ GalleryResult cResponsiveDesign::hCreateResponsiveHTML(const QString& destinatio
                 (page.gridModel ? "<br><br></div>\n<div class=\"klOVimages\">\n" : "</div>\n");
         ui.progressStep(0.2);
         for (int onPage = 0; onPage < perPage && picCount < count; ++onPage, ++picCount) {
-            const QString name =
-                QFileInfo(photos[picCount].url.toLocalFile()).completeBaseName();
+            const QString name = QFileInfo(photos[picCount].url.toLocalFile()).completeBaseName();
             html += photoBlock(page, name, captions[picCount]);
         }
         if (page.gridModel) {

@@ -42,7 +42,7 @@ struct GalleryImageSettings {
 // redirecting index.html. Headless and callable from any thread; it reaches the user only through
 // UserInterface.
 class cResponsiveDesign {
-public:
+  public:
     // The whole run into `destination` (a folder path ending in "/"). `threads` image workers run
     // in parallel (0: one per core); pages, captions and stylesheet do not depend on it. The first
     // page is opened through `ui` only when `openFirstPage` is set.

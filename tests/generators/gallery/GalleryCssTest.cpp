@@ -59,7 +59,9 @@ GalleryCssArgs sampleArgs() {
 
 const char* const kFont = "font-family: 'Exo 2', sans-serif;\n";
 
-QString f(const char* text) { return QString::fromUtf8(text).replace("[font]", kFont); }
+QString f(const char* text) {
+    return QString::fromUtf8(text).replace("[font]", kFont);
+}
 
 // Photo name to responsive cell: the same in both models.
 const char* const kTextAndCell = R"(div.klOVphotoname {
@@ -396,8 +398,9 @@ QString gridBreakpoints(int k400, int k700, int k1000, int k1300, int k1600) {
     const std::pair<const char*, int> steps[] = {
         {"400px", k400}, {"700px", k700}, {"1000px", k1000}, {"1300px", k1300}, {"1600px", k1600}};
     for (const auto& [width, k] : steps)
-        s += QStringLiteral("@media (min-width: %1) {\n.klOVimages { grid-template-columns: "
-                            "repeat(%2, 1fr); }}\n\n")
+        s += QStringLiteral(
+                 "@media (min-width: %1) {\n.klOVimages { grid-template-columns: "
+                 "repeat(%2, 1fr); }}\n\n")
                  .arg(width)
                  .arg(k);
     return s;
@@ -496,16 +499,21 @@ TEST(GalleryCss, TableThumbnailActionOneAddsHeights) {
     a.thumbnailAction = 1;
     const QString css = cCssCreate::tableCssText(a);
     EXPECT_TRUE(css.contains("width: 24.99999%;\nheight: 24.99999%;\n}\n\n"));
-    EXPECT_TRUE(css.contains("(max-width: 6000px){\n.klOVresponsive {\nwidth: 24.000000%;\n"
-                             "height: 24.000000%;\nmargin: 1% 0;\n}\n}\n"));
-    EXPECT_TRUE(css.contains("(max-width: 2000px){\n.klOVresponsive {\nwidth: 24.000000%;\n"
-                             "max-height: 24.000000%;\nmargin: 1% 0;\n}\n}\n"));
-    EXPECT_TRUE(css.contains("(max-width: 1242px){\n.klOVresponsive {\nwidth: 48.000000%;\n"
-                             "max-height: 48.000000%;\nmargin: 1% 0;\n}\n}\n"));
-    EXPECT_TRUE(css.contains("(max-width: 750px){\n.klOVresponsive {\nwidth: 49.999989%;\n"
-                             "max-height: 49.999989%;\nmargin: 1% 0;\n}\n}\n"));
-    EXPECT_TRUE(css.contains("(max-width: 640px){\n.klOVresponsive {\nwidth: 100%;\n"
-                             "max-height: 100%;\n\ncontent: \"\";\n"));
+    EXPECT_TRUE(
+        css.contains("(max-width: 6000px){\n.klOVresponsive {\nwidth: 24.000000%;\n"
+                     "height: 24.000000%;\nmargin: 1% 0;\n}\n}\n"));
+    EXPECT_TRUE(
+        css.contains("(max-width: 2000px){\n.klOVresponsive {\nwidth: 24.000000%;\n"
+                     "max-height: 24.000000%;\nmargin: 1% 0;\n}\n}\n"));
+    EXPECT_TRUE(
+        css.contains("(max-width: 1242px){\n.klOVresponsive {\nwidth: 48.000000%;\n"
+                     "max-height: 48.000000%;\nmargin: 1% 0;\n}\n}\n"));
+    EXPECT_TRUE(
+        css.contains("(max-width: 750px){\n.klOVresponsive {\nwidth: 49.999989%;\n"
+                     "max-height: 49.999989%;\nmargin: 1% 0;\n}\n}\n"));
+    EXPECT_TRUE(
+        css.contains("(max-width: 640px){\n.klOVresponsive {\nwidth: 100%;\n"
+                     "max-height: 100%;\n\ncontent: \"\";\n"));
 }
 
 TEST(GalleryCss, FontLinesByFamily) {
@@ -517,12 +525,13 @@ TEST(GalleryCss, FontLinesByFamily) {
         {"Comic Sans", "font-family: 'Trirong', serif;\n"},
         {"", "font-family: 'Trirong', serif;\n"},
     };
-    for (const auto& [family, line] : cases) EXPECT_EQ(cCssCreate::fontLine(family), line) << family.toStdString();
+    for (const auto& [family, line] : cases)
+        EXPECT_EQ(cCssCreate::fontLine(family), line) << family.toStdString();
 }
 
 TEST(GalleryCss, GridModelWholeText) {
-    const QString expected = f(kGridHead) + f(kTextAndCell) + gridBreakpoints(2, 2, 3, 4, 4) +
-                             f(kNavigationAndLightbox);
+    const QString expected =
+        f(kGridHead) + f(kTextAndCell) + gridBreakpoints(2, 2, 3, 4, 4) + f(kNavigationAndLightbox);
     EXPECT_EQ(cCssCreate::gridCssText(sampleArgs(), 4).toStdString(), expected.toStdString());
 }
 

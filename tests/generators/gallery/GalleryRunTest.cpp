@@ -33,7 +33,8 @@ QString makePhoto(const QString& dir, const QString& name, int w, int h) {
 QList<PhotoEntry> entries(const QStringList& paths, const QStringList& descriptions = {}) {
     QList<PhotoEntry> list;
     for (int i = 0; i < paths.size(); ++i)
-        list.append({QUrl::fromLocalFile(paths[i]), i < descriptions.size() ? descriptions[i] : ""});
+        list.append(
+            {QUrl::fromLocalFile(paths[i]), i < descriptions.size() ? descriptions[i] : ""});
     return list;
 }
 
@@ -74,8 +75,11 @@ const char* const kPrologue =
 
 // Small images keep the runs fast.
 std::vector<std::pair<QString, QString>> smallImages() {
-    return {{"tfSmallCropWidth", "40"}, {"pubPhotoRatio", "0"}, {"tfSmallCropHeight", "30"},
-            {"tfBigCropWidth", "80"},   {"tfBigCropHeight", "0"}};
+    return {{"tfSmallCropWidth", "40"},
+            {"pubPhotoRatio", "0"},
+            {"tfSmallCropHeight", "30"},
+            {"tfBigCropWidth", "80"},
+            {"tfBigCropHeight", "0"}};
 }
 
 std::vector<std::pair<QString, QString>> plus(std::vector<std::pair<QString, QString>> a,
@@ -101,17 +105,17 @@ TEST(GalleryRun, TableModelPageText) {
     const QString src = freshDir("gallery-table-src");
     const QString dir = freshDir("gallery-table");
     const QStringList photos = {makePhoto(src, "a.png", 80, 60), makePhoto(src, "b.png", 60, 80)};
-    const SettingsStore settings = settingsWith(plus(
-        smallImages(), {{"pubPhotoGalleryModel", "0"},
-                        {"cbCaptionStatus", "0"},
-                        {"pbFontFamily", "Kanit"},
-                        {"tfGridWidth", "80"},
-                        {"tfPageTitle", "T & T"},
-                        {"tvTitle", "<b>Hi</b>"},
-                        {"btShowFileName", "1"},
-                        {"cbPgShowMetaData", "1"},
-                        {"tfPgMetaDataToShow", "EXIF User Comment;Show Filename"},
-                        {"tfPgMetaDataValueSep", " / "}}));
+    const SettingsStore settings =
+        settingsWith(plus(smallImages(), {{"pubPhotoGalleryModel", "0"},
+                                          {"cbCaptionStatus", "0"},
+                                          {"pbFontFamily", "Kanit"},
+                                          {"tfGridWidth", "80"},
+                                          {"tfPageTitle", "T & T"},
+                                          {"tvTitle", "<b>Hi</b>"},
+                                          {"btShowFileName", "1"},
+                                          {"cbPgShowMetaData", "1"},
+                                          {"tfPgMetaDataToShow", "EXIF User Comment;Show Filename"},
+                                          {"tfPgMetaDataValueSep", " / "}}));
     RecordingUserInterface ui;
     const GalleryResult result = cResponsiveDesign::hCreateResponsiveHTML(
         dir, entries(photos, {"first", ""}), settings, ui, 2);
@@ -165,18 +169,18 @@ TEST(GalleryRun, GridModelPageText) {
     const QString src = freshDir("gallery-grid-src");
     const QString dir = freshDir("gallery-grid");
     const QStringList photos = {makePhoto(src, "a.png", 80, 60)};
-    const SettingsStore settings = settingsWith(plus(
-        smallImages(), {{"pubPhotoGalleryModel", "2"},
-                        {"cbCaptionStatus", "1"},
-                        {"pbFontFamily", "Exo 2"},
-                        {"tfHTMLfileName", "page"},
-                        {"tfGridWidth", "90"},
-                        {"tfPageTitle", "G"},
-                        {"tvTitle", "Heading"},
-                        {"btShowFileName", "0"},
-                        {"cbPgShowMetaData", "0"},
-                        {"pbImageFormat", "png"},
-                        {"pbBIGImageFormat", "tiff"}}));
+    const SettingsStore settings =
+        settingsWith(plus(smallImages(), {{"pubPhotoGalleryModel", "2"},
+                                          {"cbCaptionStatus", "1"},
+                                          {"pbFontFamily", "Exo 2"},
+                                          {"tfHTMLfileName", "page"},
+                                          {"tfGridWidth", "90"},
+                                          {"tfPageTitle", "G"},
+                                          {"tvTitle", "Heading"},
+                                          {"btShowFileName", "0"},
+                                          {"cbPgShowMetaData", "0"},
+                                          {"pbImageFormat", "png"},
+                                          {"pbBIGImageFormat", "tiff"}}));
     RecordingUserInterface ui;
     const GalleryResult result =
         cResponsiveDesign::hCreateResponsiveHTML(dir, entries(photos), settings, ui, 1, true);
@@ -286,8 +290,7 @@ TEST(GalleryRun, Alerts) {
     {
         const QString dir = freshDir("gallery-alert-none");
         RecordingUserInterface ui;
-        EXPECT_FALSE(
-            cResponsiveDesign::hCreateResponsiveHTML(dir, {}, settingsWith(), ui).ok);
+        EXPECT_FALSE(cResponsiveDesign::hCreateResponsiveHTML(dir, {}, settingsWith(), ui).ok);
         ASSERT_EQ(ui.alerts.size(), 1u);
         EXPECT_EQ(ui.alerts[0].title, "Sorry, you forgot to select photos.");
         EXPECT_EQ(ui.alerts[0].description, "Please choose the photos.");
@@ -300,7 +303,8 @@ TEST(GalleryRun, Alerts) {
         RecordingUserInterface ui;
         EXPECT_FALSE(cResponsiveDesign::hCreateResponsiveHTML(
                          dir, entries(photos),
-                         settingsWith({{"ifNumberOfColumns", columns}, {"ifNumberOfRows", rows}}), ui)
+                         settingsWith({{"ifNumberOfColumns", columns}, {"ifNumberOfRows", rows}}),
+                         ui)
                          .ok);
         ASSERT_EQ(ui.alerts.size(), 1u);
         EXPECT_TRUE(ui.alerts[0].stopsRun);
@@ -309,14 +313,14 @@ TEST(GalleryRun, Alerts) {
     {  // Thumbnail 200 x 150, big 200 x 100: warned, and the run goes on.
         const QString dir = freshDir("gallery-alert-sizes");
         RecordingUserInterface ui;
-        const GalleryResult result = cResponsiveDesign::hCreateResponsiveHTML(
-            dir, entries(photos),
-            settingsWith({{"pubPhotoRatio", "0"},
-                          {"tfSmallCropWidth", "200"},
-                          {"tfSmallCropHeight", "150"},
-                          {"tfBigCropWidth", "200"},
-                          {"tfBigCropHeight", "100"}}),
-            ui);
+        const GalleryResult result =
+            cResponsiveDesign::hCreateResponsiveHTML(dir, entries(photos),
+                                                     settingsWith({{"pubPhotoRatio", "0"},
+                                                                   {"tfSmallCropWidth", "200"},
+                                                                   {"tfSmallCropHeight", "150"},
+                                                                   {"tfBigCropWidth", "200"},
+                                                                   {"tfBigCropHeight", "100"}}),
+                                                     ui);
         EXPECT_TRUE(result.ok);
         ASSERT_EQ(ui.alerts.size(), 1u);
         EXPECT_EQ(ui.alerts[0].title, "Sorry, some wrong properties");
@@ -336,17 +340,17 @@ TEST(GalleryRun, ProgressSteps) {
     cResponsiveDesign::hCreateResponsiveHTML(freshDir("gallery-progress"), entries(photos),
                                              settingsWith(smallImages()), ui, 2);
     // Five 0.2 steps, 32 per photo, two 0.2 steps, one per page, two at the end.
-    const std::vector<double> expected = {0.2, 0.2, 0.2, 0.2, 0.2, 32, 32, 32,
-                                          0.2, 0.2, 0.2, 0.2, 0.2};
+    const std::vector<double> expected = {0.2, 0.2, 0.2, 0.2, 0.2, 32, 32,
+                                          32,  0.2, 0.2, 0.2, 0.2, 0.2};
     EXPECT_EQ(ui.steps, expected);
     EXPECT_EQ(ui.starts, 1);
     EXPECT_EQ(ui.stops, 1);
 }
 
 TEST(GalleryRun, Weights) {
-    const std::vector<std::pair<QString, QString>> titles = {
-        {"Light", "300"}, {"Regular", "400"}, {"Medium", "500"}, {"Bold", "700"}, {"Black", "900"},
-        {"", "900"}};
+    const std::vector<std::pair<QString, QString>> titles = {{"Light", "300"},  {"Regular", "400"},
+                                                             {"Medium", "500"}, {"Bold", "700"},
+                                                             {"Black", "900"},  {"", "900"}};
     for (const auto& [title, number] : titles) EXPECT_EQ(cResponsiveDesign::weight(title), number);
     // The file-name weight "Bold" is tested against the mapped heading weight: always 900.
     EXPECT_EQ(cResponsiveDesign::fileNameWeight("Bold", cResponsiveDesign::weight("Bold")), "900");
@@ -357,8 +361,8 @@ TEST(GalleryRun, Weights) {
     RecordingUserInterface ui;
     cResponsiveDesign::hCreateResponsiveHTML(
         dir, entries({makePhoto(src, "a.png", 40, 30)}),
-        settingsWith(plus(smallImages(),
-                          {{"pbTitleFontWeight", "Bold"}, {"pbFileNameFontWeight", "Bold"}})),
+        settingsWith(
+            plus(smallImages(), {{"pbTitleFontWeight", "Bold"}, {"pbFileNameFontWeight", "Bold"}})),
         ui);
     const QString css = readText(dir + "KLcss/klGScss.css");
     EXPECT_TRUE(css.contains("font-size:32px;\nfont-weight:700;\n"));
@@ -368,9 +372,9 @@ TEST(GalleryRun, Weights) {
 TEST(GalleryRun, CaptionRules) {
     const QString src = freshDir("gallery-captions-src");
     const QString photo = makePhoto(src, "shot.jpg", 40, 30);
-    ASSERT_EQ(runProgram("exiftool", {"-q", "-overwrite_original", "-IPTC:City=Lyon",
-                                      "-IPTC:Headline=Sunset", "-EXIF:DateTimeOriginal=2019:07:14 18:03:22",
-                                      photo}),
+    ASSERT_EQ(runProgram("exiftool",
+                         {"-q", "-overwrite_original", "-IPTC:City=Lyon", "-IPTC:Headline=Sunset",
+                          "-EXIF:DateTimeOriginal=2019:07:14 18:03:22", photo}),
               0);
     const QString bare = makePhoto(src, "bare.jpg", 40, 30);
     struct Case {
@@ -390,11 +394,11 @@ TEST(GalleryRun, CaptionRules) {
     };
     for (const Case& c : cases) {
         mMeta meta;
-        const SettingsStore settings = settingsWith(
-            {{"cbPgShowMetaData", "1"}, {"tfPgMetaDataToShow", c.items},
-             {"tfPgMetaDataValueSep", c.separator}});
-        EXPECT_EQ(cResponsiveDesign::caption({QUrl::fromLocalFile(c.path), c.description},
-                                             settings, meta),
+        const SettingsStore settings = settingsWith({{"cbPgShowMetaData", "1"},
+                                                     {"tfPgMetaDataToShow", c.items},
+                                                     {"tfPgMetaDataValueSep", c.separator}});
+        EXPECT_EQ(cResponsiveDesign::caption({QUrl::fromLocalFile(c.path), c.description}, settings,
+                                             meta),
                   c.caption)
             << c.items;
     }
@@ -462,18 +466,31 @@ TEST(GalleryRun, DerivativeFiles) {
         {"defaults", {}, "200x150", "200x150", "1200x900", "900x1200"},
         // Scale by width and by height: only the height step (mode 7) stays.
         {"action 1",
-         {{"pubThumbAction", "1"}, {"pubPhotoRatio", "0"}, {"tfSmallCropWidth", "100"},
+         {{"pubThumbAction", "1"},
+          {"pubPhotoRatio", "0"},
+          {"tfSmallCropWidth", "100"},
           {"tfSmallCropHeight", "120"}},
-         "160x120", "90x120", "1200x900", "900x1200"},
+         "160x120",
+         "90x120",
+         "1200x900",
+         "900x1200"},
         // Big crop box (the box is as wide as the landscape photo is scaled; "" = not checked).
         {"big crop",
          {{"tfBigCropWidth", "500"}, {"tfBigCropHeight", "250"}, {"scImageCropBigPos", "0"}},
-         "200x150", "200x150", "500x250", ""},
+         "200x150",
+         "200x150",
+         "500x250",
+         ""},
         // Frames keep the size.
         {"frames",
-         {{"tfSmallFramingThickness", "10"}, {"tfBigFramingThickness", "6"},
-          {"cwNSColorWellObjBsImage", "FF0000"}, {"tfBigCropWidth", "320"}},
-         "200x150", "200x150", "320x240", "240x320"},
+         {{"tfSmallFramingThickness", "10"},
+          {"tfBigFramingThickness", "6"},
+          {"cwNSColorWellObjBsImage", "FF0000"},
+          {"tfBigCropWidth", "320"}},
+         "200x150",
+         "200x150",
+         "320x240",
+         "240x320"},
     };
     for (const Case& c : cases) {
         const QString dir = freshDir("gallery-derivatives");
@@ -503,10 +520,15 @@ TEST(GalleryRun, SameOutputWhateverTheThreads) {
     photos.append(makePhoto(src + "other/", "t0.png", 90, 90));
     const QStringList real = testsupport::mateBackgroundJpegs().mid(0, 1);
     photos += real;
-    const SettingsStore settings = settingsWith(
-        {{"tfSmallCropWidth", "48"}, {"pubPhotoRatio", "0"}, {"tfSmallCropHeight", "32"},
-         {"tfBigCropWidth", "160"}, {"ifNumberOfColumns", "2"}, {"ifNumberOfRows", "2"},
-         {"cbPgShowMetaData", "1"}, {"tfPgMetaDataToShow", "Show Filename;EXIF Creation Date"}});
+    const SettingsStore settings =
+        settingsWith({{"tfSmallCropWidth", "48"},
+                      {"pubPhotoRatio", "0"},
+                      {"tfSmallCropHeight", "32"},
+                      {"tfBigCropWidth", "160"},
+                      {"ifNumberOfColumns", "2"},
+                      {"ifNumberOfRows", "2"},
+                      {"cbPgShowMetaData", "1"},
+                      {"tfPgMetaDataToShow", "Show Filename;EXIF Creation Date"}});
     const QString one = freshDir("gallery-threads-1");
     const QString four = freshDir("gallery-threads-4");
     RecordingUserInterface ui1, ui4;
@@ -562,13 +584,13 @@ TEST(GalleryRun, SecondRunKeepsSupportFiles) {
     const QString photo = makePhoto(src, "a.png", 40, 30);
     const QString pattern = makePhoto(src, "dots.png", 8, 8);
     const QString dir = freshDir("gallery-twice");
-    const SettingsStore settings = settingsWith(plus(
-        smallImages(), {{"cbTbRdShowPatternImage", "1"}, {"tfTbRdPatternPath", pattern}}));
+    const SettingsStore settings = settingsWith(
+        plus(smallImages(), {{"cbTbRdShowPatternImage", "1"}, {"tfTbRdPatternPath", pattern}}));
     RecordingUserInterface ui;
     cResponsiveDesign::hCreateResponsiveHTML(dir, entries({photo}), settings, ui);
-    for (const char* name : {"close.gif", "loading.gif", "klOrvella.png", "overlay.png",
-                             "jquery.lightbox.js", "jquery02.lightbox.js", "next.png", "close.png",
-                             "previous.png"}) {
+    for (const char* name :
+         {"close.gif", "loading.gif", "klOrvella.png", "overlay.png", "jquery.lightbox.js",
+          "jquery02.lightbox.js", "next.png", "close.png", "previous.png"}) {
         QFile resource(QStringLiteral(":/lightbox/") + name);
         ASSERT_TRUE(resource.open(QIODevice::ReadOnly)) << name;
         EXPECT_EQ(readText(dir + "KLovlightbox/" + name).toUtf8().size() > 0, true) << name;
@@ -600,11 +622,11 @@ TEST(GalleryRun, SecondRunKeepsSupportFiles) {
 }
 
 TEST(GalleryRun, RatioAndCaptionItemEditing) {
-    const std::vector<std::pair<int, int>> ratios = {{0, 77}, {1, 200}, {2, 132}, {3, 300},
-                                                     {4, 66}, {5, 150}, {6, 264}, {7, 144},
-                                                     {8, 108}};
+    const std::vector<std::pair<int, int>> ratios = {
+        {0, 77}, {1, 200}, {2, 132}, {3, 300}, {4, 66}, {5, 150}, {6, 264}, {7, 144}, {8, 108}};
     for (const auto& [index, height] : ratios) {
-        SettingsStore s = settingsWith({{"tfSmallCropWidth", "200"}, {"tfSmallCropHeight", "77"},
+        SettingsStore s = settingsWith({{"tfSmallCropWidth", "200"},
+                                        {"tfSmallCropHeight", "77"},
                                         {"pubPhotoRatio", QString::number(index)}});
         cResponsiveDesign::hPhotoRatioCalc(s);
         EXPECT_EQ(s.integer("tfSmallCropHeight"), height) << index;
@@ -644,23 +666,59 @@ TEST(GalleryControlsTest, AliasesNameOneSetting) {
         EXPECT_EQ(r.find(alias), r.find(name)) << alias;
     }
     // Every control of the preset layout is known.
-    for (const char* name :
-         {"tfPageTitle", "btShowFileName", "tfHTMLbackgroundColor", "tfHTMLTitleColor",
-          "tfHTMLbackgroundColorCell", "pbImageFormat", "pbJPGCompression", "tfSmallCropWidth",
-          "tfSmallCropHeight", "tfSmallFramingThickness", "tfBigCropWidth", "tfBigCropHeight",
-          "tfBigFramingThickness", "btShowEXIFucd", "scPresetEXIFuserCommentTxtAlgin",
-          "scPresetTitleTxtAlign", "btShowTitle", "pbPresetFileNameFontSize",
-          "pbPresetExifUserCommentFontSize", "tfHTMLdestinationFolder", "scImageCropThumbPos",
-          "tfCropThumbXOffset", "tfCropThumbYOffset", "scImageCropBigPos", "tfCropBigXOffset",
-          "tfCropBigYOffset", "pbTitleFontWeight", "pbFileNameFontWeight",
-          "pbExifUserCommentFontWeight", "tfHTMLPhotoNameColor", "tfHTMLUserExifCommentColor",
-          "cbTableTypeTable", "cbTableTypeResponsive", "tfGridWidth", "pbFontFamily", "tvTitle",
-          "tfBoxRadius", "tfBoxThickness", "tfBoxShadowThickness", "tfBoxShadowXOffset",
-          "tfBoxShadowYOffset", "cbCaptionStatus", "pubTableTemplateChoice",
-          "tfThumbnailShadowColorValue", "tfThumbnailShadowThickness", "tfThumbnailShadowXOffset",
-          "tfThumbnailShadowYOffset", "pubPgMetaData", "tfPgMetaDataToShow",
-          "tfPgMetaDataValueSep", "pubPhotoRatio", "pubThumbAction",
-          "sliderLightboxRDBgColorOpacity"}) {
+    for (const char* name : {"tfPageTitle",
+                             "btShowFileName",
+                             "tfHTMLbackgroundColor",
+                             "tfHTMLTitleColor",
+                             "tfHTMLbackgroundColorCell",
+                             "pbImageFormat",
+                             "pbJPGCompression",
+                             "tfSmallCropWidth",
+                             "tfSmallCropHeight",
+                             "tfSmallFramingThickness",
+                             "tfBigCropWidth",
+                             "tfBigCropHeight",
+                             "tfBigFramingThickness",
+                             "btShowEXIFucd",
+                             "scPresetEXIFuserCommentTxtAlgin",
+                             "scPresetTitleTxtAlign",
+                             "btShowTitle",
+                             "pbPresetFileNameFontSize",
+                             "pbPresetExifUserCommentFontSize",
+                             "tfHTMLdestinationFolder",
+                             "scImageCropThumbPos",
+                             "tfCropThumbXOffset",
+                             "tfCropThumbYOffset",
+                             "scImageCropBigPos",
+                             "tfCropBigXOffset",
+                             "tfCropBigYOffset",
+                             "pbTitleFontWeight",
+                             "pbFileNameFontWeight",
+                             "pbExifUserCommentFontWeight",
+                             "tfHTMLPhotoNameColor",
+                             "tfHTMLUserExifCommentColor",
+                             "cbTableTypeTable",
+                             "cbTableTypeResponsive",
+                             "tfGridWidth",
+                             "pbFontFamily",
+                             "tvTitle",
+                             "tfBoxRadius",
+                             "tfBoxThickness",
+                             "tfBoxShadowThickness",
+                             "tfBoxShadowXOffset",
+                             "tfBoxShadowYOffset",
+                             "cbCaptionStatus",
+                             "pubTableTemplateChoice",
+                             "tfThumbnailShadowColorValue",
+                             "tfThumbnailShadowThickness",
+                             "tfThumbnailShadowXOffset",
+                             "tfThumbnailShadowYOffset",
+                             "pubPgMetaData",
+                             "tfPgMetaDataToShow",
+                             "tfPgMetaDataValueSep",
+                             "pubPhotoRatio",
+                             "pubThumbAction",
+                             "sliderLightboxRDBgColorOpacity"}) {
         const ControlSpec* spec = r.find(name);
         ASSERT_NE(spec, nullptr) << name;
         EXPECT_EQ(spec->outputKind, "gallery") << name;
