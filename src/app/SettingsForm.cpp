@@ -40,7 +40,7 @@ void SettingsForm::refresh() {
 
 void SettingsForm::store(const QString& name, const QString& value) {
     if (store_.text(name) == value) return;
-    if (store_.set(name, value)) emit edited(name);
+    if (store_.set(name, value)) Q_EMIT edited(name);
 }
 
 QWidget* SettingsForm::makeEditor(const ControlSpec& spec) {

@@ -17,7 +17,7 @@ public:
 
     void refresh();
 
-signals:
+Q_SIGNALS:
     // A control changed in the window, by its canonical name.
     void edited(const QString& name);
 
