@@ -1,5 +1,4 @@
 // glib (under libvips) uses "signals" as a name; keep Qt from defining it as a keyword.
-#define QT_NO_KEYWORDS
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,4 @@
 // glib (under libvips) uses Qt's keywords as names.
-#define QT_NO_KEYWORDS
 
 #include "metadata/MetaFixtures.h"
 
