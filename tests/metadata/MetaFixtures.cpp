@@ -1,4 +1,3 @@
-// glib (under libvips) uses Qt's keywords as names.
 
 #include "metadata/MetaFixtures.h"
 
