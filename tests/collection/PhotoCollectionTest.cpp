@@ -1,5 +1,3 @@
-// glib (under libvips) uses "signals" as a name; keep Qt from defining it as a keyword.
-
 #include <gtest/gtest.h>
 
 #include <QDir>

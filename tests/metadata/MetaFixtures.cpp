@@ -1,4 +1,3 @@
-
 #include "metadata/MetaFixtures.h"
 
 #include <vips/vips8>
