@@ -66,7 +66,7 @@ void registerGalleryControls(ControlRegistry& registry) {
     r.add("ifNumberOfColumns", K::Number, "4", {"tfNumberOfColumns"});
     r.add("ifNumberOfRows", K::Number, "3", {"tfNumberOfRows"});
     r.add("btShowTitle", K::Checkbox, "1");
-    r.add("btShowFileName", K::Checkbox, "1");
+    r.add("btShowFileName", K::Checkbox, "0");  // names would overflow the fixed grid cells
     r.add("pubPhotoGalleryModel", K::PopupIndex, "2", {"pubTableTemplateChoice"},
           {"Table", "Table (classic)", "Grid"});
 
@@ -105,7 +105,7 @@ void registerGalleryControls(ControlRegistry& registry) {
           {"tfNSColorWellObjPhotoNameCt", "ascNSColorWellObjPhotoNameCt"});
     r.add("tfHTMLUserExifCommentColor", K::Color, "6E6E6E",
           {"tfNSColorWellObjUserExifCommentCt", "ascNSColorWellObjUserExifCommentCt"});
-    r.add("tfHTMLbackgroundColorCell", K::Color, "FFFFFF",
+    r.add("tfHTMLbackgroundColorCell", K::Color, "F4F3EF",
           {"tfNSColorWellObjBGCc", "ascNSColorWellObjBGCc"});
 
     // Thumbnails.
@@ -138,7 +138,7 @@ void registerGalleryControls(ControlRegistry& registry) {
 
     // Thumbnail decoration (stylesheet only).
     r.add("tfThumbnailBorderThickness", K::Number, "0", {"tfThumbnailThickness"});
-    r.add("tfHTMLThumbnailColor", K::Color, "FFFFFF",
+    r.add("tfHTMLThumbnailColor", K::Color, "F4F3EF",
           {"tfThumbnailColorValue", "tfNSColorWellObjThumbnail", "ascNSColorWellObjThumbnail"});
     r.add("tfThumbnailBorderRadius", K::Number, "4", {"tfThumbnailRadius"});
     r.add("tfThumbnailShadowThickness", K::Number, "6");
