@@ -5,6 +5,7 @@
 #include <QFileInfo>
 #include <QRandomGenerator>
 #include <QSaveFile>
+#include <cstdio>
 #include <cstring>
 #include <memory>
 #include <vips/vips8>
@@ -174,8 +175,8 @@ QString save(const VImage& image, const QString& path, const QString& typeIdenti
         QFile::remove(temporary);
         return QStringLiteral("Failed");
     }
-    QFile::remove(path);
-    if (!QFile::rename(temporary, path)) {
+    // rename(2) replaces the old file in one step: a reader never sees a missing or half file.
+    if (std::rename(name.constData(), QFile::encodeName(path).constData()) != 0) {
         klLog() << "image not written:" << path;
         QFile::remove(temporary);
         return QStringLiteral("Failed");
