@@ -20,14 +20,14 @@ SettingsForm::SettingsForm(const QString& outputKind, SettingsStore& store, QWid
     auto* content = new QWidget;
     auto* form = new QFormLayout(content);
     form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
-    for (const ControlSpec* spec : store.registry().controls(outputKind)) {
-        QWidget* editor = makeEditor(*spec);
-        editor->setObjectName(spec->name);
-        editor->setToolTip(spec->aliases.isEmpty()
-                               ? spec->name
-                               : spec->name + QStringLiteral(" (") +
-                                     spec->aliases.join(QStringLiteral(", ")) + u')');
-        form->addRow(spec->name, editor);
+    for (const ControlSpec* control : store.registry().controls(outputKind)) {
+        QWidget* editor = makeEditor(*control);
+        editor->setObjectName(control->name);
+        editor->setToolTip(control->aliases.isEmpty()
+                               ? control->name
+                               : control->name + QStringLiteral(" (") +
+                                     control->aliases.join(QStringLiteral(", ")) + u')');
+        form->addRow(control->name, editor);
     }
     setWidget(content);
     setWidgetResizable(true);
@@ -43,9 +43,9 @@ void SettingsForm::store(const QString& name, const QString& value) {
     if (store_.set(name, value)) Q_EMIT edited(name);
 }
 
-QWidget* SettingsForm::makeEditor(const ControlSpec& spec) {
-    const QString name = spec.name;
-    switch (spec.kind) {
+QWidget* SettingsForm::makeEditor(const ControlSpec& control) {
+    const QString name = control.name;
+    switch (control.kind) {
         case ControlKind::Checkbox: {
             auto* box = new QCheckBox;
             connect(box, &QCheckBox::toggled, this,
@@ -59,11 +59,11 @@ QWidget* SettingsForm::makeEditor(const ControlSpec& spec) {
         case ControlKind::PopupTitle:
         case ControlKind::PopupIndex:
         case ControlKind::Segmented:
-            if (!spec.items.isEmpty()) {
+            if (!control.items.isEmpty()) {
                 // Popups, and segmented controls shown by their segment titles; both store what
                 // the registry's kind says (title or index).
                 auto* combo = new QComboBox;
-                combo->addItems(spec.items);
+                combo->addItems(control.items);
                 connect(combo, &QComboBox::currentIndexChanged, this,
                         [this, name](int index) { store(name, QString::number(index)); });
                 refreshers_[name] = [this, combo, name] {
@@ -75,7 +75,7 @@ QWidget* SettingsForm::makeEditor(const ControlSpec& spec) {
             [[fallthrough]];
         case ControlKind::Slider: {
             auto* spin = new QSpinBox;
-            spin->setRange(spec.minimum, std::max(spec.minimum, spec.maximum));
+            spin->setRange(control.minimum, std::max(control.minimum, control.maximum));
             connect(spin, &QSpinBox::valueChanged, this,
                     [this, name](int value) { store(name, QString::number(value)); });
             refreshers_[name] = [this, spin, name] {

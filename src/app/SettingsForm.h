@@ -22,7 +22,7 @@ Q_SIGNALS:
     void edited(const QString& name);
 
 private:
-    QWidget* makeEditor(const ControlSpec& spec);
+    QWidget* makeEditor(const ControlSpec& control);
     void store(const QString& name, const QString& value);
 
     SettingsStore& store_;

@@ -140,8 +140,8 @@ int generateGallery(const QStringList& args, Io& io) {
             const qsizetype eq = v.indexOf(u'=');
             if (eq <= 0) return usage(io, "--set needs NAME=VALUE, not \"" + v + "\"");
             const QString name = v.left(eq);
-            const ControlSpec* spec = settings.registry().find(name);
-            if (!spec || spec->outputKind != u"gallery")
+            const ControlSpec* control = settings.registry().find(name);
+            if (!control || control->outputKind != u"gallery")
                 return usage(io, "unknown gallery setting \"" + name + "\"");
             QString error;
             if (!settings.set(name, v.mid(eq + 1), &error)) return usage(io, error);

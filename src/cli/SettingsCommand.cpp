@@ -29,12 +29,12 @@ Command settingsCommand() {
                     return int(kUsage);
                 }
                 io.out << "name\taliases\tkind\tdefault\titems\n";
-                for (const ControlSpec* spec : ControlRegistry::standard().controls(args.first())) {
-                    QString items = spec->items.join(QStringLiteral(" | "));
-                    if (spec->kind == ControlKind::Slider)
-                        items = QStringLiteral("%1..%2").arg(spec->minimum).arg(spec->maximum);
-                    io.out << spec->name << "\t" << spec->aliases.join(u',') << "\t"
-                           << controlKindName(spec->kind) << "\t" << cell(spec->defaultValue)
+                for (const ControlSpec* control : ControlRegistry::standard().controls(args.first())) {
+                    QString items = control->items.join(QStringLiteral(" | "));
+                    if (control->kind == ControlKind::Slider)
+                        items = QStringLiteral("%1..%2").arg(control->minimum).arg(control->maximum);
+                    io.out << control->name << "\t" << control->aliases.join(u',') << "\t"
+                           << controlKindName(control->kind) << "\t" << cell(control->defaultValue)
                            << "\t" << cell(items) << "\n";
                 }
                 return int(kOk);

@@ -29,12 +29,12 @@ const ControlRegistry& ControlRegistry::standard() {
     return registry;
 }
 
-void ControlRegistry::add(const ControlSpec& spec) {
-    Q_ASSERT_X(!byName_.contains(spec.name), "ControlRegistry::add", qPrintable(spec.name));
-    const qsizetype index = specs_.size();
-    specs_.append(spec);
-    byName_.insert(spec.name, index);
-    for (const QString& alias : spec.aliases) {
+void ControlRegistry::add(const ControlSpec& control) {
+    Q_ASSERT_X(!byName_.contains(control.name), "ControlRegistry::add", qPrintable(control.name));
+    const qsizetype index = controls_.size();
+    controls_.append(control);
+    byName_.insert(control.name, index);
+    for (const QString& alias : control.aliases) {
         Q_ASSERT_X(!byName_.contains(alias), "ControlRegistry::add", qPrintable(alias));
         byName_.insert(alias, index);
     }
@@ -42,19 +42,19 @@ void ControlRegistry::add(const ControlSpec& spec) {
 
 const ControlSpec* ControlRegistry::find(const QString& nameOrAlias) const {
     const auto it = byName_.constFind(nameOrAlias);
-    return it == byName_.constEnd() ? nullptr : &specs_[*it];
+    return it == byName_.constEnd() ? nullptr : &controls_[*it];
 }
 
 QList<const ControlSpec*> ControlRegistry::controls(const QString& outputKind) const {
     QList<const ControlSpec*> result;
-    for (const ControlSpec& spec : specs_)
-        if (spec.outputKind == outputKind) result.append(&spec);
+    for (const ControlSpec& control : controls_)
+        if (control.outputKind == outputKind) result.append(&control);
     return result;
 }
 
 QList<const ControlSpec*> ControlRegistry::all() const {
     QList<const ControlSpec*> result;
-    for (const ControlSpec& spec : specs_) result.append(&spec);
+    for (const ControlSpec& control : controls_) result.append(&control);
     return result;
 }
 
@@ -67,14 +67,14 @@ bool isWholeNumber(const QString& value) {
 
 }  // namespace
 
-bool ControlRegistry::normalise(const ControlSpec& spec, const QString& value, QString* normalised,
+bool ControlRegistry::normalise(const ControlSpec& control, const QString& value, QString* normalised,
                                 QString* error) const {
     auto fail = [&](const QString& why) {
-        if (error) *error = QStringLiteral("%1: %2").arg(spec.name, why);
+        if (error) *error = QStringLiteral("%1: %2").arg(control.name, why);
         return false;
     };
     QString out = value;
-    switch (spec.kind) {
+    switch (control.kind) {
         case ControlKind::Text:
         case ControlKind::TextView:
         case ControlKind::Path:
@@ -88,26 +88,26 @@ bool ControlRegistry::normalise(const ControlSpec& spec, const QString& value, Q
             break;
         case ControlKind::PopupTitle:
         case ControlKind::PopupIndex: {
-            qsizetype index = spec.items.indexOf(value);
+            qsizetype index = control.items.indexOf(value);
             if (index < 0 && isWholeNumber(value)) {
                 const int i = TextValues::intValue(value);
-                if (i >= 0 && i < spec.items.size()) index = i;
+                if (i >= 0 && i < control.items.size()) index = i;
             }
             if (index < 0)
                 return fail(QStringLiteral("\"%1\" is not one of: %2")
-                                .arg(value, spec.items.join(QStringLiteral(", "))));
-            out = spec.kind == ControlKind::PopupTitle ? spec.items[index] : QString::number(index);
+                                .arg(value, control.items.join(QStringLiteral(", "))));
+            out = control.kind == ControlKind::PopupTitle ? control.items[index] : QString::number(index);
             break;
         }
         case ControlKind::Segmented:
         case ControlKind::Slider: {
             if (!isWholeNumber(value)) return fail(QStringLiteral("\"%1\" is not a whole number").arg(value));
             const int i = TextValues::intValue(value);
-            const int maximum = spec.kind == ControlKind::Segmented && !spec.items.isEmpty()
-                                    ? int(spec.items.size()) - 1
-                                    : spec.maximum;
-            if (i < spec.minimum || i > maximum)
-                return fail(QStringLiteral("%1 is outside %2 to %3").arg(i).arg(spec.minimum).arg(maximum));
+            const int maximum = control.kind == ControlKind::Segmented && !control.items.isEmpty()
+                                    ? int(control.items.size()) - 1
+                                    : control.maximum;
+            if (i < control.minimum || i > maximum)
+                return fail(QStringLiteral("%1 is outside %2 to %3").arg(i).arg(control.minimum).arg(maximum));
             out = QString::number(i);
             break;
         }

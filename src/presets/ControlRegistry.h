@@ -43,7 +43,7 @@ public:
     // The registry of the whole application, filled once by each output kind.
     static const ControlRegistry& standard();
 
-    void add(const ControlSpec& spec);
+    void add(const ControlSpec& control);
 
     // Finds a control by its name or one of its aliases.
     const ControlSpec* find(const QString& nameOrAlias) const;
@@ -53,11 +53,11 @@ public:
 
     // Checks and normalises a text value for a control (popup indexes to titles for "pb", colour
     // digits to upper case, ...). Returns false and an explanation when it does not fit.
-    bool normalise(const ControlSpec& spec, const QString& value, QString* normalised,
+    bool normalise(const ControlSpec& control, const QString& value, QString* normalised,
                    QString* error) const;
 
 private:
-    QList<ControlSpec> specs_;
+    QList<ControlSpec> controls_;
     QHash<QString, qsizetype> byName_;
 };
 

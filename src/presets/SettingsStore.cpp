@@ -4,21 +4,21 @@
 
 namespace {
 const ControlSpec& unknownControl() {
-    static const ControlSpec spec;
-    return spec;
+    static const ControlSpec control;
+    return control;
 }
 }  // namespace
 
 SettingsStore::SettingsStore(const ControlRegistry& registry) : registry_(&registry) {}
 
-const ControlSpec& SettingsStore::spec(const QString& name) const {
+const ControlSpec& SettingsStore::control(const QString& name) const {
     const ControlSpec* found = registry_->find(name);
     Q_ASSERT_X(found, "SettingsStore", qPrintable(QStringLiteral("unknown control ") + name));
     return found ? *found : unknownControl();
 }
 
 QString SettingsStore::text(const QString& name) const {
-    const ControlSpec& s = spec(name);
+    const ControlSpec& s = control(name);
     const auto it = values_.constFind(s.name);
     return it == values_.constEnd() ? s.defaultValue : *it;
 }
@@ -26,13 +26,13 @@ QString SettingsStore::text(const QString& name) const {
 int SettingsStore::integer(const QString& name) const { return TextValues::intValue(text(name)); }
 
 int SettingsStore::index(const QString& name) const {
-    const ControlSpec& s = spec(name);
+    const ControlSpec& s = control(name);
     if (s.kind == ControlKind::PopupTitle) return int(s.items.indexOf(text(name)));
     return integer(name);
 }
 
 QString SettingsStore::title(const QString& name) const {
-    const ControlSpec& s = spec(name);
+    const ControlSpec& s = control(name);
     if (s.kind == ControlKind::PopupIndex) {
         const int i = integer(name);
         return i >= 0 && i < s.items.size() ? s.items[i] : QString();
@@ -55,7 +55,7 @@ bool SettingsStore::set(const QString& name, const QString& value, QString* erro
 }
 
 void SettingsStore::setText(const QString& name, const QString& value) {
-    const ControlSpec& s = spec(name);
+    const ControlSpec& s = control(name);
     if (!s.name.isEmpty()) values_.insert(s.name, value);
 }
 

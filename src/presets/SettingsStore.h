@@ -33,7 +33,7 @@ public:
     const ControlRegistry& registry() const { return *registry_; }
 
 private:
-    const ControlSpec& spec(const QString& name) const;
+    const ControlSpec& control(const QString& name) const;
 
     const ControlRegistry* registry_;
     QHash<QString, QString> values_;  // by canonical name; missing means the default

@@ -38,17 +38,17 @@ struct Registrar {
     void add(const QString& name, ControlKind kind, const QString& defaultValue,
              const QStringList& aliases = {}, const QStringList& items = {}, int minimum = 0,
              int maximum = 0) {
-        ControlSpec spec;
-        spec.name = name;
-        spec.outputKind = kGallery;
-        spec.kind = kind;
-        spec.defaultValue = defaultValue;
-        spec.items = items;
-        spec.aliases = aliases;
-        spec.minimum = minimum;
-        spec.maximum =
+        ControlSpec control;
+        control.name = name;
+        control.outputKind = kGallery;
+        control.kind = kind;
+        control.defaultValue = defaultValue;
+        control.items = items;
+        control.aliases = aliases;
+        control.minimum = minimum;
+        control.maximum =
             kind == ControlKind::Segmented && !items.isEmpty() ? int(items.size()) - 1 : maximum;
-        registry.add(spec);
+        registry.add(control);
     }
 };
 

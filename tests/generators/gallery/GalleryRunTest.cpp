@@ -719,20 +719,20 @@ TEST(GalleryControlsTest, AliasesNameOneSetting) {
                              "pubPhotoRatio",
                              "pubThumbAction",
                              "sliderLightboxRDBgColorOpacity"}) {
-        const ControlSpec* spec = r.find(name);
-        ASSERT_NE(spec, nullptr) << name;
-        EXPECT_EQ(spec->outputKind, "gallery") << name;
+        const ControlSpec* control = r.find(name);
+        ASSERT_NE(control, nullptr) << name;
+        EXPECT_EQ(control->outputKind, "gallery") << name;
     }
     // The pattern opacity popup reads by index and by title.
     SettingsStore s = settingsWith({{"pubTbRdPatternOpacity", "0.7"}});
     EXPECT_EQ(s.index("pubTbPatternOpacity"), 6);
     EXPECT_EQ(s.title("pubTbPatternOpacity"), "0.7");
     // Defaults are valid values of their own controls.
-    for (const ControlSpec* spec : r.controls("gallery")) {
-        if (spec->kind == ControlKind::Text || spec->kind == ControlKind::Path ||
-            spec->kind == ControlKind::TextView)
+    for (const ControlSpec* control : r.controls("gallery")) {
+        if (control->kind == ControlKind::Text || control->kind == ControlKind::Path ||
+            control->kind == ControlKind::TextView)
             continue;
         QString error;
-        EXPECT_TRUE(r.normalise(*spec, spec->defaultValue, nullptr, &error)) << error.toStdString();
+        EXPECT_TRUE(r.normalise(*control, control->defaultValue, nullptr, &error)) << error.toStdString();
     }
 }
