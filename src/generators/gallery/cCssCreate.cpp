@@ -1,12 +1,12 @@
 #include "generators/gallery/cCssCreate.h"
 
+#include "services/cNSColorHandling.h"
 #include "services/cNSFileHandling.h"
 
 CssRgb CssRgb::fromHex(const QString& hex) {
-    bool ok = false;
-    const uint v = hex.toUInt(&ok, 16);
-    const uint value = ok ? v : 0;
-    return {((value >> 16) & 255) / 255.0, ((value >> 8) & 255) / 255.0, (value & 255) / 255.0};
+    const QColor c = cNSColorHandling::colorFromHexRGB(hex);
+    // From the 8-bit values, in double precision: 128 must print as 128.000000.
+    return {c.red() / 255.0, c.green() / 255.0, c.blue() / 255.0};
 }
 
 namespace {

@@ -20,6 +20,7 @@
 #include "presets/SettingsStore.h"
 #include "services/Log.h"
 #include "services/UserInterface.h"
+#include "services/cNSColorHandling.h"
 #include "services/cNSFileHandling.h"
 #include "services/cToolBox.h"
 
@@ -54,13 +55,6 @@ const QStringList& iptcItems() {
         "IPTC Caption Writer", "IPTC Copyrights",   "IPTC Country",       "IPTC Credits",
         "IPTC Headline",       "IPTC Subject Code", "IPTC State Province"};
     return items;
-}
-
-QColor colorFromHex(const QString& hex) {
-    bool ok = false;
-    const uint v = hex.toUInt(&ok, 16);
-    const uint value = ok ? v : 0;
-    return QColor::fromRgb(int((value >> 16) & 255), int((value >> 8) & 255), int(value & 255));
 }
 
 // What one page needs besides the photos.
@@ -117,30 +111,7 @@ QString logoBlock(const QString& productPage, const QString& closing) {
 }  // namespace
 
 QString cResponsiveDesign::htmlEscaped(const QString& text) {
-    QString out;
-    out.reserve(text.size());
-    for (const QChar c : text) {
-        switch (c.unicode()) {
-            case '&':
-                out += QStringLiteral("&amp;");
-                break;
-            case '<':
-                out += QStringLiteral("&lt;");
-                break;
-            case '>':
-                out += QStringLiteral("&gt;");
-                break;
-            case '"':
-                out += QStringLiteral("&quot;");
-                break;
-            case '\'':
-                out += QStringLiteral("&#39;");
-                break;
-            default:
-                out += c;
-        }
-    }
-    return out;
+    return text.toHtmlEscaped().replace(u'\'', QStringLiteral("&#39;"));
 }
 
 void cResponsiveDesign::hPhotoRatioCalc(SettingsStore& settings) {
@@ -335,7 +306,7 @@ QString cResponsiveDesign::hScaleImageMaxValueHTML(const QString& photoPath,
                              QStringLiteral("myCropThumb"), im.thumbCropPosition);
     }
     if (im.thumbFrameWidth > 0)
-        images.addBorderToImage2(thumbWork, colorFromHex(im.thumbFrameColor),
+        images.addBorderToImage2(thumbWork, cNSColorHandling::colorFromHexRGB(im.thumbFrameColor),
                                  quint32(im.thumbFrameWidth));
     files.hSaveAsFileType(thumbWork, im.thumbFormat, im.thumbCompression, thumbFolder);
 
@@ -346,7 +317,7 @@ QString cResponsiveDesign::hScaleImageMaxValueHTML(const QString& photoPath,
         images.cropImage(bigWork, im.bigCropWidth, im.bigCropHeight, bigFolder,
                          QStringLiteral("myCropBig"), im.bigCropPosition);
     if (im.bigFrameWidth > 0)
-        images.addBorderToImage2(bigWork, colorFromHex(im.bigFrameColor),
+        images.addBorderToImage2(bigWork, cNSColorHandling::colorFromHexRGB(im.bigFrameColor),
                                  quint32(im.bigFrameWidth));
     files.hSaveAsFileType(bigWork, im.bigFormat, im.bigCompression, bigFolder);
     return info.completeBaseName();
