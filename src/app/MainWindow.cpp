@@ -12,12 +12,19 @@
 #include <QStatusBar>
 #include <QTabWidget>
 #include <QVBoxLayout>
+#include <QFileInfo>
+#include <QtConcurrent/QtConcurrentMap>
 #include <QtConcurrent/QtConcurrentRun>
 
 #include "app/CollectionDragModel.h"
 #include "app/SettingsForm.h"
 #include "app/WindowUserInterface.h"
 #include "generators/gallery/cResponsiveDesign.h"
+#include "imaging/CellImage.h"
+
+namespace {
+constexpr int kCellSize = 160;
+}
 
 MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent) {
     setWindowTitle(QStringLiteral("Orvella"));
@@ -45,10 +52,11 @@ MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent) {
 
 QWidget* MainWindow::makeCollectionPanel() {
     collection_ = new CollectionDragModel(this);
+    collection_->setCellImageSize(0);  // made in the background, see choosePhotos
     grid_ = new QListView;
     grid_->setModel(collection_);
     grid_->setViewMode(QListView::IconMode);
-    grid_->setIconSize(QSize(160, 160));
+    grid_->setIconSize(QSize(kCellSize, kCellSize));
     grid_->setGridSize(QSize(180, 200));
     grid_->setResizeMode(QListView::Adjust);
     grid_->setMovement(QListView::Snap);
@@ -150,7 +158,19 @@ void MainWindow::choosePhotos() {
         this, tr("*** Choose your photos ***"), QString(),
         tr("Photos (*.png *.jpg *.jpeg *.tif *.tiff *.PNG *.JPG *.JPEG *.TIF *.TIFF)"));
     if (files.isEmpty()) return;
+    // Names, captions and sizes come from the headers at once; the cell images follow from a
+    // worker, so the window stays responsive on large selections.
     collection_->appendPhotos(files, ui_);
+    auto* cells = new QFutureWatcher<std::pair<QUrl, QImage>>(this);
+    connect(cells, &QFutureWatcherBase::resultReadyAt, this, [this, cells](int i) {
+        const auto& [url, image] = cells->resultAt(i);
+        collection_->setCellImage(url, image);
+    });
+    connect(cells, &QFutureWatcherBase::finished, cells, &QObject::deleteLater);
+    cells->setFuture(QtConcurrent::mapped(files, [](const QString& path) {
+        return std::pair{QUrl::fromLocalFile(QFileInfo(path).absoluteFilePath()),
+                         makeCellImage(path, kCellSize)};
+    }));
 }
 
 void MainWindow::removeSelected() {

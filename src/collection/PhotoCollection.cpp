@@ -39,16 +39,15 @@ int PhotoCollection::appendPhotos(const QStringList& paths, UserInterface* ui) {
     for (const QString& path : paths) {
         if (ui) ui->progressStep(step);
         const mMeta meta;
-        mMeta::ImageSourcePtr captionSource = meta.getMyImageSource(path);
-        if (!captionSource) {
+        // One header read serves both: the size first, then the caption, which consumes it.
+        mMeta::ImageSourcePtr source = meta.getMyImageSource(path);
+        if (!source) {
             klLog() << QStringLiteral("skipped %1: %2").arg(path, unreadableReason(path));
             continue;
         }
-        const QString caption = meta.hGetExifUcFromSource(std::move(captionSource),
-                                                          QStringLiteral("EXIF User Comment"));
-        const mMeta::ImageSourcePtr sizeSource = meta.getMyImageSource(path);
-        const QList<qint64> size =
-            sizeSource ? meta.hGetPixelFormatFromSource(*sizeSource) : QList<qint64>();
+        const QList<qint64> size = meta.hGetPixelFormatFromSource(*source);
+        const QString caption =
+            meta.hGetExifUcFromSource(std::move(source), QStringLiteral("EXIF User Comment"));
         if (size.size() < 2 || size[0] <= 0 || size[1] <= 0) {
             klLog() << QStringLiteral("skipped %1: no pixel size").arg(path);
             continue;
@@ -180,6 +179,15 @@ void PhotoCollection::setDescription(int row, const QString& description) {
     records_[row].myPhotoDescription = description;
     const QModelIndex changed = index(row);
     Q_EMIT dataChanged(changed, changed, {DescriptionRole});
+}
+
+void PhotoCollection::setCellImage(const QUrl& url, const QImage& image) {
+    for (int row = 0; row < count(); ++row) {
+        if (records_[row].myPhotoURL != url || !records_[row].myPhoto.isNull()) continue;
+        records_[row].myPhoto = image;
+        const QModelIndex changed = index(row);
+        Q_EMIT dataChanged(changed, changed, {Qt::DecorationRole});
+    }
 }
 
 QList<PhotoEntry> PhotoCollection::hGetPhotosFromArrayController() const {

@@ -63,6 +63,9 @@ public:
     void setSelect(int row, bool publish);
     void setHighlight(int row, bool highlight);
     void setDescription(int row, const QString& description);
+    // Gives the cell image to the records of that photo that have none yet (images made on
+    // another thread arrive here).
+    void setCellImage(const QUrl& url, const QImage& image);
 
     int count() const { return int(records_.size()); }
     // The count as the window shows it ("%ld").
