@@ -11,6 +11,7 @@
 #include <vips/vips8>
 
 #include "imaging/VipsRuntime.h"
+#include "metadata/mMeta.h"
 #include "services/Log.h"
 
 using vips::VError;
@@ -160,6 +161,13 @@ QString save(const VImage& image, const QString& path, const QString& typeIdenti
             out.jpegsave(name.constData(), VImage::option()->set("Q", jpegQuality));
         } else if (tiff) {
             out.tiffsave(name.constData());
+            // The TIFF writer stores no EXIF of its own: add the block the image carries.
+            if (keepMetadata && out.get_typeof("exif-data") != 0) {
+                size_t length = 0;
+                const void* block = out.get_blob("exif-data", &length);
+                mMeta::writeExifBlock(temporary,
+                                      QByteArray(static_cast<const char*>(block), qsizetype(length)));
+            }
         } else if (typeIdentifier == u"public.png") {
             out.pngsave(name.constData());
         } else if (typeIdentifier == u"com.compuserve.gif") {

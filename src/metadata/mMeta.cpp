@@ -524,6 +524,36 @@ QList<MetaTreeNode> mMeta::hiDoNothing(const QString& path) {
     return myVarTree;
 }
 
+bool mMeta::writeExifBlock(const QString& path, const QByteArray& block) {
+    startExiv2Once();
+    // libvips keeps EXIF as the JPEG APP1 payload: "Exif\0\0", then the TIFF structure.
+    const QByteArray tiff = block.startsWith(QByteArrayLiteral("Exif\0\0")) ? block.mid(6) : block;
+    if (tiff.isEmpty()) return false;
+    try {
+        Exiv2::ExifData incoming;
+        Exiv2::ExifParser::decode(incoming, reinterpret_cast<const Exiv2::byte*>(tiff.constData()),
+                                  uint32_t(tiff.size()));
+        Exiv2::Image::AutoPtr image = openImage(path);
+        if (!image.get() || !writesExif(*image)) return false;
+        image->readMetadata();
+        // The file's own tags (size, strips, compression) stay as its writer made them; the
+        // embedded thumbnail of a JPEG has no place in another file.
+        Exiv2::ExifData merged = image->exifData();
+        for (const Exiv2::Exifdatum& datum : incoming) {
+            if (datum.groupName() == "Thumbnail") continue;
+            if (merged.findKey(Exiv2::ExifKey(datum.key())) == merged.end()) merged.add(datum);
+        }
+        image->setExifData(merged);
+        image->writeMetadata();
+        return true;
+    } catch (const std::exception& e) {
+        klLog() << "EXIF of" << path << "not written:" << e.what();
+    } catch (...) {
+        klLog() << "EXIF of" << path << "not written";
+    }
+    return false;
+}
+
 QString mMeta::hSetExifData(const QString& path, const QString& comment) const {
     const ImageSourcePtr source = getMyImageSource(path);
     if (!source) return kFailed;

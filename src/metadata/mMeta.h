@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -59,6 +60,9 @@ public:
     // Writes the EXIF user comment into the file (creating the EXIF block when missing), through a
     // temporary file and a rename. "OK" or "Failed".
     QString hSetExifData(const QString& path, const QString& comment) const;
+    // Writes a whole EXIF block (as a JPEG carries it, "Exif\0\0" first) into the file in place,
+    // keeping the file's own image structure tags. For writers that cannot store EXIF themselves.
+    static bool writeExifBlock(const QString& path, const QByteArray& block);
 
     QList<MetaTreeNode> myVarTree;
     QString tfExifUserComment;
