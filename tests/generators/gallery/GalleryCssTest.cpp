@@ -1,606 +1,239 @@
-// The two gallery stylesheets, written out here from the rules of the format, rule by rule.
+// The two gallery stylesheets, written out here from the rules of the format: one whole text per
+// model, then the pieces that each setting branch changes.
 #include <gtest/gtest.h>
 
-#include <QDir>
-#include <QFile>
+#include <array>
+#include <utility>
+#include <vector>
 
 #include "generators/gallery/cCssCreate.h"
 #include "generators/gallery/cResponsiveDesign.h"
-#include "support/TestSupport.h"
 
 namespace {
 
+// The 42 style settings in their call order.
 GalleryCssArgs sampleArgs() {
-    GalleryCssArgs a;
-    a.backgroundColor = "#101010";
-    a.headingText = "Heading";
-    a.fileNameAlign = "left";
-    a.fileNameWeight = "900";
-    a.captionAlign = "right";
-    a.captionWeight = "400";
-    a.headingFontSize = "32px";
-    a.captionFontSize = "12px";
-    a.headingWeight = "300";
-    a.headingColor = "#202020";
-    a.destination = "/nowhere/";
-    a.photoNameColor = "#303030";
-    a.fileNameFontSize = "14px";
-    a.captionColor = "#404040";
-    a.headingAlign = "center";
-    a.cellBackgroundColor = "#505050";
-    a.fontFamily = "Exo 2";
-    a.widthList = {"24.000000", "48.000000", "49.999989", "49.999989", "100"};
-    a.thumbnailBorderThickness = "0";
-    a.thumbnailColor = "606060";
-    a.thumbnailBorderRadius = "7";
-    a.patternOn = 0;
-    a.patternFileName = "p.png";
-    a.patternScale = "30";
-    a.patternOpacity = "0.4";
-    a.thumbnailShadowThickness = "5";
-    a.thumbnailShadowXOffset = "1";
-    a.thumbnailShadowYOffset = "2";
-    a.thumbnailShadowColor = "707070";
-    a.boxColor = "808080";
-    a.boxRadius = "9";
-    a.boxThickness = "3";
-    a.boxShadowThickness = "11";
-    a.boxShadowXOffset = "12";
-    a.boxShadowYOffset = "13";
-    a.lightboxShadowColor = "909090";
-    a.magnifyOnHover = 0;
-    a.thumbnailCropWidth = 200;
-    a.thumbnailCropHeight = 150;
-    a.lightboxBackgroundColor = CssRgb::fromHex("FF8000");
-    a.lightboxBackgroundOpacity = "0.85";
-    a.thumbnailAction = 0;
-    return a;
+    // clang-format off
+    return {"#101010", "Heading", "left", "900", "right", "400", "32px", "12px", "300", "#202020",
+            "/nowhere/", "#303030", "14px", "#404040", "center", "#505050", "Exo 2",
+            {"24.000000", "48.000000", "49.999989", "49.999989", "100"}, "0", "606060", "7", 0,
+            "p.png", "30", "0.4", "5", "1", "2", "707070", "808080", "9", "3", "11", "12", "13",
+            "909090", 0, 200, 150, CssRgb::fromHex("FF8000"), "0.85", 0};
+    // clang-format on
 }
 
-const char* const kFont = "font-family: 'Exo 2', sans-serif;\n";
-
-QString f(const char* text) {
-    return QString::fromUtf8(text).replace("[font]", kFont);
+// "|" stands for a line feed and "[f]" for the font line of the family "Exo 2".
+QString css(const char* text) {
+    return QString::fromUtf8(text).replace('|', '\n').replace(
+        "[f]", "font-family: 'Exo 2', sans-serif;\n");
 }
 
 // Photo name to responsive cell: the same in both models.
-const char* const kTextAndCell = R"(div.klOVphotoname {
-[font]padding: 1%;
-text-align:left;
-font-weight:900;
-}
-
-div.klOVdescription {
-[font]padding: 1%;
-color:#404040;
-text-align:right;
-font-weight:400;
-}
-
-* {
-box-sizing: border-box;
-}
-
-.klOVimg {
-[font]background-color:606060;
-}
-
-.klOVresponsive {
-[font]padding: 0.5%;
-float: left;
-width: 24.99999%;
-}
-
-)";
+const char* const kTextAndCell =
+    R"(div.klOVphotoname {|[f]padding: 1%;|text-align:left;|font-weight:900;|}||)"
+    R"(div.klOVdescription {|[f]padding: 1%;|color:#404040;|text-align:right;|font-weight:400;|)"
+    R"(}||* {|box-sizing: border-box;|}||.klOVimg {|[f]background-color:606060;|}||)"
+    R"(.klOVresponsive {|[f]padding: 0.5%;|float: left;|width: 24.99999%;|}||)";
 
 // Page navigation to the end: the same in both models.
-const char* const kNavigationAndLightbox = R"(.klOVpageNav {
-[font]font-weight:900;
-color:#9595BA;
-font-size:medium;
-color:#000000;
-}
+const char* const kNavigationAndLightbox =
+    R"(.klOVpageNav {|[f]font-weight:900;|color:#9595BA;|font-size:medium;|color:#000000;|}||)"
+    R"(div.klOVpageNav {|[f]font-weight:900;|color:#9595BA;|font-size:medium;|color:#000000;|}||)"
+    R"(.klOVtitle {|[f]font-size:32px;|font-weight:300;|color:#202020;|text-align:center;|}||)"
+    R"(.klOVphotoname {|[f]padding: 1%;|color:#303030;|text-align:left;|font-size:14px;|)"
+    R"(font-weight:900;|display:block;|margin-top:5px;|}||)"
+    R"(.klOVdescription {|[f]padding: 1%;|color:#404040;|text-align:right;|font-size:12px;|)"
+    R"(font-weight:400;|}|#navBar a {|display: inline-block;|padding: 1px 4px;|)"
+    R"(border: 1px solid #CCCCCC;|border-radius: 4px 4px 4px 4px;|color: #111111;|)"
+    R"(background-color:#FFFFFF;|}||/* light box */|.klOVlightbox{|cursor: pointer;|)"
+    R"(position: fixed;|width: 100%;|height: 100%;|top: 0;|left: 0;|)"
+    R"(background-color: rgba(255.000000,128.000000,0.000000,0.85);|)"
+    R"(-webkit-filter: none !important;|z-index: 9997;|}||)"
+    R"(.klOVlightbox img {|display: block;|position: absolute;|border: 3px solid #808080;|)"
+    R"(box-shadow: 12px 13px 11px #909090;|border-radius: 9px;|}||)"
+    R"(body.blurred > * {|-webkit-filter: blur(2px);|}||)"
+    R"(.klOVlightbox_loading {|background: url(loading.gif) center center no-repeat;|)"
+    R"(width: 32px;|height: 32px;|margin: -16px 0 0 -16px;|position: absolute;|top: 50%;|)"
+    R"(left: 50%;|}||.klOVlightbox_caption {|display: none;|position: absolute;|left: 0;|)"
+    R"(bottom: 0;|width: 100%;|text-align: center;|z-index: 9998;|)"
+    R"(background: rgba(0, 0, 0, 0.7);|}||.klOVlightbox_caption p {|margin: 0 auto;|)"
+    R"(max-width: 70%;|display: inline-block;|*display: inline;|zoom: 1;|padding: 10px;|)"
+    R"(color: #fff;|font-size: 12px;|line-height: 18px;|font-family: 'Roboto', sans-serif;|}||)"
+    R"(.klOVlightbox_button {|position: absolute;|z-index: 9999;|)"
+    R"(background: no-repeat center center;|width: 32px;|height: 32px;|opacity: 0.4;|)"
+    R"(-webkit-transition: all 0.3s;|-moz-transition: all 0.3s;|-ms-transition: all 0.3s;|)"
+    R"(transition: all 0.3s;|}||.klOVlightbox_button:hover,|.klOVlightbox_button:focus {|)"
+    R"(opacity: 1;|-webkit-transform: scale(1.4);|-moz-transform: scale(1.4);|)"
+    R"(-ms-transform: scale(1.4);|transform: scale(1.4);|}||)"
+    R"(.klOVlightbox_close {|right: 10px;|top: 10px;|)"
+    R"(background-image: url("../KLovlightbox/close.png");|}||)"
+    R"(.klOVlightbox_nav {|top: 50%;|margin-top: -16px;|}||)"
+    R"(.klOVlightbox_nav_next {|right: 10px;|background-image: url("../KLovlightbox/next.png");|)"
+    R"(}||.klOVlightbox_nav_prev {|left: 10px;|)"
+    R"(background-image: url("../KLovlightbox/previous.png");|}||)";
 
-div.klOVpageNav {
-[font]font-weight:900;
-color:#9595BA;
-font-size:medium;
-color:#000000;
-}
+const char* const kContainer =
+    R"(@charset "UTF-8"||.KLovTableBased-container {|height: 100%;|z-index: 2;|}|)"
+    R"(.KLovTableBased-container::after {|content: "";|)";
 
-.klOVtitle {
-[font]font-size:32px;
-font-weight:300;
-color:#202020;
-text-align:center;
-}
+const char* const kTableHead =
+    R"(top: 0;|left: 0;|position: fixed;|z-index: -1;|width: 100%;|height: 100%;|)"
+    R"(background-color:#101010;}||.klSsPatternBox {|content: "";|top: 0;|left: 0;|)"
+    R"(position: absolute;|display: block;|width: 100%;|height: 100%;|}||)"
+    R"(body, html {|height: 100%;|}||div.klOVimg {|[f]background-color:#505050;|}||)"
+    R"(div.klOVimg img {|[f]max-width: 100%;|max-height: 150px;|border-radius:7px;|)"
+    R"(display:block;|margin:auto;|}||.klOVimg img {|[f]width: 100%;|height: auto;|)"
+    R"(box-shadow: 1px 2px 5px #707070;|}||)";
 
-.klOVphotoname {
-[font]padding: 1%;
-color:#303030;
-text-align:left;
-font-size:14px;
-font-weight:900;
-display:block;
-margin-top:5px;
-}
+const char* const kGridHead =
+    R"(top: 0;|left: 0;|position: fixed;|z-index: -1;|width: 100%;|height: 100%;|)"
+    R"(background-color:#101010;}||body, html {|height: 100%;|padding: 1rem;|}||)"
+    R"(div.klOVimg {|[f]background-color:#505050;|}||.klOVimg {|display: block;|width: 90%;|)"
+    R"(margin-left: auto;|margin-right: auto;|}||img {|display:block;|max-width: 100%;|)"
+    R"(max-height: 100%;|}||.klOVimages {|max-width: 100%;|margin: 0 auto;|display: grid;|)"
+    R"(grid-gap: 1rem;|align-items: center;|}||.klOVimg {|[f]background-color:606060;|)"
+    R"(height: 150px;|}||.klOVimg img {|[f]box-shadow: 1px 2px 5px #707070;|}||)";
 
-.klOVdescription {
-[font]padding: 1%;
-color:#404040;
-text-align:right;
-font-size:12px;
-font-weight:400;
-}
-#navBar a {
-display: inline-block;
-padding: 1px 4px;
-border: 1px solid #CCCCCC;
-border-radius: 4px 4px 4px 4px;
-color: #111111;
-background-color:#FFFFFF;
-}
+const char* const kMagnifyTail =
+    R"(object-fit: cover;|opacity: 1;|transition: 0.5s;|-webkit-transition: 0.3s;|)"
+    R"(-moz-transition: 0.3s;|}||.klOVimg img:hover {|transform: scale(1.5);|)"
+    R"(border-top-left-radius: 5px;|border-top-right-radius: 5px;|)"
+    R"(border-bottom-left-radius: 5px;|border-bottom-right-radius: 5px;|}||div.klOVphotoname {)";
 
-/* light box */
-.klOVlightbox{
-cursor: pointer;
-position: fixed;
-width: 100%;
-height: 100%;
-top: 0;
-left: 0;
-background-color: rgba(255.000000,128.000000,0.000000,0.85);
--webkit-filter: none !important;
-z-index: 9997;
-}
-
-.klOVlightbox img {
-display: block;
-position: absolute;
-border: 3px solid #808080;
-box-shadow: 12px 13px 11px #909090;
-border-radius: 9px;
-}
-
-body.blurred > * {
--webkit-filter: blur(2px);
-}
-
-.klOVlightbox_loading {
-background: url(loading.gif) center center no-repeat;
-width: 32px;
-height: 32px;
-margin: -16px 0 0 -16px;
-position: absolute;
-top: 50%;
-left: 50%;
-}
-
-.klOVlightbox_caption {
-display: none;
-position: absolute;
-left: 0;
-bottom: 0;
-width: 100%;
-text-align: center;
-z-index: 9998;
-background: rgba(0, 0, 0, 0.7);
-}
-
-.klOVlightbox_caption p {
-margin: 0 auto;
-max-width: 70%;
-display: inline-block;
-*display: inline;
-zoom: 1;
-padding: 10px;
-color: #fff;
-font-size: 12px;
-line-height: 18px;
-font-family: 'Roboto', sans-serif;
-}
-
-.klOVlightbox_button {
-position: absolute;
-z-index: 9999;
-background: no-repeat center center;
-width: 32px;
-height: 32px;
-opacity: 0.4;
--webkit-transition: all 0.3s;
--moz-transition: all 0.3s;
--ms-transition: all 0.3s;
-transition: all 0.3s;
-}
-
-.klOVlightbox_button:hover,
-.klOVlightbox_button:focus {
-opacity: 1;
--webkit-transform: scale(1.4);
--moz-transform: scale(1.4);
--ms-transform: scale(1.4);
-transform: scale(1.4);
-}
-
-.klOVlightbox_close {
-right: 10px;
-top: 10px;
-background-image: url("../KLovlightbox/close.png");
-}
-
-.klOVlightbox_nav {
-top: 50%;
-margin-top: -16px;
-}
-
-.klOVlightbox_nav_next {
-right: 10px;
-background-image: url("../KLovlightbox/next.png");
-}
-
-.klOVlightbox_nav_prev {
-left: 10px;
-background-image: url("../KLovlightbox/previous.png");
-}
-
-)";
-
-const char* const kTableHead = R"(@charset "UTF-8"
-
-.KLovTableBased-container {
-height: 100%;
-z-index: 2;
-}
-.KLovTableBased-container::after {
-content: "";
-top: 0;
-left: 0;
-position: fixed;
-z-index: -1;
-width: 100%;
-height: 100%;
-background-color:#101010;}
-
-.klSsPatternBox {
-content: "";
-top: 0;
-left: 0;
-position: absolute;
-display: block;
-width: 100%;
-height: 100%;
-}
-
-body, html {
-height: 100%;
-}
-
-div.klOVimg {
-[font]background-color:#505050;
-}
-
-div.klOVimg img {
-[font]max-width: 100%;
-max-height: 150px;
-border-radius:7px;
-display:block;
-margin:auto;
-}
-
-.klOVimg img {
-[font]width: 100%;
-height: auto;
-box-shadow: 1px 2px 5px #707070;
-}
-
-)";
-
-const char* const kTableBreakpoints = R"(@media only screen and (max-width: 6000px){
-.klOVresponsive {
-width: 24.000000%;
-margin: 1% 0;
-}
-}
-@media only screen and (max-width: 2000px){
-.klOVresponsive {
-width: 24.000000%;
-margin: 1% 0;
-}
-}
-@media only screen and (max-width: 1242px){
-.klOVresponsive {
-width: 48.000000%;
-margin: 1% 0;
-}
-}
-@media only screen and (max-width: 1000px){
-.klOVresponsive {
-width: 49.999989%;
-margin: 1% 0;
-}
-}
-@media only screen and (max-width: 750px){
-.klOVresponsive {
-width: 49.999989%;
-margin: 1% 0;
-}
-}
-@media only screen and (max-width: 640px){
-.klOVresponsive {
-width: 100%;
-
-content: "";
-display: table;
-clear: both;
-}
-}
-)";
-
-const char* const kGridHead = R"(@charset "UTF-8"
-
-.KLovTableBased-container {
-height: 100%;
-z-index: 2;
-}
-.KLovTableBased-container::after {
-content: "";
-top: 0;
-left: 0;
-position: fixed;
-z-index: -1;
-width: 100%;
-height: 100%;
-background-color:#101010;}
-
-body, html {
-height: 100%;
-padding: 1rem;
-}
-
-div.klOVimg {
-[font]background-color:#505050;
-}
-
-.klOVimg {
-display: block;
-width: 90%;
-margin-left: auto;
-margin-right: auto;
-}
-
-img {
-display:block;
-max-width: 100%;
-max-height: 100%;
-}
-
-.klOVimages {
-max-width: 100%;
-margin: 0 auto;
-display: grid;
-grid-gap: 1rem;
-align-items: center;
-}
-
-.klOVimg {
-[font]background-color:606060;
-height: 150px;
-}
-
-.klOVimg img {
-[font]box-shadow: 1px 2px 5px #707070;
-}
-
-)";
-
-QString gridBreakpoints(int k400, int k700, int k1000, int k1300, int k1600) {
+// The max-width breakpoints of the table model for the 4-column width list; thumbnail action 1
+// adds the height lines.
+QString tableBreakpoints(bool heights) {
+    const std::pair<const char*, const char*> steps[] = {{"6000px", "24.000000"},
+                                                         {"2000px", "24.000000"},
+                                                         {"1242px", "48.000000"},
+                                                         {"1000px", "49.999989"},
+                                                         {"750px", "49.999989"}};
     QString s;
-    const std::pair<const char*, int> steps[] = {
-        {"400px", k400}, {"700px", k700}, {"1000px", k1000}, {"1300px", k1300}, {"1600px", k1600}};
-    for (const auto& [width, k] : steps)
+    for (const auto& [n, w] : steps) {
+        s += QString("@media only screen and (max-width: ") + n +
+             "){\n.klOVresponsive {\nwidth: " + w + "%;\n";
+        if (heights) s += QString(n == steps[0].first ? "" : "max-") + "height: " + w + "%;\n";
+        s += "margin: 1% 0;\n}\n}\n";
+    }
+    return s + "@media only screen and (max-width: 640px){\n.klOVresponsive {\nwidth: 100%;\n" +
+           (heights ? "max-height: 100%;\n" : "") +
+           "\ncontent: \"\";\ndisplay: table;\nclear: both;\n}\n}\n";
+}
+
+QString gridBreakpoints(std::array<int, 5> k) {
+    const char* widths[] = {"400px", "700px", "1000px", "1300px", "1600px"};
+    QString s;
+    for (int i = 0; i < 5; ++i)
         s += QStringLiteral(
                  "@media (min-width: %1) {\n.klOVimages { grid-template-columns: "
                  "repeat(%2, 1fr); }}\n\n")
-                 .arg(width)
-                 .arg(k);
+                 .arg(widths[i])
+                 .arg(k[i]);
     return s;
 }
 
-const char* const kMagnifyTail = R"(object-fit: cover;
-opacity: 1;
-transition: 0.5s;
--webkit-transition: 0.3s;
--moz-transition: 0.3s;
-}
-
-.klOVimg img:hover {
-transform: scale(1.5);
-border-top-left-radius: 5px;
-border-top-right-radius: 5px;
-border-bottom-left-radius: 5px;
-border-bottom-right-radius: 5px;
-}
-
-)";
-
 }  // namespace
 
-TEST(GalleryCss, TableModelWholeText) {
-    const QString expected =
-        f(kTableHead) + f(kTextAndCell) + f(kTableBreakpoints) + f(kNavigationAndLightbox);
-    EXPECT_EQ(cCssCreate::tableCssText(sampleArgs()).toStdString(), expected.toStdString());
+TEST(GalleryCss, WholeTextOfEachModel) {
+    EXPECT_EQ(cCssCreate::tableCssText(sampleArgs()).toStdString(),
+              (css(kContainer) + css(kTableHead) + css(kTextAndCell) + tableBreakpoints(false) +
+               css(kNavigationAndLightbox))
+                  .toStdString());
+    EXPECT_EQ(cCssCreate::gridCssText(sampleArgs(), 4).toStdString(),
+              (css(kContainer) + css(kGridHead) + css(kTextAndCell) +
+               gridBreakpoints({2, 2, 3, 4, 4}) + css(kNavigationAndLightbox))
+                  .toStdString());
 }
 
-TEST(GalleryCss, TableModelIsWrittenToTheCssFolder) {
-    GalleryCssArgs a = sampleArgs();
-    a.destination = testsupport::freshDir("css-write");
-    QDir().mkpath(a.destination + "KLcss");
-    cCssCreate().hCreateCss(a);
-    QFile file(a.destination + "KLcss/klGScss.css");
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_EQ(QString::fromUtf8(file.readAll()), cCssCreate::tableCssText(a));
-}
-
-TEST(GalleryCss, TablePatternOnAddsBeforeRule) {
-    GalleryCssArgs a = sampleArgs();
-    a.patternOn = 1;
-    const QString css = cCssCreate::tableCssText(a);
-    EXPECT_TRUE(css.contains(R"(position: fixed;
-z-index: -10;
-width: 100%;
-height: 100%;
-background-color:#101010;}
-
-.KLovTableBased-container::before {
-content: "";
-top: 0;
-left: 0;
-position: fixed;
-width: 100%;
-height: 100%;
-background-image: url(../KLovPatterns/p.png);
-background-repeat: repeat;
-background-size: 30%;
-opacity: 0.4;}
-
-.klSsPatternBox {
-)"));
-    EXPECT_FALSE(cCssCreate::tableCssText(sampleArgs()).contains("::before"));
-    EXPECT_FALSE(cCssCreate::tableCssText(sampleArgs()).contains("p.png"));
-}
-
-TEST(GalleryCss, TableMagnifyOnAndBorder) {
-    GalleryCssArgs a = sampleArgs();
-    a.magnifyOnHover = 1;
-    a.thumbnailBorderThickness = "2";
-    const QString css = cCssCreate::tableCssText(a);
-    EXPECT_TRUE(css.contains(f(R"(div.klOVimg img {
-[font]max-width: 100%;
-max-height: 150px;
-border-radius:7px;
-border:2px solid #606060;
-display:block;
-margin:auto;
-}
-
-.klOVimg img {
-[font]max-width: auto;
-max-height: auto;
-border:2px solid #606060;
-box-shadow: 1px 2px 5px #707070;
-)") + kMagnifyTail + "div.klOVphotoname {"));
-    // An empty thickness writes no border either.
-    a.thumbnailBorderThickness = "";
-    EXPECT_FALSE(cCssCreate::tableCssText(a).contains("solid #606060"));
-}
-
-TEST(GalleryCss, TableThumbnailActionOneAddsHeights) {
-    GalleryCssArgs a = sampleArgs();
-    a.thumbnailAction = 1;
-    const QString css = cCssCreate::tableCssText(a);
-    EXPECT_TRUE(css.contains("width: 24.99999%;\nheight: 24.99999%;\n}\n\n"));
-    EXPECT_TRUE(
-        css.contains("(max-width: 6000px){\n.klOVresponsive {\nwidth: 24.000000%;\n"
-                     "height: 24.000000%;\nmargin: 1% 0;\n}\n}\n"));
-    EXPECT_TRUE(
-        css.contains("(max-width: 2000px){\n.klOVresponsive {\nwidth: 24.000000%;\n"
-                     "max-height: 24.000000%;\nmargin: 1% 0;\n}\n}\n"));
-    EXPECT_TRUE(
-        css.contains("(max-width: 1242px){\n.klOVresponsive {\nwidth: 48.000000%;\n"
-                     "max-height: 48.000000%;\nmargin: 1% 0;\n}\n}\n"));
-    EXPECT_TRUE(
-        css.contains("(max-width: 750px){\n.klOVresponsive {\nwidth: 49.999989%;\n"
-                     "max-height: 49.999989%;\nmargin: 1% 0;\n}\n}\n"));
-    EXPECT_TRUE(
-        css.contains("(max-width: 640px){\n.klOVresponsive {\nwidth: 100%;\n"
-                     "max-height: 100%;\n\ncontent: \"\";\n"));
-}
-
-TEST(GalleryCss, FontLinesByFamily) {
-    const std::vector<std::pair<QString, QString>> cases = {
-        {"Catamaran", "font-family: 'Catamaran', sans-serif;\n"},
-        {"Libre Franklin", "font-family: 'Libre Franklin', sans-serif;\n"},
-        {"Taviraj", "font-family: 'Taviraj', sans-serif;\n"},
-        {"Trirong", "font-family: 'Trirong', serif;\n"},
-        {"Comic Sans", "font-family: 'Trirong', serif;\n"},
-        {"", "font-family: 'Trirong', serif;\n"},
-    };
-    for (const auto& [family, line] : cases)
-        EXPECT_EQ(cCssCreate::fontLine(family), line) << family.toStdString();
-}
-
-TEST(GalleryCss, GridModelWholeText) {
-    const QString expected =
-        f(kGridHead) + f(kTextAndCell) + gridBreakpoints(2, 2, 3, 4, 4) + f(kNavigationAndLightbox);
-    EXPECT_EQ(cCssCreate::gridCssText(sampleArgs(), 4).toStdString(), expected.toStdString());
-}
-
-TEST(GalleryCss, GridColumnBreakpoints) {
+TEST(GalleryCss, EachBranchChangesItsPiece) {
     struct Case {
-        int columns;
-        int k[5];
+        const char* label;
+        void (*change)(GalleryCssArgs&);
+        bool grid;
+        QString present;
+        const char* absent;
     };
-    const Case cases[] = {{1, {1, 1, 1, 1, 1}},
-                          {2, {2, 1, 2, 2, 2}},
-                          {3, {1, 2, 2, 3, 3}},
-                          {6, {2, 3, 4, 5, 6}},
-                          {12, {4, 6, 8, 10, 12}}};
+    const Case cases[] = {
+        {"table pattern", [](GalleryCssArgs& a) { a.patternOn = 1; }, false,
+         css(R"(position: fixed;|z-index: -10;|width: 100%;|height: 100%;|)"
+             R"(background-color:#101010;}||.KLovTableBased-container::before {|content: "";|)"
+             R"(top: 0;|left: 0;|position: fixed;|width: 100%;|height: 100%;|)"
+             R"(background-image: url(../KLovPatterns/p.png);|background-repeat: repeat;|)"
+             R"(background-size: 30%;|opacity: 0.4;}||.klSsPatternBox {|)"),
+         nullptr},
+        {"grid pattern", [](GalleryCssArgs& a) { a.patternOn = 1; }, true,
+         css(R"(::after {|content: "";|background-image: url(../KLovPatterns/p.png);|)"
+             R"(background-repeat: repeat;|background-size: 30%;|opacity: 0.4;|top: 0;|left: 0;|)"
+             R"(position: fixed;|z-index: -1;|width: 100%;|height: 100%;|)"
+             R"(background-color:#101010;}||body, html {|)"),
+         "::before"},
+        {"table magnify and border",
+         [](GalleryCssArgs& a) {
+             a.magnifyOnHover = 1;
+             a.thumbnailBorderThickness = "2";
+         },
+         false,
+         css(R"(border-radius:7px;|border:2px solid #606060;|display:block;|margin:auto;|}||)"
+             R"(.klOVimg img {|[f]max-width: auto;|max-height: auto;|border:2px solid #606060;|)"
+             R"(box-shadow: 1px 2px 5px #707070;|)") +
+             css(kMagnifyTail),
+         nullptr},
+        {"grid magnify and border",
+         [](GalleryCssArgs& a) {
+             a.magnifyOnHover = 1;
+             a.thumbnailBorderThickness = "4";
+         },
+         true,
+         css(R"(align-items: center;|}||.klOVimg img {|[f]border:4px solid #606060;|)"
+             R"(box-shadow: 1px 2px 5px #707070;|)") +
+             css(kMagnifyTail),
+         "height: 150px;"},
+        {"empty border", [](GalleryCssArgs& a) { a.thumbnailBorderThickness = ""; }, false,
+         css("border-radius:7px;|display:block;|"), "solid #606060"},
+        {"table action 1", [](GalleryCssArgs& a) { a.thumbnailAction = 1; }, false,
+         css("width: 24.99999%;|height: 24.99999%;|}||") + tableBreakpoints(true) + ".klOVpageNav",
+         nullptr},
+        {"grid action 1", [](GalleryCssArgs& a) { a.thumbnailAction = 1; }, true,
+         css("width: 24.99999%;|height: 24.99999%;|}||@media (min-width: 400px)"), nullptr},
+    };
     for (const Case& c : cases) {
-        const QString css = cCssCreate::gridCssText(sampleArgs(), c.columns);
-        EXPECT_TRUE(css.contains(gridBreakpoints(c.k[0], c.k[1], c.k[2], c.k[3], c.k[4])))
-            << c.columns;
+        GalleryCssArgs a = sampleArgs();
+        c.change(a);
+        const QString text = c.grid ? cCssCreate::gridCssText(a, 4) : cCssCreate::tableCssText(a);
+        EXPECT_TRUE(text.contains(c.present)) << c.label;
+        EXPECT_FALSE(c.absent && text.contains(c.absent)) << c.label;
     }
 }
 
-TEST(GalleryCss, GridPatternSharesThePseudoElement) {
-    GalleryCssArgs a = sampleArgs();
-    a.patternOn = 1;
-    const QString css = cCssCreate::gridCssText(a, 4);
-    EXPECT_TRUE(css.contains(R"(.KLovTableBased-container::after {
-content: "";
-background-image: url(../KLovPatterns/p.png);
-background-repeat: repeat;
-background-size: 30%;
-opacity: 0.4;
-top: 0;
-left: 0;
-position: fixed;
-z-index: -1;
-width: 100%;
-height: 100%;
-background-color:#101010;}
-
-body, html {
-)"));
-    EXPECT_FALSE(css.contains("::before"));
-    EXPECT_FALSE(css.contains("klSsPatternBox"));
-}
-
-TEST(GalleryCss, GridMagnifyOnDropsTheCellHeight) {
-    GalleryCssArgs a = sampleArgs();
-    a.magnifyOnHover = 1;
-    a.thumbnailBorderThickness = "4";
-    const QString css = cCssCreate::gridCssText(a, 4);
-    EXPECT_TRUE(css.contains(f(R"(align-items: center;
-}
-
-.klOVimg img {
-[font]border:4px solid #606060;
-box-shadow: 1px 2px 5px #707070;
-)") + kMagnifyTail + "div.klOVphotoname {"));
-    EXPECT_FALSE(css.contains("height: 150px;"));
-}
-
-TEST(GalleryCss, WidthListByColumns) {
-    const std::vector<std::pair<int, QStringList>> cases = {
+TEST(GalleryCss, ColumnsSetWidthsAndGridBreakpoints) {
+    const std::vector<std::pair<int, QStringList>> widths = {
         {1, {"24.999990", "49.999981", "49.999989", "49.999989", "100"}},
         {2, {"24.999990", "49.999981", "49.999989", "49.999989", "100"}},
         {3, {"24.999990", "49.999981", "49.999989", "49.999989", "100"}},
         {4, {"24.000000", "48.000000", "49.999989", "49.999989", "100"}},
         {5, {"19.000000", "38.000000", "49.999989", "49.999989", "100"}},
         {6, {"15.000000", "30.000000", "49.999989", "49.999989", "100"}},
-        {12, {"7.000000", "14.000000", "35.000000", "49.999989", "100"}},
-    };
-    for (const auto& [columns, widths] : cases)
-        EXPECT_EQ(cResponsiveDesign::widthList(columns), widths) << columns;
+        {12, {"7.000000", "14.000000", "35.000000", "49.999989", "100"}}};
+    for (const auto& [columns, list] : widths)
+        EXPECT_EQ(cResponsiveDesign::widthList(columns), list) << columns;
+    const std::vector<std::pair<int, std::array<int, 5>>> grids = {
+        {1, {1, 1, 1, 1, 1}}, {2, {2, 1, 2, 2, 2}}, {6, {2, 3, 4, 5, 6}}};
+    for (const auto& [columns, k] : grids)
+        EXPECT_TRUE(cCssCreate::gridCssText(sampleArgs(), columns).contains(gridBreakpoints(k)))
+            << columns;
+}
+
+TEST(GalleryCss, FontLinesAndWeights) {
+    for (const char* family : {"Catamaran", "Exo", "Libre Franklin", "Raleway", "Rubik", "Taviraj"})
+        EXPECT_EQ(cCssCreate::fontLine(family),
+                  QString("font-family: '%1', sans-serif;\n").arg(family));
+    for (const char* other : {"Trirong", "Comic Sans", ""})
+        EXPECT_EQ(cCssCreate::fontLine(other), "font-family: 'Trirong', serif;\n") << other;
+    const std::vector<std::pair<QString, QString>> weights = {{"Light", "300"},  {"Regular", "400"},
+                                                              {"Medium", "500"}, {"Bold", "700"},
+                                                              {"Black", "900"},  {"", "900"}};
+    for (const auto& [title, number] : weights) EXPECT_EQ(cResponsiveDesign::weight(title), number);
+    // The file-name weight "Bold" is tested against the mapped heading weight: always 900.
+    EXPECT_EQ(cResponsiveDesign::fileNameWeight("Bold", cResponsiveDesign::weight("Bold")), "900");
+    EXPECT_EQ(cResponsiveDesign::fileNameWeight("Light", "700"), "300");
 }
