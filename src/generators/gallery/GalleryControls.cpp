@@ -111,7 +111,7 @@ void registerGalleryControls(ControlRegistry& registry) {
     // Thumbnails.
     r.add("tfSmallCropWidth", K::Number, "200");
     r.add("tfSmallCropHeight", K::Number, "150");
-    r.add("pubPhotoRatio", K::PopupIndex, "5", {},
+    r.add("pubPhotoRatio", K::PopupIndex, "0", {},
           {"Free", "1:1", "3:2", "2:3", "3:1", "4:3", "3:4", "12:9", "16:9"});
     r.add("pubThumbAction", K::PopupIndex, "0", {},
           {"Scale and crop", "Scale by width and by height"});
