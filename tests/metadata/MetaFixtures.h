@@ -1,33 +1,38 @@
 #pragma once
 
-// Fixture images for the metadata tests: made by libvips, tagged by exiftool.
+// Fixtures shared by the metadata and command-line tests: images made by libvips, tagged by
+// exiftool or, for bytes exiftool will not write as they are, by Exiv2 in the test itself.
 
 #include <gtest/gtest.h>
 
-#include <QByteArray>
 #include <QFile>
-#include <QString>
-#include <QStringList>
+#include <vips/vips8>
 
+#include "imaging/VipsRuntime.h"
 #include "support/TestSupport.h"
 
 namespace metafixtures {
 
-// A small image of that size made by libvips; the extension picks the format. Options go to the
-// saver (such as "strip" or "profile=p3") in libvips' "[...]" file-name syntax.
-QString makeImage(const QString& path, int width = 40, int height = 30,
-                  const QString& options = QString(), int bands = 3);
+// A small grey image; the extension picks the format, `options` go to the saver ("strip",
+// "profile=p3") in libvips' "[...]" file-name syntax.
+inline QString makeImage(const QString& path, int width = 40, int height = 30,
+                         const QString& options = {}, int bands = 3) {
+    VipsRuntime::ensureStarted();
+    const QString target = options.isEmpty() ? path : path + u'[' + options + u']';
+    (vips::VImage::black(width, height, vips::VImage::option()->set("bands", bands)) + 120)
+        .cast(VIPS_FORMAT_UCHAR)
+        .write_to_file(target.toUtf8().constData());
+    return path;
+}
 
-// Runs exiftool in place on the file; fails the test when exiftool reports an error.
+// Runs exiftool in place on the file (IPTC text as UTF-8).
 inline void tag(const QString& file, const QStringList& assignments) {
-    QString out, err;
-    const int code = testsupport::runProgram(
-        QStringLiteral("exiftool"),
-        QStringList{QStringLiteral("-q"), QStringLiteral("-overwrite_original"),
-                    QStringLiteral("-charset"), QStringLiteral("iptc=UTF8")} +
-            assignments + QStringList{file},
-        &out, &err);
-    ASSERT_EQ(code, 0) << err.toStdString();
+    QString err;
+    const QStringList options{"-q", "-overwrite_original", "-charset", "iptc=UTF8"};
+    EXPECT_EQ(testsupport::runProgram("exiftool", options + assignments + QStringList{file},
+                                      nullptr, &err),
+              0)
+        << err.toStdString();
 }
 
 inline QByteArray bytes(const QString& file) {

@@ -2,175 +2,87 @@
 
 #include <QDir>
 #include <QRandomGenerator>
-#include <atomic>
-#include <thread>
-#include <vector>
 
 #include "metadata/MetaFixtures.h"
 #include "metadata/mMeta.h"
 
-using metafixtures::makeImage;
+using namespace metafixtures;
+using testsupport::exiftool;
 
 namespace {
 
-const QStringList kAllNames = {
-    QStringLiteral("EXIF User Comment"),   QStringLiteral("EXIF Creation Date"),
-    QStringLiteral("IPTC Creator Title"),  QStringLiteral("IPTC Caption"),
-    QStringLiteral("IPTC Keyword"),        QStringLiteral("IPTC City"),
-    QStringLiteral("IPTC Caption Writer"), QStringLiteral("IPTC Copyrights"),
-    QStringLiteral("IPTC Country"),        QStringLiteral("IPTC Credits"),
-    QStringLiteral("IPTC Headline"),       QStringLiteral("IPTC Subject Code"),
-    QStringLiteral("IPTC State Province"), QStringLiteral("IPTC Description")};
-
-// Everything a reader can say about one file, in one text, for comparisons.
-QString readEverything(mMeta& meta, const QString& file) {
-    QStringList all;
-    for (const QString& name : kAllNames)
-        all << (name.startsWith(QStringLiteral("EXIF")) ? meta.hGetExifUc(file, name)
-                                                        : meta.hGetSomeIPTC(file, name));
-    all << meta.hGetPixelFormat(file).join(u'x') << meta.hGetColorProfile(file);
-    all << QString::number(meta.propTree(file).size());
-    return all.join(u'|');
-}
-
-QString vipsheader(const QString& file, const char* field) {
-    QString out;
-    testsupport::runProgram(QStringLiteral("vipsheader"),
-                            {QStringLiteral("-f"), QString::fromLatin1(field), file}, &out);
-    return out.trimmed();
-}
+const QStringList kNames = {"EXIF User Comment", "EXIF Creation Date", "IPTC City",
+                            "IPTC Keyword",      "IPTC Creator Title", "IPTC Description"};
 
 }  // namespace
 
 TEST(MetaRobustness, BadFilesReadEmptyAndAreNeverWritten) {
-    const QString dir = testsupport::freshDir(QStringLiteral("meta/bad"));
-    const QString good = makeImage(dir + QStringLiteral("good.jpg"), 400, 300);
-    metafixtures::tag(good,
-                      {QStringLiteral("-UserComment=Present"), QStringLiteral("-IPTC:City=Lyon")});
-    const QByteArray goodBytes = metafixtures::bytes(good);
-
-    const QString zero = dir + QStringLiteral("zero.jpg");
-    metafixtures::writeBytes(zero, QByteArray());
-    const QString truncated = dir + QStringLiteral("truncated.jpg");
-    const QStringList mate = testsupport::mateBackgroundJpegs();
-    metafixtures::writeBytes(truncated, mate.isEmpty()
-                                            ? goodBytes.left(300)
-                                            : metafixtures::bytes(mate.first()).left(1000));
-    const QString random = dir + QStringLiteral("random.jpg");
+    const QString dir = testsupport::freshDir("meta/bad");
+    const QString good = makeImage(dir + "good.jpg", 400, 300);
+    tag(good, {"-UserComment=Present", "-IPTC:City=Lyon"});
+    const QByteArray goodBytes = bytes(good);
     QByteArray noise(4096, '\0');
-    QRandomGenerator generator(42);
-    for (char& c : noise) c = char(generator.bounded(256));
-    metafixtures::writeBytes(random, noise);
-    const QString directory = dir + QStringLiteral("folder.jpg");
-    QDir().mkpath(directory);
-    const QString missing = dir + QStringLiteral("missing.jpg");
-    const QString textFile = dir + QStringLiteral("text.png");
-    metafixtures::writeBytes(textFile, "not a picture");
-    const QString headerOnly = dir + QStringLiteral("header-only.jpg");
-    metafixtures::writeBytes(headerOnly, goodBytes.left(20));
-
-    for (const QString& file :
-         {zero, truncated, random, directory, missing, textFile, headerOnly}) {
-        SCOPED_TRACE(file.toStdString());
-        const QByteArray before = metafixtures::bytes(file);
+    QRandomGenerator(42).fillRange(reinterpret_cast<quint32*>(noise.data()), noise.size() / 4);
+    const std::pair<QString, QByteArray> contents[] = {{"zero.jpg", {}},
+                                                       {"header-only.jpg", goodBytes.left(20)},
+                                                       {"random.jpg", noise},
+                                                       {"text.png", "not a picture"}};
+    for (const auto& [name, data] : contents) writeBytes(dir + name, data);
+    QDir().mkpath(dir + "x.jpg");
+    for (const QString name :
+         {"zero.jpg", "header-only.jpg", "random.jpg", "text.png", "x.jpg", "missing.jpg"}) {
+        SCOPED_TRACE(name.toStdString());
+        const QString file = dir + name;
+        const QByteArray before = bytes(file);
         mMeta meta;
-        for (const QString& name : kAllNames) {
-            EXPECT_EQ(meta.hGetExifUc(file, name), QString());
-            EXPECT_EQ(meta.hGetSomeIPTC(file, name), QString());
+        for (const QString& item : kNames) {
+            EXPECT_EQ(meta.hGetExifUc(file, item), QString());
+            EXPECT_EQ(meta.hGetSomeIPTC(file, item), QString());
         }
+        EXPECT_FALSE(meta.getMyImageSource(file));
         EXPECT_TRUE(meta.propTree(file).isEmpty());
-        // A truncated photo still has its header, and with it a pixel size.
-        if (file != truncated) {
-            EXPECT_EQ(meta.hGetPixelFormat(file), QStringList());
-            EXPECT_EQ(meta.hGetColorProfile(file), QString());
-            EXPECT_FALSE(meta.getMyImageSource(file));
-        }
-        EXPECT_EQ(meta.hSetExifData(file, QStringLiteral("Never")), QStringLiteral("Failed"));
-        EXPECT_EQ(metafixtures::bytes(file), before);
+        EXPECT_EQ(meta.hGetPixelFormat(file), QStringList());
+        EXPECT_EQ(meta.hGetColorProfile(file), QString());
+        EXPECT_EQ(meta.hSetExifData(file, "Never"), "Failed");
+        EXPECT_EQ(bytes(file), before);
     }
-    // Cut in the middle of its image data: the metadata still reads, but nothing is written.
-    const QString half = dir + QStringLiteral("half.jpg");
-    metafixtures::writeBytes(half, goodBytes.left(goodBytes.size() - 40));
-    EXPECT_EQ(mMeta().hGetExifUc(half, QStringLiteral("EXIF User Comment")),
-              QStringLiteral("Present"));
-    EXPECT_EQ(mMeta().hSetExifData(half, QStringLiteral("Never")), QStringLiteral("Failed"));
-    EXPECT_EQ(metafixtures::bytes(half), goodBytes.left(goodBytes.size() - 40));
-    EXPECT_EQ(mMeta().hSetExifData(good, QStringLiteral("Fine")), QStringLiteral("OK"));
-
-    EXPECT_EQ(QFileInfo(missing).exists(), false);
-    EXPECT_TRUE(QFileInfo(directory).isDir());
+    // Cut inside its image data: the header still reads, but nothing is written into it.
+    const QString half = dir + "half.jpg";
+    writeBytes(half, goodBytes.left(goodBytes.size() - 40));
+    EXPECT_EQ(mMeta().hGetExifUc(half, "EXIF User Comment"), "Present");
+    EXPECT_EQ(mMeta().hGetPixelFormat(half), (QStringList{"400", "300"}));
+    EXPECT_EQ(mMeta().hSetExifData(half, "Never"), "Failed");
+    EXPECT_EQ(bytes(half), goodBytes.left(goodBytes.size() - 40));
     // No temporary file is left behind by the failed writes.
-    EXPECT_EQ(QDir(dir).entryList(QDir::Files | QDir::Hidden).size(), 7);
+    EXPECT_EQ(QDir(dir).entryList(QDir::Files | QDir::Hidden).size(), 6);
 }
 
-TEST(MetaRobustness, PngNamedJpgStillReads) {
-    const QString dir = testsupport::freshDir(QStringLiteral("meta/renamed"));
-    const QString png = makeImage(dir + QStringLiteral("real.png"), 21, 13);
-    const QString disguised = dir + QStringLiteral("disguised.jpg");
-    ASSERT_TRUE(QFile::copy(png, disguised));
+TEST(MetaRobustness, PngNamedJpgReadsAndStaysAPng) {
+    const QString dir = testsupport::freshDir("meta/renamed");
+    const QString disguised = dir + "disguised.jpg";
+    ASSERT_TRUE(QFile::rename(makeImage(dir + "real.png", 21, 13), disguised));
     mMeta meta;
-    EXPECT_EQ(meta.hGetPixelFormat(disguised),
-              (QStringList{QStringLiteral("21"), QStringLiteral("13")}));
-    EXPECT_EQ(meta.hGetExifUc(disguised, QStringLiteral("EXIF User Comment")), QString());
-    EXPECT_EQ(meta.hSetExifData(disguised, QStringLiteral("Still a PNG")), QStringLiteral("OK"));
-    EXPECT_EQ(testsupport::exiftool(disguised, QStringLiteral("UserComment")),
-              QStringLiteral("Still a PNG"));
-    EXPECT_EQ(testsupport::exiftool(disguised, QStringLiteral("FileType")), QStringLiteral("PNG"));
+    EXPECT_EQ(meta.hGetPixelFormat(disguised), (QStringList{"21", "13"}));
+    EXPECT_EQ(meta.hGetExifUc(disguised, "EXIF User Comment"), QString());
+    EXPECT_EQ(meta.hSetExifData(disguised, "Still a PNG"), "OK");
+    EXPECT_EQ(exiftool(disguised, "UserComment"), "Still a PNG");
+    EXPECT_EQ(exiftool(disguised, "FileType"), "PNG");
 }
 
 TEST(MetaRobustness, EveryCameraPhotoReads) {
     const QStringList photos = testsupport::mateBackgroundJpegs();
-    if (photos.isEmpty()) GTEST_SKIP() << "mate-backgrounds is not installed";
+    ASSERT_FALSE(photos.isEmpty()) << "mate-backgrounds is not installed";
     for (const QString& photo : photos) {
         SCOPED_TRACE(photo.toStdString());
         mMeta meta;
-        const QString comment = meta.hGetExifUc(photo, QStringLiteral("EXIF User Comment"));
-        const QString truthComment = testsupport::exiftool(photo, QStringLiteral("UserComment"));
-        if (truthComment.trimmed().isEmpty()) {
-            EXPECT_TRUE(comment.trimmed().isEmpty());
-        } else {
-            EXPECT_EQ(comment.trimmed(), truthComment.trimmed());
-        }
-        EXPECT_EQ(meta.hGetExifUc(photo, QStringLiteral("EXIF Creation Date")),
-                  testsupport::exiftool(photo, QStringLiteral("EXIF:DateTimeOriginal")));
-        EXPECT_EQ(meta.hGetSomeIPTC(photo, QStringLiteral("IPTC City")),
-                  testsupport::exiftool(photo, QStringLiteral("IPTC:City")));
-        for (const QString& name : kAllNames) meta.hGetSomeIPTC(photo, name);
-        EXPECT_EQ(meta.hGetPixelFormat(photo),
-                  (QStringList{vipsheader(photo, "width"), vipsheader(photo, "height")}));
+        EXPECT_EQ(meta.hGetExifUc(photo, "EXIF User Comment").trimmed(),
+                  exiftool(photo, "UserComment").trimmed());
+        EXPECT_EQ(meta.hGetExifUc(photo, "EXIF Creation Date"),
+                  exiftool(photo, "EXIF:DateTimeOriginal"));
+        EXPECT_EQ(meta.hGetSomeIPTC(photo, "IPTC City"), exiftool(photo, "IPTC:City"));
+        for (const QString& item : kNames) meta.hGetSomeIPTC(photo, item);
+        EXPECT_EQ(meta.hGetPixelFormat(photo).join("x"), exiftool(photo, "ImageSize"));
         EXPECT_FALSE(meta.hGetColorProfile(photo).isEmpty());
-        meta.propTree(photo);
         meta.hiDoNothing(photo);
-        if (meta.tfExifUserComment != u"No user comment available.") {
-            EXPECT_EQ(meta.tfExifUserComment, comment);
-        }
     }
-}
-
-TEST(MetaRobustness, ThreadsWithTheirOwnReadersAgreeWithOneThread) {
-    const QString dir = testsupport::freshDir(QStringLiteral("meta/threads"));
-    QStringList files = testsupport::mateBackgroundJpegs().mid(0, 6);
-    const QString tagged = makeImage(dir + QStringLiteral("tagged.jpg"));
-    metafixtures::tag(tagged,
-                      {QStringLiteral("-UserComment=Threads"), QStringLiteral("-IPTC:City=Lyon"),
-                       QStringLiteral("-XMP-dc:Creator=Ann")});
-    files << tagged << dir + QStringLiteral("missing.jpg");
-
-    QStringList expected;
-    {
-        mMeta meta;
-        for (const QString& file : files) expected << readEverything(meta, file);
-    }
-    std::atomic<int> mismatches{0};
-    std::vector<std::thread> threads;
-    for (int t = 0; t < 4; ++t) {
-        threads.emplace_back([&] {
-            mMeta meta;
-            for (int round = 0; round < 2; ++round)
-                for (qsizetype i = 0; i < files.size(); ++i)
-                    if (readEverything(meta, files[i]) != expected[i]) ++mismatches;
-        });
-    }
-    for (std::thread& thread : threads) thread.join();
-    EXPECT_EQ(mismatches.load(), 0);
 }
