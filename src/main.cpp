@@ -1,6 +1,9 @@
 #include <QCoreApplication>
 #include <QTextStream>
 #include <cstdio>
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 #include <unistd.h>
 
 #include "app/App.h"
@@ -20,6 +23,12 @@ void quietMessages(QtMsgType type, const QMessageLogContext& context, const QStr
 }  // namespace
 
 int main(int argc, char** argv) {
+#ifdef __GLIBC__
+    // Decoded photos are large, short-lived buffers on several threads. Left to itself glibc raises
+    // its mmap threshold after the first frees and then keeps such buffers in per-thread arenas,
+    // which made a gallery run hold about 60% more memory than it uses.
+    mallopt(M_MMAP_THRESHOLD, 1 << 20);
+#endif
     // No arguments: the window. Anything else: the command line.
     if (argc <= 1) return runApp(argc, argv);
 
