@@ -165,8 +165,8 @@ QString save(const VImage& image, const QString& path, const QString& typeIdenti
             if (keepMetadata && out.get_typeof("exif-data") != 0) {
                 size_t length = 0;
                 const void* block = out.get_blob("exif-data", &length);
-                mMeta::writeExifBlock(temporary,
-                                      QByteArray(static_cast<const char*>(block), qsizetype(length)));
+                mMeta::writeExifBlock(
+                    temporary, QByteArray(static_cast<const char*>(block), qsizetype(length)));
             }
         } else if (typeIdentifier == u"public.png") {
             out.pngsave(name.constData());

@@ -17,7 +17,7 @@
 #include "services/Log.h"
 
 class mMeta::ImageSource {
-public:
+  public:
     Exiv2::Image::AutoPtr image;
     qint64 width = 0;
     qint64 height = 0;

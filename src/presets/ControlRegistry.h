@@ -27,6 +27,8 @@ QString controlKindName(ControlKind kind);
 // preset layout uses, ...).
 struct ControlSpec {
     QString name;
+    QString label;    // what the window shows, such as "Thumbnail width"
+    QString section;  // the group of the window it is shown in, such as "Thumbnails"
     QString outputKind;  // "gallery", "slideshow", "grid"
     ControlKind kind = ControlKind::Text;
     QString defaultValue;
@@ -36,7 +38,7 @@ struct ControlSpec {
     int maximum = 0;
 };
 
-// The one table of every control: name, kind, default and popup items. The window, the command
+// The one table of every control: name, label, section, kind, default and popup items. The window, the command
 // line, presets and projects all go through it.
 class ControlRegistry {
 public:

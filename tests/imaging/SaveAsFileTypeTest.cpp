@@ -12,10 +12,11 @@ TEST(SaveAs, EveryFormatWritesAFileItsReaderAccepts) {
         QString format;
         std::string loader;
         bool keepsXmp;
-    } cases[] = {{"png", "pngload", true},     {"tiff", "tiffload", true},
-                 {"bmp", "magickload", false}, {"gif", "gifload", false},
-                 {"jpeg", "jpegload", false},  {"jp2", "jp2kload", false},
-                 {"pdf", "pdfload", false}};
+        bool keepsExif;
+    } cases[] = {{"png", "pngload", true, true},      {"tiff", "tiffload", true, true},
+                 {"bmp", "magickload", false, false}, {"gif", "gifload", false, false},
+                 {"jpeg", "jpegload", false, false},  {"jp2", "jp2kload", false, false},
+                 {"pdf", "pdfload", false, false}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.format.toStdString());
         const QString dir = testsupport::freshDir(QStringLiteral("saveas-") + c.format);
@@ -33,6 +34,8 @@ TEST(SaveAs, EveryFormatWritesAFileItsReaderAccepts) {
         EXPECT_TRUE(std::abs(p[0] - 200) < 12 && std::abs(p[1] - 10) < 12) << p[0] << " " << p[1];
         EXPECT_EQ(testsupport::exiftool(r.url.toLocalFile(), "XMP-dc:Creator") == "Keldra",
                   c.keepsXmp);
+        EXPECT_EQ(testsupport::exiftool(r.url.toLocalFile(), "EXIF:Artist") == "Keldra",
+                  c.keepsExif);
     }
 }
 
