@@ -285,41 +285,43 @@ void cResponsiveDesign::hCreateIndexRedirectHTML(const QString& baseName,
     files.hAddIconToFile(destination + "index.html", QStringLiteral("klOrvella_HTMLicon"));
 }
 
+namespace {
+
+// The steps after scaling, the same for both derivatives: crop, frame, conversion.
+void finishDerivative(KLImageHandling& images, const QString& work, const QString& folder,
+                      const DerivativeSettings& d, const QString& cropKind) {
+    if (!cropKind.isEmpty() && d.cropWidth != 0 && d.cropHeight != 0)
+        images.cropImage(work, d.cropWidth, d.cropHeight, folder, cropKind, d.cropPosition);
+    if (d.frameWidth > 0)
+        images.addBorderToImage2(work, cNSColorHandling::colorFromHexRGB(d.frameColor),
+                                 quint32(d.frameWidth));
+    cNSFileHandling().hSaveAsFileType(work, d.format, d.compression, folder);
+}
+
+}  // namespace
+
 QString cResponsiveDesign::hScaleImageMaxValueHTML(const QString& photoPath,
                                                    const GalleryImageSettings& im,
                                                    const SettingsStore& settings) {
     const QFileInfo info(photoPath);
-    const QString fileName = info.fileName();
     KLImageHandling images(&settings);
-    const cNSFileHandling files;
 
     const QString thumbFolder = im.destination + "KLimages_s/";
-    const QString thumbWork = thumbFolder + fileName;
     if (im.thumbAction != 0) {
         // Both scale the photo itself, so the second result replaces the first: kept on purpose.
-        images.resizeImage(photoPath, im.thumbCropWidth, 6, thumbFolder);
-        images.resizeImage(photoPath, im.thumbCropHeight, 7, thumbFolder);
+        images.resizeImage(photoPath, im.thumb.cropWidth, 6, thumbFolder);
+        images.resizeImage(photoPath, im.thumb.cropHeight, 7, thumbFolder);
     } else {
-        images.resizeImage(photoPath, im.thumbSize, 4, thumbFolder);
-        if (im.thumbCropWidth != 0 && im.thumbCropHeight != 0)
-            images.cropImage(thumbWork, im.thumbCropWidth, im.thumbCropHeight, thumbFolder,
-                             QStringLiteral("myCropThumb"), im.thumbCropPosition);
+        images.resizeImage(photoPath, im.thumb.size, 4, thumbFolder);
     }
-    if (im.thumbFrameWidth > 0)
-        images.addBorderToImage2(thumbWork, cNSColorHandling::colorFromHexRGB(im.thumbFrameColor),
-                                 quint32(im.thumbFrameWidth));
-    files.hSaveAsFileType(thumbWork, im.thumbFormat, im.thumbCompression, thumbFolder);
+    // Only the scale-and-crop action crops the thumbnail.
+    finishDerivative(images, thumbFolder + info.fileName(), thumbFolder, im.thumb,
+                     im.thumbAction == 0 ? QStringLiteral("myCropThumb") : QString());
 
     const QString bigFolder = im.destination + "KLimages_b/";
-    const QString bigWork = bigFolder + fileName;
-    images.resizeImage(photoPath, im.bigSize, 5, bigFolder);
-    if (im.bigCropWidth != 0 && im.bigCropHeight != 0)
-        images.cropImage(bigWork, im.bigCropWidth, im.bigCropHeight, bigFolder,
-                         QStringLiteral("myCropBig"), im.bigCropPosition);
-    if (im.bigFrameWidth > 0)
-        images.addBorderToImage2(bigWork, cNSColorHandling::colorFromHexRGB(im.bigFrameColor),
-                                 quint32(im.bigFrameWidth));
-    files.hSaveAsFileType(bigWork, im.bigFormat, im.bigCompression, bigFolder);
+    images.resizeImage(photoPath, im.big.size, 5, bigFolder);
+    finishDerivative(images, bigFolder + info.fileName(), bigFolder, im.big,
+                     QStringLiteral("myCropBig"));
     return info.completeBaseName();
 }
 
@@ -442,31 +444,31 @@ GalleryResult cResponsiveDesign::hCreateResponsiveHTML(const QString& destinatio
     GalleryImageSettings image;
     image.destination = destination;
     image.thumbAction = s.index("pubThumbAction");
-    image.thumbCropWidth = s.integer("tfSmallCropWidth");
-    image.thumbCropHeight = s.integer("tfSmallCropHeight");
-    image.thumbSize = std::max(image.thumbCropWidth, image.thumbCropHeight);
-    image.thumbCropPosition = s.integer("scImageCropThumbPos");
-    image.thumbFrameColor = s.text("cwNSColorWellObjBsImage");
-    image.thumbFrameWidth = s.integer("tfSmallFramingThickness");
-    image.thumbFormat = s.title("pbImageFormat");
-    image.thumbCompression = s.title("pbJPGCompression");
-    image.bigCropWidth = s.integer("tfBigCropWidth");
-    image.bigCropHeight = s.integer("tfBigCropHeight");
-    image.bigSize = std::max(image.bigCropWidth, image.bigCropHeight);
-    image.bigCropPosition = s.integer("scImageCropBigPos");
-    image.bigFrameColor = s.text("cwNSColorWellObjBbImage");
-    image.bigFrameWidth = s.integer("tfBigFramingThickness");
-    image.bigFormat = s.title("pbBIGImageFormat");
-    image.bigCompression = s.title("pbBIGJPGCompression");
-    page.thumbFormat = image.thumbFormat;
-    page.bigFormat = image.bigFormat;
+    image.thumb.cropWidth = s.integer("tfSmallCropWidth");
+    image.thumb.cropHeight = s.integer("tfSmallCropHeight");
+    image.thumb.size = std::max(image.thumb.cropWidth, image.thumb.cropHeight);
+    image.thumb.cropPosition = s.integer("scImageCropThumbPos");
+    image.thumb.frameColor = s.text("cwNSColorWellObjBsImage");
+    image.thumb.frameWidth = s.integer("tfSmallFramingThickness");
+    image.thumb.format = s.title("pbImageFormat");
+    image.thumb.compression = s.title("pbJPGCompression");
+    image.big.cropWidth = s.integer("tfBigCropWidth");
+    image.big.cropHeight = s.integer("tfBigCropHeight");
+    image.big.size = std::max(image.big.cropWidth, image.big.cropHeight);
+    image.big.cropPosition = s.integer("scImageCropBigPos");
+    image.big.frameColor = s.text("cwNSColorWellObjBbImage");
+    image.big.frameWidth = s.integer("tfBigFramingThickness");
+    image.big.format = s.title("pbBIGImageFormat");
+    image.big.compression = s.title("pbBIGJPGCompression");
+    page.thumbFormat = image.thumb.format;
+    page.bigFormat = image.big.format;
     ui.progressStep(0.2);
 
-    if (image.bigSize <= image.thumbSize)
+    if (image.big.size <= image.thumb.size)
         ui.alert(QStringLiteral("Sorry, some wrong properties"),
                  QStringLiteral("\r- Lightbox images are smaller than your thumbnails. "
                                 "(Thumbnail size: %1)")
-                     .arg(image.thumbSize),
+                     .arg(image.thumb.size),
                  false);
     ui.progressStep(0.2);
 
@@ -528,8 +530,8 @@ GalleryResult cResponsiveDesign::hCreateResponsiveHTML(const QString& destinatio
     css.boxShadowYOffset = QString::number(s.integer("tfBoxShadowYOffset"));
     css.lightboxShadowColor = s.text("tfLightBoxShadowColor");
     css.magnifyOnHover = s.integer("cbMagnifyHooverEffectState");
-    css.thumbnailCropWidth = image.thumbCropWidth;
-    css.thumbnailCropHeight = image.thumbCropHeight;
+    css.thumbnailCropWidth = image.thumb.cropWidth;
+    css.thumbnailCropHeight = image.thumb.cropHeight;
     css.lightboxBackgroundColor = CssRgb::fromHex(s.text("ascNSColorWellObjRDLightboxBgColor"));
     css.lightboxBackgroundOpacity =
         QString::number(s.integer("sliderLightboxRDBgColorOpacity") / 100.0);

@@ -16,26 +16,23 @@ struct GalleryResult {
     QString firstPage;  // destination + page base name + ".html" (may not exist: see pageCount)
 };
 
-// The settings of the two derivatives of every photo, read once per run.
+// How one derivative (thumbnail or big image) of every photo is made, read once per run.
+struct DerivativeSettings {
+    int size = 0;  // the larger of the crop width and height
+    int cropWidth = 0;
+    int cropHeight = 0;
+    int cropPosition = 4;
+    QString frameColor;  // hex
+    int frameWidth = 0;
+    QString format;
+    QString compression;
+};
+
 struct GalleryImageSettings {
     QString destination;
     int thumbAction = 0;  // pubThumbAction index
-    int thumbSize = 0;
-    int thumbCropWidth = 0;
-    int thumbCropHeight = 0;
-    int thumbCropPosition = 4;
-    QString thumbFrameColor;  // hex
-    int thumbFrameWidth = 0;
-    QString thumbFormat;
-    QString thumbCompression;
-    int bigSize = 0;
-    int bigCropWidth = 0;
-    int bigCropHeight = 0;
-    int bigCropPosition = 4;
-    QString bigFrameColor;  // hex
-    int bigFrameWidth = 0;
-    QString bigFormat;
-    QString bigCompression;
+    DerivativeSettings thumb;
+    DerivativeSettings big;
 };
 
 // The Photo Gallery generator: a folder of thumbnail pages with a lightbox, a stylesheet and a
