@@ -9,7 +9,7 @@ JOBS ?= $(shell nproc)
 
 DEB_PACKAGES := cmake g++ ninja-build pkg-config qt6-base-dev libvips-dev libvips-tools \
 	libexiv2-dev libsqlite3-dev libgtest-dev libimage-exiftool-perl mate-backgrounds \
-	chromium xvfb time
+	chromium time
 
 .PHONY: all test demo bench deps npm-deps build-test build-release clean format
 
