@@ -1,12 +1,68 @@
 #include "app/CollectionDragModel.h"
 
 #include <QDataStream>
+#include <QDir>
+#include <QFileInfo>
 #include <QIODevice>
 #include <QMimeData>
 #include <algorithm>
 
 namespace {
+
 const QString kIndexesType = QStringLiteral("application/x-orvella-photo-indexes");
+const QString kUrlsType = QStringLiteral("text/uri-list");
+
+// File names as a file manager lists them: case-insensitive, runs of digits by their value
+// ("img2" before "img10"), whatever the locale.
+bool namedBefore(const QString& a, const QString& b) {
+    // The digits of the run starting at k, without leading zeros; k moves past the run.
+    auto number = [](const QString& s, qsizetype& k) {
+        while (k < s.size() && s[k] == u'0') ++k;
+        const qsizetype start = k;
+        while (k < s.size() && s[k].isDigit()) ++k;
+        return QStringView(s).mid(start, k - start);
+    };
+    qsizetype i = 0;
+    qsizetype j = 0;
+    while (i < a.size() && j < b.size()) {
+        if (a[i].isDigit() && b[j].isDigit()) {
+            const QStringView x = number(a, i);
+            const QStringView y = number(b, j);
+            if (x.size() != y.size()) return x.size() < y.size();
+            if (x != y) return x < y;
+            continue;
+        }
+        const QChar x = a[i++].toCaseFolded();
+        const QChar y = b[j++].toCaseFolded();
+        if (x != y) return x < y;
+    }
+    return a.size() - i < b.size() - j;
+}
+
+}  // namespace
+
+bool CollectionDragModel::isPhotoFileName(const QString& fileName) {
+    static const QStringList extensions = {"png", "jpg", "jpeg", "tif", "tiff"};
+    return extensions.contains(QFileInfo(fileName).suffix(), Qt::CaseInsensitive);
+}
+
+QStringList CollectionDragModel::photoFilesFromUrls(const QList<QUrl>& urls) {
+    QStringList files;
+    for (const QUrl& url : urls) {
+        if (!url.isLocalFile()) continue;
+        const QFileInfo info(url.toLocalFile());
+        if (info.isDir()) {
+            QStringList inside;
+            const QFileInfoList entries = QDir(info.absoluteFilePath()).entryInfoList(QDir::Files);
+            for (const QFileInfo& entry : entries)
+                if (isPhotoFileName(entry.fileName())) inside.append(entry.absoluteFilePath());
+            std::stable_sort(inside.begin(), inside.end(), namedBefore);
+            files += inside;
+        } else if (info.isFile() && isPhotoFileName(info.fileName())) {
+            files.append(info.absoluteFilePath());
+        }
+    }
+    return files;
 }
 
 Qt::ItemFlags CollectionDragModel::flags(const QModelIndex& index) const {
@@ -15,7 +71,9 @@ Qt::ItemFlags CollectionDragModel::flags(const QModelIndex& index) const {
     return f;
 }
 
-QStringList CollectionDragModel::mimeTypes() const { return {kIndexesType}; }
+QStringList CollectionDragModel::mimeTypes() const {
+    return {kIndexesType, kUrlsType};
+}
 
 QMimeData* CollectionDragModel::mimeData(const QModelIndexList& indexes) const {
     QList<int> rows;
@@ -32,12 +90,27 @@ QMimeData* CollectionDragModel::mimeData(const QModelIndexList& indexes) const {
 
 bool CollectionDragModel::canDropMimeData(const QMimeData* data, Qt::DropAction, int, int,
                                           const QModelIndex&) const {
-    return data && data->hasFormat(kIndexesType);
+    if (!data) return false;
+    if (data->hasFormat(kIndexesType)) return true;
+    // Checked cheaply while the drag moves; folders are looked into only on the drop.
+    const QList<QUrl> urls = data->urls();
+    return std::any_of(urls.cbegin(), urls.cend(), [](const QUrl& url) {
+        return url.isLocalFile() &&
+               (QFileInfo(url.toLocalFile()).isDir() || isPhotoFileName(url.toLocalFile()));
+    });
 }
 
 bool CollectionDragModel::dropMimeData(const QMimeData* data, Qt::DropAction action, int row, int,
                                        const QModelIndex& parent) {
     if (!canDropMimeData(data, action, row, 0, parent)) return false;
+    if (!data->hasFormat(kIndexesType)) {
+        // Added photos go at the end, as the Add Photos button puts them.
+        const QStringList files = photoFilesFromUrls(data->urls());
+        if (files.isEmpty()) return false;
+        appendPhotos(files, ui_);
+        Q_EMIT photosDropped(files);
+        return true;
+    }
     QList<int> rows;
     QDataStream stream(data->data(kIndexesType));
     stream >> rows;

@@ -1,20 +1,45 @@
 #pragma once
 
+#include <QList>
+#include <QStringList>
+#include <QUrl>
+
 #include "collection/PhotoCollection.h"
 
-// The collection as the thumbnail grid needs it for drag and drop: a drag carries the set of
-// dragged positions and a drop only reorders.
+class UserInterface;
+
+// The collection as the thumbnail grid needs it for drag and drop: a drag inside the grid carries
+// the set of dragged positions and its drop only reorders; files and folders dropped from a file
+// manager are added at the end.
 class CollectionDragModel : public PhotoCollection {
     Q_OBJECT
-public:
+  public:
     using PhotoCollection::PhotoCollection;
 
+    // The photo files among dropped URLs, in their order: local files with a photo extension (any
+    // case), and for a folder the photo files directly inside it, sorted by name.
+    static QStringList photoFilesFromUrls(const QList<QUrl>& urls);
+    static bool isPhotoFileName(const QString& fileName);
+
+    // Where dropped files report their progress; none by default.
+    void setUserInterface(UserInterface* ui) { ui_ = ui; }
+
     Qt::ItemFlags flags(const QModelIndex& index) const override;
-    Qt::DropActions supportedDropActions() const override { return Qt::MoveAction; }
+    Qt::DropActions supportedDragActions() const override { return Qt::MoveAction; }
+    Qt::DropActions supportedDropActions() const override {
+        return Qt::MoveAction | Qt::CopyAction;
+    }
     QStringList mimeTypes() const override;
     QMimeData* mimeData(const QModelIndexList& indexes) const override;
     bool canDropMimeData(const QMimeData* data, Qt::DropAction action, int row, int column,
                          const QModelIndex& parent) const override;
     bool dropMimeData(const QMimeData* data, Qt::DropAction action, int row, int column,
                       const QModelIndex& parent) override;
+
+  Q_SIGNALS:
+    // Files were added by a drop; the window makes their cell images.
+    void photosDropped(const QStringList& files);
+
+  private:
+    UserInterface* ui_ = nullptr;
 };

@@ -3,12 +3,14 @@
 #include <QFutureWatcher>
 #include <QMainWindow>
 
+#include "generators/gallery/cResponsiveDesign.h"
 #include "presets/SettingsStore.h"
 
-class PhotoCollection;
+class CollectionDragModel;
+class PhotoGridView;
 class QCheckBox;
 class QLabel;
-class QListView;
+class QLineEdit;
 class QProgressBar;
 class QTabWidget;
 class SettingsForm;
@@ -17,26 +19,33 @@ class WindowUserInterface;
 // The main window: the photo collection on the left, the output kinds as tabs on the right.
 class MainWindow : public QMainWindow {
     Q_OBJECT
-public:
+  public:
     explicit MainWindow(QWidget* parent = nullptr);
 
-private:
+  private:
     QWidget* makeCollectionPanel();
     QWidget* makeGalleryTab();
     void choosePhotos();
+    // Cell images of added photos are made on a worker and arrive one by one.
+    void makeCellImages(const QStringList& files);
     void removeSelected();
+    QList<int> selectedRows() const;
     void showCurrentRecord();
+    void showCount();
     void generateGallery();
+    void galleryFinished();
 
     SettingsStore settings_;
-    PhotoCollection* collection_ = nullptr;
-    QListView* grid_ = nullptr;
+    CollectionDragModel* collection_ = nullptr;
+    PhotoGridView* grid_ = nullptr;
     QLabel* count_ = nullptr;
+    QLabel* photoName_ = nullptr;
+    QLineEdit* description_ = nullptr;
     QCheckBox* publish_ = nullptr;
     QCheckBox* highlight_ = nullptr;
     QTabWidget* tabs_ = nullptr;
     SettingsForm* galleryForm_ = nullptr;
     QProgressBar* progress_ = nullptr;
     WindowUserInterface* ui_ = nullptr;
-    QFutureWatcher<void> run_;
+    QFutureWatcher<GalleryResult> run_;
 };

@@ -1,5 +1,6 @@
 #include "collection/PhotoCollection.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <algorithm>
 
@@ -229,6 +230,12 @@ QVariant PhotoCollection::data(const QModelIndex& index, int role) const {
             return record.myPhotoName;
         case Qt::DecorationRole:
             return record.myPhoto;
+        case Qt::ToolTipRole: {
+            QString tip = QDir::toNativeSeparators(record.path()) + u'\n' + record.myPhotoPxSize;
+            if (!record.myPhotoDescription.isEmpty()) tip += u'\n' + record.myPhotoDescription;
+            if (record.myPhotoSelect != 1) tip += QStringLiteral("\n(not published)");
+            return tip;
+        }
         case SelectRole:
             return record.myPhotoSelect;
         case HighlightRole:

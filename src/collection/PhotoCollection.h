@@ -26,7 +26,8 @@ struct GridPhotoEntry {
 };
 
 // The ordered collection of photo records the user works on, headless. It is also the item model
-// the window's thumbnail grid shows (display role: the name; decoration role: the cell image).
+// the window's thumbnail grid shows (display role: the name; decoration role: the cell image;
+// tool tip: path, pixel size and caption).
 class PhotoCollection : public QAbstractListModel {
     Q_OBJECT
 public:

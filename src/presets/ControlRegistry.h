@@ -38,8 +38,8 @@ struct ControlSpec {
     int maximum = 0;
 };
 
-// The one table of every control: name, label, section, kind, default and popup items. The window, the command
-// line, presets and projects all go through it.
+// The one table of every control: name, label, section, kind, default and popup items. The
+// window, the command line, presets and projects all go through it.
 class ControlRegistry {
 public:
     // The registry of the whole application, filled once by each output kind.

@@ -34,12 +34,15 @@ QStringList cropPositions() {
 
 struct Registrar {
     ControlRegistry& registry;
+    QString section;  // the window's group for the controls added next
 
-    void add(const QString& name, ControlKind kind, const QString& defaultValue,
-             const QStringList& aliases = {}, const QStringList& items = {}, int minimum = 0,
-             int maximum = 0) {
+    void add(const QString& name, const QString& label, ControlKind kind,
+             const QString& defaultValue, const QStringList& aliases = {},
+             const QStringList& items = {}, int minimum = 0, int maximum = 0) {
         ControlSpec control;
         control.name = name;
+        control.label = label;
+        control.section = section;
         control.outputKind = kGallery;
         control.kind = kind;
         control.defaultValue = defaultValue;
@@ -55,124 +58,137 @@ struct Registrar {
 }  // namespace
 
 void registerGalleryControls(ControlRegistry& registry) {
-    Registrar r{registry};
+    Registrar r{registry, {}};
     using K = ControlKind;
 
-    // Pages.
-    r.add("tfHTMLfileName", K::Text, "");  // "" or " " means "myIndex"
-    r.add("tfPageTitle", K::Text, "Photo Gallery");
-    r.add("tvTitle", K::TextView, "Photo Gallery");
-    r.add("tfGridWidth", K::Text, "90");
-    r.add("ifNumberOfColumns", K::Number, "4", {"tfNumberOfColumns"});
-    r.add("ifNumberOfRows", K::Number, "3", {"tfNumberOfRows"});
-    r.add("btShowTitle", K::Checkbox, "1");
-    r.add("btShowFileName", K::Checkbox, "0");  // names would overflow the fixed grid cells
-    r.add("pubPhotoGalleryModel", K::PopupIndex, "2", {"pubTableTemplateChoice"},
-          {"Table", "Table (classic)", "Grid"});
+    r.section = "Page";
+    r.add("tfHTMLfileName", "Page file name", K::Text, "");  // "" or " " means "myIndex"
+    r.add("tfPageTitle", "Page title", K::Text, "Photo Gallery");
+    r.add("tvTitle", "Heading", K::TextView, "Photo Gallery");
+    r.add("btShowTitle", "Show heading", K::Checkbox, "1");
+    r.add("tfHTMLdestinationFolder", "Output folder", K::Path, "");
 
-    // Captions.
-    r.add("cbPgShowMetaData", K::Checkbox, "1");
-    r.add("tfPgMetaDataToShow", K::Text, "EXIF User Comment");
-    r.add("tfPgMetaDataValueSep", K::Text, " - ");
-    r.add("pubPgMetaData", K::PopupIndex, "1", {},
+    r.section = "Layout";
+    r.add("pubPhotoGalleryModel", "Page model", K::PopupIndex, "2", {"pubTableTemplateChoice"},
+          {"Table", "Table (classic)", "Grid"});
+    r.add("tfGridWidth", "Content width (%)", K::Text, "90");
+    r.add("ifNumberOfColumns", "Columns", K::Number, "4", {"tfNumberOfColumns"});
+    r.add("ifNumberOfRows", "Rows", K::Number, "3", {"tfNumberOfRows"});
+
+    r.section = "Captions";
+    // Off by default: names would overflow the fixed grid cells.
+    r.add("btShowFileName", "Show file names", K::Checkbox, "0");
+    r.add("cbPgShowMetaData", "Show captions", K::Checkbox, "1");
+    r.add("tfPgMetaDataToShow", "Caption items", K::Text, "EXIF User Comment");
+    r.add("tfPgMetaDataValueSep", "Item separator", K::Text, " - ");
+    r.add("pubPgMetaData", "Item to add", K::PopupIndex, "1", {},
           {"Show Filename", "EXIF User Comment", "EXIF Creation Date", "IPTC Creator Title",
            "IPTC Description", "IPTC Keyword", "IPTC City", "IPTC Caption Writer",
            "IPTC Copyrights", "IPTC Country", "IPTC Credits", "IPTC Headline", "IPTC Subject Code",
            "IPTC State Province"});
-    r.add("cbCaptionStatus", K::Checkbox, "1");
+    r.add("cbCaptionStatus", "Captions in the lightbox", K::Checkbox, "1");
 
-    // Text layout.
-    r.add("scTitleTxtAlign", K::Segmented, "1", {"scPresetTitleTxtAlign"}, alignments());
-    r.add("scFilenameTxtAlign", K::Segmented, "1", {"scPresetFilenameTxtAlign"}, alignments());
-    r.add("scEXIFuserCommentTxtAlgin", K::Segmented, "1", {"scPresetEXIFuserCommentTxtAlgin"},
-          alignments());
-    r.add("pbTitleFontSize", K::PopupTitle, "32px", {"pbPresetTitleFontSize"}, fontSizes());
-    r.add("pbFileNameFontSize", K::PopupTitle, "14px", {"pbPresetFileNameFontSize"}, fontSizes());
-    r.add("pbExifUserCommentFontSize", K::PopupTitle, "13px", {"pbPresetExifUserCommentFontSize"},
-          fontSizes());
-    r.add("pbTitleFontWeight", K::PopupTitle, "Light", {}, weights());
-    r.add("pbFileNameFontWeight", K::PopupTitle, "Medium", {}, weights());
-    r.add("pbExifUserCommentFontWeight", K::PopupTitle, "Regular", {}, weights());
-    r.add("pbFontFamily", K::PopupTitle, "Roboto", {},
+    r.section = "Fonts";
+    r.add("pbFontFamily", "Font family", K::PopupTitle, "Roboto", {},
           {"Catamaran", "Exo", "Exo 2", "Kanit", "Libre Franklin", "Raleway", "Roboto", "Rubik",
            "Taviraj", "Trirong"});
+    r.add("pbTitleFontSize", "Heading size", K::PopupTitle, "32px", {"pbPresetTitleFontSize"},
+          fontSizes());
+    r.add("pbTitleFontWeight", "Heading weight", K::PopupTitle, "Light", {}, weights());
+    r.add("scTitleTxtAlign", "Heading alignment", K::Segmented, "1", {"scPresetTitleTxtAlign"},
+          alignments());
+    r.add("pbFileNameFontSize", "File name size", K::PopupTitle, "14px",
+          {"pbPresetFileNameFontSize"}, fontSizes());
+    r.add("pbFileNameFontWeight", "File name weight", K::PopupTitle, "Medium", {}, weights());
+    r.add("scFilenameTxtAlign", "File name alignment", K::Segmented, "1",
+          {"scPresetFilenameTxtAlign"}, alignments());
+    r.add("pbExifUserCommentFontSize", "Caption size", K::PopupTitle, "13px",
+          {"pbPresetExifUserCommentFontSize"}, fontSizes());
+    r.add("pbExifUserCommentFontWeight", "Caption weight", K::PopupTitle, "Regular", {}, weights());
+    r.add("scEXIFuserCommentTxtAlgin", "Caption alignment", K::Segmented, "1",
+          {"scPresetEXIFuserCommentTxtAlgin"}, alignments());
 
-    // Colours: the hex field, with its colour well as alias.
-    r.add("tfHTMLbackgroundColor", K::Color, "F4F3EF",
+    // The hex fields, with their colour wells as aliases.
+    r.section = "Colours";
+    r.add("tfHTMLbackgroundColor", "Page background", K::Color, "F4F3EF",
           {"tfNSColorWellObjBGCt", "ascNSColorWellObjBGCt"});
-    r.add("tfHTMLTitleColor", K::Color, "3A3A3A", {"tfNSColorWellObjTCt", "ascNSColorWellObjTCt"});
-    r.add("tfHTMLPhotoNameColor", K::Color, "4A4A4A",
-          {"tfNSColorWellObjPhotoNameCt", "ascNSColorWellObjPhotoNameCt"});
-    r.add("tfHTMLUserExifCommentColor", K::Color, "6E6E6E",
-          {"tfNSColorWellObjUserExifCommentCt", "ascNSColorWellObjUserExifCommentCt"});
-    r.add("tfHTMLbackgroundColorCell", K::Color, "F4F3EF",
+    r.add("tfHTMLbackgroundColorCell", "Cell background", K::Color, "F4F3EF",
           {"tfNSColorWellObjBGCc", "ascNSColorWellObjBGCc"});
+    r.add("tfHTMLTitleColor", "Heading", K::Color, "3A3A3A",
+          {"tfNSColorWellObjTCt", "ascNSColorWellObjTCt"});
+    r.add("tfHTMLPhotoNameColor", "File names", K::Color, "4A4A4A",
+          {"tfNSColorWellObjPhotoNameCt", "ascNSColorWellObjPhotoNameCt"});
+    r.add("tfHTMLUserExifCommentColor", "Captions", K::Color, "6E6E6E",
+          {"tfNSColorWellObjUserExifCommentCt", "ascNSColorWellObjUserExifCommentCt"});
 
-    // Thumbnails.
-    r.add("tfSmallCropWidth", K::Number, "200");
-    r.add("tfSmallCropHeight", K::Number, "150");
-    r.add("pubPhotoRatio", K::PopupIndex, "0", {},
+    r.section = "Thumbnails";
+    r.add("tfSmallCropWidth", "Width", K::Number, "200");
+    r.add("tfSmallCropHeight", "Height", K::Number, "150");
+    r.add("pubPhotoRatio", "Aspect ratio", K::PopupIndex, "0", {},
           {"Free", "1:1", "3:2", "2:3", "3:1", "4:3", "3:4", "12:9", "16:9"});
-    r.add("pubThumbAction", K::PopupIndex, "0", {},
+    r.add("pubThumbAction", "Scaling", K::PopupIndex, "0", {},
           {"Scale and crop", "Scale by width and by height"});
-    r.add("scImageCropThumbPos", K::Segmented, "4", {}, cropPositions());
-    r.add("tfCropThumbXOffset", K::Number, "0");
-    r.add("tfCropThumbYOffset", K::Number, "0");
-    r.add("tfSmallFramingThickness", K::Number, "0");
-    r.add("tfSmallFramingRGBvalue", K::Color, "FFFFFF",
+    r.add("scImageCropThumbPos", "Crop position", K::Segmented, "4", {}, cropPositions());
+    r.add("tfCropThumbXOffset", "Crop shift X", K::Number, "0");
+    r.add("tfCropThumbYOffset", "Crop shift Y", K::Number, "0");
+    r.add("tfSmallFramingThickness", "Frame width", K::Number, "0");
+    r.add("tfSmallFramingRGBvalue", "Frame colour", K::Color, "FFFFFF",
           {"cwNSColorWellObjBsImage", "ascNSColorWellObjBsImage", "tfNSColorWellObjBsImage"});
-    r.add("pbImageFormat", K::PopupTitle, "jpeg", {}, imageFormats());
-    r.add("pbJPGCompression", K::PopupTitle, "8", {}, compressions());
+    r.add("pbImageFormat", "File format", K::PopupTitle, "jpeg", {}, imageFormats());
+    r.add("pbJPGCompression", "JPEG quality", K::PopupTitle, "8", {}, compressions());
 
-    // Big (lightbox) images.
-    r.add("tfBigCropWidth", K::Number, "1200");
-    r.add("tfBigCropHeight", K::Number, "0");
-    r.add("scImageCropBigPos", K::Segmented, "4", {}, cropPositions());
-    r.add("tfCropBigXOffset", K::Number, "0");
-    r.add("tfCropBigYOffset", K::Number, "0");
-    r.add("tfBigFramingThickness", K::Number, "0");
-    r.add("tfBigFramingRGBvalue", K::Color, "FFFFFF",
+    r.section = "Lightbox images";
+    r.add("tfBigCropWidth", "Width", K::Number, "1200");
+    r.add("tfBigCropHeight", "Height (0: not cropped)", K::Number, "0");
+    r.add("scImageCropBigPos", "Crop position", K::Segmented, "4", {}, cropPositions());
+    r.add("tfCropBigXOffset", "Crop shift X", K::Number, "0");
+    r.add("tfCropBigYOffset", "Crop shift Y", K::Number, "0");
+    r.add("tfBigFramingThickness", "Frame width", K::Number, "0");
+    r.add("tfBigFramingRGBvalue", "Frame colour", K::Color, "FFFFFF",
           {"cwNSColorWellObjBbImage", "ascNSColorWellObjBbImage", "tfNSColorWellObjBbImage"});
-    r.add("pbBIGImageFormat", K::PopupTitle, "jpeg", {}, imageFormats());
-    r.add("pbBIGJPGCompression", K::PopupTitle, "8", {}, compressions());
+    r.add("pbBIGImageFormat", "File format", K::PopupTitle, "jpeg", {}, imageFormats());
+    r.add("pbBIGJPGCompression", "JPEG quality", K::PopupTitle, "8", {}, compressions());
 
-    // Thumbnail decoration (stylesheet only).
-    r.add("tfThumbnailBorderThickness", K::Number, "0", {"tfThumbnailThickness"});
-    r.add("tfHTMLThumbnailColor", K::Color, "F4F3EF",
+    // Stylesheet only.
+    r.section = "Thumbnail style";
+    r.add("tfThumbnailBorderThickness", "Border width", K::Number, "0", {"tfThumbnailThickness"});
+    r.add("tfHTMLThumbnailColor", "Border colour", K::Color, "F4F3EF",
           {"tfThumbnailColorValue", "tfNSColorWellObjThumbnail", "ascNSColorWellObjThumbnail"});
-    r.add("tfThumbnailBorderRadius", K::Number, "4", {"tfThumbnailRadius"});
-    r.add("tfThumbnailShadowThickness", K::Number, "6");
-    r.add("tfThumbnailShadowXOffset", K::Number, "0");
-    r.add("tfThumbnailShadowYOffset", K::Number, "2");
-    r.add("tfThumbnailShadowColorValue", K::Color, "B4B2AC",
+    r.add("tfThumbnailBorderRadius", "Corner radius", K::Number, "4", {"tfThumbnailRadius"});
+    r.add("tfThumbnailShadowThickness", "Shadow blur", K::Number, "6");
+    r.add("tfThumbnailShadowXOffset", "Shadow offset X", K::Number, "0");
+    r.add("tfThumbnailShadowYOffset", "Shadow offset Y", K::Number, "2");
+    r.add("tfThumbnailShadowColorValue", "Shadow colour", K::Color, "B4B2AC",
           {"tfNSColorWellObjThumbnailShadow", "ascNSColorWellObjThumbnailShadow"});
-    r.add("cbMagnifyHooverEffectState", K::Checkbox, "0", {"cbPgMagnifyHooverEffectState"});
+    r.add("cbMagnifyHooverEffectState", "Magnify on hover", K::Checkbox, "0",
+          {"cbPgMagnifyHooverEffectState"});
 
-    // Background pattern.
-    r.add("cbTbShowPatternImage", K::Checkbox, "0", {"cbTbRdShowPatternImage"});
-    r.add("tfTbPatternPath", K::Path, "", {"tfTbRdPatternPath"});
-    r.add("tfTbPatternScale", K::Text, "20", {"tfTbRdPatternScale"});
-    r.add("pubTbPatternOpacity", K::PopupIndex, "2", {"pubTbRdPatternOpacity"},
-          {"0.1", "0.2", "0.3", "0.4", "0.5", "0.6", "0.7", "0.8", "0.9", "1.0"});
-
-    // Lightbox.
-    r.add("tfBoxColorValue", K::Color, "FFFFFF",
+    r.section = "Lightbox style";
+    r.add("tfBoxThickness", "Frame width", K::Number, "6");
+    r.add("tfBoxColorValue", "Frame colour", K::Color, "FFFFFF",
           {"tfHTMLLightBoxColor", "tfNSColorWellObjLightBox", "ascNSColorWellObjLightBox"});
-    r.add("tfBoxRadius", K::Number, "4");
-    r.add("tfBoxThickness", K::Number, "6");
-    r.add("tfBoxShadowThickness", K::Number, "24");
-    r.add("tfBoxShadowXOffset", K::Number, "0");
-    r.add("tfBoxShadowYOffset", K::Number, "4");
-    r.add("tfLightBoxShadowColor", K::Color, "000000",
+    r.add("tfBoxRadius", "Corner radius", K::Number, "4");
+    r.add("tfBoxShadowThickness", "Shadow blur", K::Number, "24");
+    r.add("tfBoxShadowXOffset", "Shadow offset X", K::Number, "0");
+    r.add("tfBoxShadowYOffset", "Shadow offset Y", K::Number, "4");
+    r.add("tfLightBoxShadowColor", "Shadow colour", K::Color, "000000",
           {"tfHTMLLightBoxShadowColor", "tfNSColorWellObjLightBoxShadow",
            "ascNSColorWellObjLightBoxShadow"});
-    r.add("ascNSColorWellObjRDLightboxBgColor", K::Color, "1E1E1E",
+    r.add("ascNSColorWellObjRDLightboxBgColor", "Backdrop colour", K::Color, "1E1E1E",
           {"tfNSColorWellObjRDLightboxBgColor"});
-    r.add("sliderLightboxRDBgColorOpacity", K::Slider, "85", {}, {}, 0, 100);
+    r.add("sliderLightboxRDBgColorOpacity", "Backdrop opacity (%)", K::Slider, "85", {}, {}, 0,
+          100);
+
+    r.section = "Background pattern";
+    r.add("cbTbShowPatternImage", "Show pattern", K::Checkbox, "0", {"cbTbRdShowPatternImage"});
+    r.add("tfTbPatternPath", "Pattern image", K::Path, "", {"tfTbRdPatternPath"});
+    r.add("tfTbPatternScale", "Pattern size (%)", K::Text, "20", {"tfTbRdPatternScale"});
+    r.add("pubTbPatternOpacity", "Opacity", K::PopupIndex, "2", {"pubTbRdPatternOpacity"},
+          {"0.1", "0.2", "0.3", "0.4", "0.5", "0.6", "0.7", "0.8", "0.9", "1.0"});
 
     // Kept in presets, not read by the run.
-    r.add("btShowEXIFucd", K::Checkbox, "0");
-    r.add("tfHTMLdestinationFolder", K::Path, "");
-    r.add("cbTableTypeTable", K::Checkbox, "0");
-    r.add("cbTableTypeResponsive", K::Checkbox, "1");
+    r.section = "Preset extras";
+    r.add("btShowEXIFucd", "Show EXIF user comment", K::Checkbox, "0");
+    r.add("cbTableTypeTable", "Table page type", K::Checkbox, "0");
+    r.add("cbTableTypeResponsive", "Responsive page type", K::Checkbox, "1");
 }
