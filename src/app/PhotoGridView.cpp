@@ -1,5 +1,6 @@
 #include "app/PhotoGridView.h"
 
+#include <QDrag>
 #include <QDragMoveEvent>
 #include <QDropEvent>
 #include <QPainter>
@@ -41,6 +42,20 @@ int PhotoGridView::dropIndexAt(const QPoint& point) const {
     return lastOnLine >= 0 ? lastOnLine + 1 : n;
 }
 
+void PhotoGridView::startDrag(Qt::DropActions) {
+    // A plain drag: the icon view's own would also paint the dragged cells at the cursor, and
+    // remove them after a move, which the drop has already made.
+    const QModelIndexList indexes = selectedIndexes();
+    if (indexes.isEmpty() || !model()) return;
+    auto* drag = new QDrag(this);
+    drag->setMimeData(model()->mimeData(indexes));
+    const QImage image = currentIndex().data(Qt::DecorationRole).value<QImage>();
+    if (!image.isNull())
+        drag->setPixmap(QPixmap::fromImage(
+            image.scaled(96, 96, Qt::KeepAspectRatio, Qt::SmoothTransformation)));
+    drag->exec(Qt::MoveAction);
+}
+
 bool PhotoGridView::acceptsDrop(QDropEvent* event) const {
     return model() && model()->canDropMimeData(event->mimeData(), event->dropAction(), -1, -1, {});
 }
@@ -79,8 +94,6 @@ void PhotoGridView::dropEvent(QDropEvent* event) {
     const Qt::DropAction action = inside ? Qt::MoveAction : Qt::CopyAction;
     model()->dropMimeData(event->mimeData(), action, dropIndexAt(event->position().toPoint()), 0,
                           {});
-    // A move reported back to the drag makes the view remove the dragged rows, which the model
-    // does not allow (removeRows is not implemented): the move done above is the only one.
     event->setDropAction(action);
     event->accept();
 }

@@ -15,6 +15,7 @@ class PhotoGridView : public QListView {
     int dropIndexAt(const QPoint& point) const;
 
   protected:
+    void startDrag(Qt::DropActions supportedActions) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dragMoveEvent(QDragMoveEvent* event) override;
     void dragLeaveEvent(QDragLeaveEvent* event) override;

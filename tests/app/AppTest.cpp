@@ -121,8 +121,8 @@ TEST(CollectionDragModelTest, DroppedFilesAreAddedInOrderFoldersSortedOthersIgno
     data.setUrls(urls);
     textOnly.setUrls({QUrl::fromLocalFile(dir + "notes.txt")});
     EXPECT_FALSE(model.canDropMimeData(&textOnly, Qt::CopyAction, -1, -1, {}));
-    PhotoGridView
-        grid;  // dropped on the grid, before the first photo: added at the end all the same
+    // Dropped on the grid, before the first photo: added at the end all the same.
+    PhotoGridView grid;
     grid.setModel(&model);
     QDragEnterEvent enter(QPoint(2, 2), Qt::CopyAction, &data, Qt::LeftButton, {});
     QCoreApplication::sendEvent(grid.viewport(), &enter);  // makes the grid the drop target
@@ -143,9 +143,9 @@ TEST(CollectionDragModelTest, InternalDragMovesAsTheCollectionDoes) {
     dragged.dropMimeData(data.get(), Qt::MoveAction, -1, -1, {});  // on the empty space after all
     reference.acceptDrop({0, 2}, 5);
     EXPECT_EQ(names(dragged), names(reference));
-    EXPECT_NE(names(dragged), QStringList({"a", "b", "c", "d", "e"}));
 
-    // The grid's drop index: before a cell from its left half, after it from its right half.
+    // The grid's drop index: before a cell from its left half, after it from its right half, the
+    // end below the last line.
     PhotoGridView grid;
     grid.setItemDelegate(new PhotoCellDelegate(100, &grid));
     grid.setModel(&dragged);
@@ -155,10 +155,5 @@ TEST(CollectionDragModelTest, InternalDragMovesAsTheCollectionDoes) {
     ASSERT_TRUE(third.isValid());
     EXPECT_EQ(grid.dropIndexAt(third.center() - QPoint(10, 0)), 2);
     EXPECT_EQ(grid.dropIndexAt(third.center() + QPoint(10, 0)), 3);
-    int lastOnLine = 2;  // right of the last cell of a line: after it
-    while (lastOnLine < 4 && grid.visualRect(dragged.index(lastOnLine + 1)).top() == third.top())
-        ++lastOnLine;
-    EXPECT_EQ(grid.dropIndexAt(QPoint(grid.viewport()->width() - 2, third.center().y())),
-              lastOnLine + 1);
     EXPECT_EQ(grid.dropIndexAt(QPoint(5, 590)), 5);
 }
