@@ -1,7 +1,7 @@
 #pragma once
 
-// Fixtures shared by the metadata and command-line tests: images made by libvips, tagged by
-// exiftool or, for bytes exiftool will not write as they are, by Exiv2 in the test itself.
+// Fixtures shared by the metadata, collection, command-line and services tests: images made by
+// libvips and tagged by exiftool.
 
 #include <gtest/gtest.h>
 
@@ -16,23 +16,20 @@ namespace metafixtures {
 // A small grey image; the extension picks the format, `options` go to the saver ("strip",
 // "profile=p3") in libvips' "[...]" file-name syntax.
 inline QString makeImage(const QString& path, int width = 40, int height = 30,
-                         const QString& options = {}, int bands = 3) {
+                         const QString& options = {}) {
     VipsRuntime::ensureStarted();
     const QString target = options.isEmpty() ? path : path + u'[' + options + u']';
-    (vips::VImage::black(width, height, vips::VImage::option()->set("bands", bands)) + 120)
+    (vips::VImage::black(width, height, vips::VImage::option()->set("bands", 3)) + 120)
         .cast(VIPS_FORMAT_UCHAR)
         .write_to_file(target.toUtf8().constData());
     return path;
 }
 
 // Runs exiftool in place on the file (IPTC text as UTF-8).
-inline void tag(const QString& file, const QStringList& assignments) {
+inline void tag(const QString& file, QStringList arguments) {
+    arguments += {"-q", "-overwrite_original", "-charset", "iptc=UTF8", file};
     QString err;
-    const QStringList options{"-q", "-overwrite_original", "-charset", "iptc=UTF8"};
-    EXPECT_EQ(testsupport::runProgram("exiftool", options + assignments + QStringList{file},
-                                      nullptr, &err),
-              0)
-        << err.toStdString();
+    EXPECT_EQ(testsupport::runProgram("exiftool", arguments, nullptr, &err), 0) << qPrintable(err);
 }
 
 inline QByteArray bytes(const QString& file) {

@@ -2,59 +2,94 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QRandomGenerator>
 
 #include "metadata/MetaFixtures.h"
 #include "metadata/mMeta.h"
 
-using metafixtures::makeImage;
+using namespace metafixtures;
 using testsupport::exiftool;
 
-namespace {
-
 // Every file of the folder: a write must leave no temporary file behind.
-QStringList filesIn(const QString& dir) {
+static QStringList filesIn(const QString& dir) {
     return QDir(dir).entryList(QDir::Files | QDir::Hidden | QDir::System, QDir::Name);
 }
 
-}  // namespace
-
+// Photos without EXIF, a PNG named .jpg among them: the block is created, the format kept.
 TEST(MetaWriter, CreatesTheExifBlockWhenMissing) {
     const QString dir = testsupport::freshDir("meta/write-new");
-    for (const QString name : {"stripped.jpg", "stripped.png", "stripped.tif"}) {
+    const std::pair<QString, QString> cases[] = {
+        {"a.jpg", "JPEG"}, {"b.png", "PNG"}, {"c.tif", "TIFF"}, {"png-named.jpg", "PNG"}};
+    for (const auto& [name, type] : cases) {
         SCOPED_TRACE(name.toStdString());
-        const QString file = makeImage(dir + name, 48, 32, "strip");
-        ASSERT_EQ(exiftool(file, "UserComment"), QString());
+        const QString file = dir + name;
+        ASSERT_TRUE(QFile::rename(makeImage(dir + "new." + type.toLower(), 48, 32, "strip"), file));
+        EXPECT_EQ(mMeta().hGetExifUc(file, "EXIF User Comment"), QString());
+        EXPECT_EQ(mMeta().hGetPixelFormat(file).join("x"), exiftool(file, "ImageSize"));
         EXPECT_EQ(mMeta().hSetExifData(file, "Written by Orvella"), "OK");
         EXPECT_EQ(exiftool(file, "UserComment"), "Written by Orvella");
-        EXPECT_EQ(exiftool(file, "ImageSize"), "48x32");
+        EXPECT_EQ(exiftool(file, "FileType") + exiftool(file, "ImageSize"), type + "48x32");
     }
-    EXPECT_EQ(filesIn(dir), (QStringList{"stripped.jpg", "stripped.png", "stripped.tif"}));
+    EXPECT_EQ(filesIn(dir), (QStringList{"a.jpg", "b.png", "c.tif", "png-named.jpg"}));
 }
 
 TEST(MetaWriter, ReplacesTheCommentAndKeepsEverythingElse) {
     const QString dir = testsupport::freshDir("meta/write-replace");
     const QString file = makeImage(dir + "photo.jpg");
-    metafixtures::tag(file, {"-UserComment=Old words", "-DateTimeOriginal=2020:01:02 03:04:05",
-                             "-IPTC:City=Lyon", "-XMP-dc:Creator=Ann"});
+    tag(file, {"-UserComment=Old words", "-DateTimeOriginal=2020:01:02 03:04:05", "-IPTC:City=Lyon",
+               "-XMP-dc:Creator=Ann"});
     for (const QString comment : {"Café in Zürich — 東京", " Sunset", "   "}) {
         SCOPED_TRACE(comment.toStdString());
         const QString expected = comment.trimmed().isEmpty() ? QString() : comment;
         ASSERT_EQ(mMeta().hSetExifData(file, comment), "OK");
         EXPECT_EQ(mMeta().hGetExifUc(file, "EXIF User Comment"), expected);
         EXPECT_EQ(exiftool(file, "UserComment"), expected);
-        EXPECT_EQ(exiftool(file, "DateTimeOriginal"), "2020:01:02 03:04:05");
-        EXPECT_EQ(exiftool(file, "IPTC:City"), "Lyon");
-        EXPECT_EQ(exiftool(file, "XMP-dc:Creator"), "Ann");
+        EXPECT_EQ(exiftool(file, "DateTimeOriginal") + exiftool(file, "IPTC:City") +
+                      exiftool(file, "XMP-dc:Creator"),
+                  "2020:01:02 03:04:05LyonAnn");
     }
     // Written through a link: the link stays a link, the photo keeps its permissions.
     const QString link = dir + "link.jpg";
     ASSERT_TRUE(QFile::link(file, link));
     ASSERT_TRUE(
         QFile::setPermissions(file, QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup));
-    const auto permissions = QFile::permissions(file);
     EXPECT_EQ(mMeta().hSetExifData(link, "Via the link"), "OK");
     EXPECT_TRUE(QFileInfo(link).isSymLink());
     EXPECT_EQ(exiftool(file, "UserComment"), "Via the link");
-    EXPECT_EQ(QFile::permissions(file), permissions);
+    EXPECT_FALSE(QFile::permissions(file) & QFile::ReadOther);  // not the default 0644
     EXPECT_EQ(filesIn(dir), (QStringList{"link.jpg", "photo.jpg"}));
+}
+
+TEST(MetaWriter, BadFilesReadEmptyAndAreNeverWritten) {
+    const QString dir = testsupport::freshDir("meta/bad");
+    const QString good = makeImage(dir + "good.jpg", 400, 300);
+    tag(good, {"-UserComment=Present", "-IPTC:City=Lyon"});
+    const QByteArray goodBytes = bytes(good), half = goodBytes.left(goodBytes.size() - 40);
+    QByteArray noise(4096, '\0');
+    QRandomGenerator(42).fillRange(reinterpret_cast<quint32*>(noise.data()), noise.size() / 4);
+    writeBytes(dir + "zero.jpg", {});
+    writeBytes(dir + "header-only.jpg", goodBytes.left(20));
+    writeBytes(dir + "random.jpg", noise);
+    writeBytes(dir + "half.jpg", half);
+    QDir().mkpath(dir + "x.jpg");
+    for (const QString name :
+         {"zero.jpg", "header-only.jpg", "random.jpg", "x.jpg", "missing.jpg"}) {
+        SCOPED_TRACE(name.toStdString());
+        const QString file = dir + name;
+        const QByteArray before = bytes(file);
+        mMeta meta;
+        for (const QString item : {"EXIF User Comment", "EXIF Creation Date", "IPTC City",
+                                   "IPTC Keyword", "IPTC Creator Title", "IPTC Description"})
+            EXPECT_EQ(meta.hGetExifUc(file, item) + meta.hGetSomeIPTC(file, item), QString());
+        EXPECT_TRUE(meta.propTree(file).isEmpty());
+        EXPECT_EQ(meta.hGetPixelFormat(file).join("") + meta.hGetColorProfile(file), QString());
+        EXPECT_EQ(meta.hSetExifData(file, "Never"), "Failed");
+        EXPECT_EQ(bytes(file), before);
+    }
+    // Cut inside its image data: the header still reads, but nothing is written into it.
+    EXPECT_EQ(mMeta().hGetExifUc(dir + "half.jpg", "EXIF User Comment"), "Present");
+    EXPECT_EQ(mMeta().hGetPixelFormat(dir + "half.jpg"), (QStringList{"400", "300"}));
+    EXPECT_EQ(mMeta().hSetExifData(dir + "half.jpg", "Never"), "Failed");
+    EXPECT_EQ(bytes(dir + "half.jpg"), half);
+    EXPECT_EQ(filesIn(dir).size(), 5);
 }
