@@ -5,6 +5,8 @@
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
+#include <array>
+#include <tuple>
 
 #include "generators/gallery/cResponsiveDesign.h"
 #include "metadata/mMeta.h"
@@ -17,24 +19,21 @@ namespace {
 
 // A small RGB photo of w x h (a gradient, so encoders have something to do).
 QString makePhoto(const QString& dir, const QString& name, int w, int h) {
-    const QString tmp = dir + "_grey.v";
-    EXPECT_EQ(runProgram("vips", {"grey", tmp, QString::number(w), QString::number(h), "--uchar"}),
-              0);
-    EXPECT_EQ(runProgram("vips", {"bandjoin_const", tmp, dir + name, "40 200"}), 0);
-    QFile::remove(tmp);
+    runProgram("vips", {"grey", dir + "g.v", QString::number(w), QString::number(h), "--uchar"});
+    runProgram("vips", {"bandjoin_const", dir + "g.v", dir + name, "40 200"});
     return dir + name;
 }
 
-QList<PhotoEntry> entries(const QStringList& paths, const QStringList& descriptions = {}) {
-    QList<PhotoEntry> list;
-    for (int i = 0; i < paths.size(); ++i)
-        list.append({QUrl::fromLocalFile(paths[i]), descriptions.value(i)});
-    return list;
-}
-
+// Latin-1 maps every byte to one character, so binary files compare exactly too.
 QString readText(const QString& path) {
     QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : "<missing>";
+    return file.open(QIODevice::ReadOnly) ? QString::fromLatin1(file.readAll()) : "<missing>";
+}
+
+void write(const QString& path, const QByteArray& bytes) {
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write(bytes);
 }
 
 // "WxH loader" as vipsheader reads the file.
@@ -53,370 +52,263 @@ QStringList filesUnder(const QString& dir) {
     return files;
 }
 
-// The defaults plus "name=value" overrides; small images keep the runs fast unless `small` is off.
-SettingsStore with(QStringList set, bool small = true) {
-    if (small)
-        set = QStringList{"tfSmallCropWidth=40", "pubPhotoRatio=0", "tfSmallCropHeight=30",
-                          "tfBigCropWidth=80", "tfBigCropHeight=0"} +
-              set;
+// The alerts shown, one "title|description[|stops]" line each.
+QString alerts(const RecordingUserInterface& ui) {
+    QString text;
+    for (const auto& a : ui.alerts)
+        text += a.title + "|" + a.description + (a.stopsRun ? "|stops\n" : "\n");
+    return text;
+}
+
+// The defaults plus "name=value" overrides.
+SettingsStore store(const QStringList& set) {
     std::vector<std::pair<QString, QString>> overrides;
     for (const QString& s : set) overrides.push_back({s.section('=', 0, 0), s.section('=', 1)});
     return testsupport::settingsWith(overrides);
 }
 
-GalleryResult run(const QString& dir, const QList<PhotoEntry>& photos,
-                  const SettingsStore& settings, RecordingUserInterface& ui, int threads = 2,
-                  bool open = false) {
-    return cResponsiveDesign::hCreateResponsiveHTML(dir, photos, settings, ui, threads, open);
+const QStringList kSmall = {"tfSmallCropWidth=40", "pubPhotoRatio=0", "tfSmallCropHeight=30",
+                            "tfBigCropWidth=80", "tfBigCropHeight=0"};
+
+// A run with small images (thumbnail 40 x 30, big 80) plus overrides; the first page is opened.
+GalleryResult run(const QString& dir, const QStringList& paths, const QStringList& set,
+                  RecordingUserInterface& ui, int threads = 2,
+                  const QStringList& descriptions = {}) {
+    QList<PhotoEntry> photos;
+    for (int i = 0; i < paths.size(); ++i)
+        photos.append({QUrl::fromLocalFile(paths[i]), descriptions.value(i)});
+    return cResponsiveDesign::hCreateResponsiveHTML(dir, photos, store(kSmall + set), ui, threads,
+                                                    true);
 }
 
 // "|" stands for a line feed.
-QString nl(const char* text) {
-    return QString::fromUtf8(text).replace('|', '\n');
-}
-
-const char* const kPrologue =
+const QString kPrologue =
     R"(<!DOCTYPE html PUBLIC "-//W3C//DTD XHTML 1.0 Transitional//EN" )"
     R"("http://www.w3.org/TR/xhtml1/DTD/xhtml1-transitional.dtd">|)"
     R"(<html xmlns="http://www.w3.org/1999/xhtml">|<head>|)"
     R"(<meta http-equiv="Content-Type" content="text/html; charset=UTF-8" />|)"
     R"(<meta name="viewport" content="width=device-width, initial-scale=1.0" />|)";
-const char* const kCssAndJquery =
-    R"(<link href="KLcss/klGScss.css" rel="stylesheet" type="text/css">|<!-- Keldra: lightbox -->|)"
-    R"(<script src="https://ajax.googleapis.com/ajax/libs/jquery/1.9.1/jquery.min.js"></script>|)"
-    R"(<script type="text/javascript" src="KLovlightbox/)";
-const char* const kLightboxCall =
-    R"(.lightbox.js"></script>||<script>|$(function() {|$('.klOVimg a').lightbox();|});|)"
-    R"(</script>||)";
-const char* const kBodyStart =
-    R"(rel="stylesheet">|</head>|<body>|<!-- Keldra: responsive design main container - Begin -->|)"
-    R"(<div class="KLovTableBased-container">|<!-- Keldra: Background pattern - Begin -->|)"
-    R"(<div class="klSsPatternBox">|)";
-const char* const kLogo =
-    R"(<div style="width:100%;padding:6px;float:left;">|<div style="float:left;padding:6px;">)"
-    R"(<a href="%1://www.keldra.com/orvella"><img src="KLovlightbox/klOrvella.png" )"
-    R"(alt="klOrvella" width="auto" height="auto"></a></div>|)";
-const char* const kEnd =
-    R"(</div><!-- Keldra: responsive design main container - End -->|</body>|</html>)";
+// A page of either model; %1 to %10 are the pieces where the two models differ.
+const QString kPage =
+    kPrologue + R"(<title>%1</title>|<!-- Keldra: responsive design%2 -->|)"
+                R"(<link href="KLcss/klGScss.css" rel="stylesheet" type="text/css">|)"
+                R"(<!-- Keldra: lightbox -->|<script src="https://ajax.googleapis.com/ajax/libs/)"
+                R"(jquery/1.9.1/jquery.min.js"></script>|<script type="text/javascript" )"
+                R"(src="KLovlightbox/%3.lightbox.js"></script>||<script>|$(function() {|)"
+                R"($('.klOVimg a').lightbox();|});|</script>||%4<!-- Keldra: Roboto, from Google )"
+                R"(fonts -->|<link href="https://fonts.googleapis.com/css?family=%5:300,400,500,)"
+                R"(700,900" rel="stylesheet">|</head>|<body>|<!-- Keldra: responsive design main )"
+                R"(container - Begin -->|<div class="KLovTableBased-container">|<!-- Keldra: )"
+                R"(Background pattern - Begin -->|<div class="klSsPatternBox">|)"
+                R"(<div style="width:%6%;margin: auto;"><!-- Keldra: %7 - Begin -->|%8)"
+                R"(<div style="width:100%;padding:6px;float:left;">|<div style="float:left;)"
+                R"(padding:6px;"><a href="%9://www.keldra.com/orvella"><img src="KLovlightbox/)"
+                R"(klOrvella.png" alt="klOrvella" width="auto" height="auto"></a></div>|%10)"
+                R"(</div><!-- Keldra: Background pattern - End -->|</div><!-- Keldra: )"
+                R"(responsive design main container - End -->|</body>|</html>)";
+
+// The text with its %1, %2, ... filled in turn and "|" made a line feed.
+QString page(QString text, const QStringList& pieces = {}) {
+    for (const QString& piece : pieces) text = text.arg(piece);
+    return text.replace('|', '\n');
+}
+
+const QString kImg = R"(<div class="klOVimg">)";
 
 }  // namespace
 
-TEST(GalleryRun, IndexRedirectText) {
-    const QString dir = freshDir("gallery-index");
-    cResponsiveDesign::hCreateIndexRedirectHTML("myIndex", dir);
-    EXPECT_EQ(readText(dir + "index.html"),
-              nl(kPrologue) +
-                  R"(<head>/n<meta http-equiv="Content-Type" content="text/html; charset=UTF-8" />)"
-                  R"(/n<meta name="viewport" content="width=device-width, initial-scale=1.0" />)"
-                  R"(/n<title>my first responsive designed picture gallery</title>/n<script>)"
-                  "window.location.href = \"myIndex.html\"</script>\n</head>\n<body></body>");
-}
-
-// Caption and file name on, plain lightbox script; metadata text is escaped, the heading is not.
-TEST(GalleryRun, TableModelPageText) {
-    const QString src = freshDir("gallery-table-src");
-    const QString dir = freshDir("gallery-table");
-    const QStringList photos = {makePhoto(src, "a.png", 80, 60), makePhoto(src, "b.png", 60, 80)};
+// Both models, whole texts: caption and file name on in the table model (metadata text escaped, the
+// heading not), both off in the grid model. A second grid run keeps the files of the first.
+TEST(GalleryRun, PageTextsOfBothModels) {
+    const QString src = freshDir("gallery-models-src");
+    const QString table = freshDir("gallery-table"), grid = freshDir("gallery-grid");
+    const QStringList a = {makePhoto(src, "a.png", 80, 60)};
+    const QStringList tableSettings(
+        {"pubPhotoGalleryModel=0", "cbCaptionStatus=0", "pbFontFamily=Kanit", "tfGridWidth=80",
+         "tfPageTitle=T & T", "tvTitle=<b>Hi</b>", "btShowFileName=1", "cbPgShowMetaData=1",
+         "tfPgMetaDataToShow=EXIF User Comment;Show Filename", "tfPgMetaDataValueSep= / ",
+         "pbTitleFontWeight=Bold", "pbFileNameFontWeight=Bold"});
     RecordingUserInterface ui;
-    const GalleryResult result = run(
-        dir, entries(photos, {R"(<i> & "q")", ""}),
-        with({"pubPhotoGalleryModel=0", "cbCaptionStatus=0", "pbFontFamily=Kanit", "tfGridWidth=80",
-              "tfPageTitle=T & T", "tvTitle=<b>Hi</b>", "btShowFileName=1", "cbPgShowMetaData=1",
-              "tfPgMetaDataToShow=EXIF User Comment;Show Filename", "tfPgMetaDataValueSep= / ",
-              "pbTitleFontWeight=Bold", "pbFileNameFontWeight=Bold"}),
-        ui);
-    ASSERT_TRUE(result.ok);
-    EXPECT_EQ(result.firstPage, dir + "myIndex.html");
-    EXPECT_TRUE(ui.alerts.empty());
-    EXPECT_TRUE(ui.opened.isEmpty());
-    const QString expected =
-        nl(kPrologue) + nl("<title>T & T</title>|<!-- Keldra: responsive design - Begin -->|") +
-        nl(kCssAndJquery) + "jquery" + nl(kLightboxCall) +
-        nl(R"(<!-- Keldra: responsive design - End -->|<!-- Keldra: Roboto, from Google fonts -->|)"
-           R"(<link href="https://fonts.googleapis.com/css?family=Kanit:300,400,500,700,900" )") +
-        nl(kBodyStart) +
-        nl(R"(<div style="width:80%;margin: auto;"><!-- Keldra: responsive design grid - )"
-           R"(Begin -->|<div class="klOVtitle"><b>Hi</b></div>|)"
-           R"(<div class="klOVresponsive">|<div class="klOVimg">|<a href="KLimages_b/a.jpeg" )"
-           R"(rel="klOVlightbox" title="a; &lt;i&gt; &amp; &quot;q&quot; / a.png">|)"
-           R"(<img src="KLimages_s/a.jpeg" alt="a" width="auto" height="auto">|</a>|</div>|)"
-           R"(<div class="klOVphotoname">a</div>|)"
-           R"(<div class="klOVdescription">&lt;i&gt; &amp; &quot;q&quot; / a.png</div>|</div>|)"
-           R"(<div class="klOVresponsive">|<div class="klOVimg">|<a href="KLimages_b/b.jpeg" )"
-           R"(rel="klOVlightbox" title="b; b.png">|)"
-           R"(<img src="KLimages_s/b.jpeg" alt="b" width="auto" height="auto">|</a>|</div>|)"
-           R"(<div class="klOVphotoname">b</div>|)"
-           R"(<div class="klOVdescription">b.png</div>|</div>|)") +
-        nl(kLogo).arg("http") +
-        nl("</div>|</div><!-- Keldra: grid - End -->|</div><!-- Keldra: Background pattern - End "
-           "-->|") +
-        nl(kEnd);
-    EXPECT_EQ(readText(dir + "myIndex.html").toStdString(), expected.toStdString());
-    const QString css = readText(dir + "KLcss/klGScss.css");
+    EXPECT_EQ(run(table, a, tableSettings, ui, 2, {R"(<i> & "q")"}).firstPage,
+              table + "myIndex.html");
+    const QString photo =
+        R"(<div class="klOVtitle"><b>Hi</b></div>|<div class="klOVresponsive">|)"
+        R"(<div class="klOVimg">|<a href="KLimages_b/a.jpeg" rel="klOVlightbox" )"
+        R"(title="a; &lt;i&gt; &amp; &quot;q&quot; / a.png">|<img src="KLimages_s/a.jpeg" alt="a" )"
+        R"(width="auto" height="auto">|</a>|</div>|<div class="klOVphotoname">a</div>|)"
+        R"(<div class="klOVdescription">&lt;i&gt; &amp; &quot;q&quot; / a.png</div>|</div>|)";
+    const QString tableText =
+        page(kPage, {"T & T", " - Begin", "jquery", "<!-- Keldra: responsive design - End -->|",
+                     "Kanit", "80", "responsive design grid", photo, "http",
+                     "</div>|</div><!-- Keldra: grid - End -->|"});
+    EXPECT_EQ(readText(table + "myIndex.html").toStdString(), tableText.toStdString());
+    // The redirect writes "/n" where a line feed is meant, kept on purpose.
+    EXPECT_EQ(readText(table + "index.html"),
+              page(kPrologue + R"(<head>/n<meta http-equiv="Content-Type" content="text/html; )"
+                               R"(charset=UTF-8" />/n<meta name="viewport" content="width=device-)"
+                               R"(width, initial-scale=1.0" />/n<title>my first responsive )"
+                               R"(designed picture gallery</title>/n<script>window.location.)"
+                               R"(href = "myIndex.html"</script>|</head>|<body></body>)"));
+    // The table stylesheet; heading and file-name weights both "Bold" give 700 and 900.
+    const QString css = readText(table + "KLcss/klGScss.css");
     EXPECT_TRUE(css.contains("(max-width: 6000px)"));
-    // Heading and file-name weights both "Bold": the heading gets 700, the file name 900.
     EXPECT_TRUE(css.contains("font-size:32px;\nfont-weight:700;\n"));
     EXPECT_TRUE(css.contains("font-size:14px;\nfont-weight:900;\n"));
-}
 
-TEST(GalleryRun, GridModelPageText) {
-    const QString src = freshDir("gallery-grid-src");
-    const QString dir = freshDir("gallery-grid");
-    RecordingUserInterface ui;
-    ASSERT_TRUE(run(dir, entries({makePhoto(src, "a.png", 80, 60)}),
-                    with({"pubPhotoGalleryModel=2", "cbCaptionStatus=1", "pbFontFamily=Exo 2",
-                          "tfHTMLfileName=page", "tfGridWidth=90", "tfPageTitle=G",
-                          "tvTitle=Heading", "btShowFileName=0", "cbPgShowMetaData=0",
-                          "pbImageFormat=png", "pbBIGImageFormat=tiff"}),
-                    ui, 1, true)
-                    .ok);
-    EXPECT_EQ(ui.opened, QStringList{"file:///" + dir + "page.html"});
-    const QString expected =
-        nl(kPrologue) + nl("<title>G</title>|<!-- Keldra: responsive design -->|") +
-        nl(kCssAndJquery) + "jquery02" + nl(kLightboxCall) +
-        nl(R"(<!-- Keldra: Roboto, from Google fonts -->|)"
-           R"(<link href="https://fonts.googleapis.com/css?family=Exo+2:300,400,500,700,900" )") +
-        nl(kBodyStart) +
-        nl(R"(<div style="width:90%;margin: auto;"><!-- Keldra: grid - Begin -->|)"
-           R"(<div class="klOVtitle">Heading<br><br></div>|<div class="klOVimages">|)"
-           R"(<div class="klOVimg">|<a href="KLimages_b/a.tiff" rel="klOVlightbox" title="a">|)"
-           R"(<img src="KLimages_s/a.png" alt="a" width="auto" height="auto">|</a>|</div>|)"
-           R"(</div><!-- Keldra: grid - End -->|)") +
-        nl(kLogo).arg("https") + nl("</div><!-- Keldra: Background pattern - End -->|") + nl(kEnd);
-    EXPECT_EQ(readText(dir + "page.html").toStdString(), expected.toStdString());
-    EXPECT_TRUE(readText(dir + "KLcss/klGScss.css").contains("@media (min-width: 400px)"));
-    EXPECT_EQ(header(dir + "KLimages_s/a.png"), "40x30 pngload");
-    EXPECT_EQ(header(dir + "KLimages_b/a.tiff"), "80x60 tiffload");
+    const QStringList settings(
+        {"pubPhotoGalleryModel=2", "cbCaptionStatus=1", "pbFontFamily=Exo 2", "tfHTMLfileName=page",
+         "tfGridWidth=90", "tfPageTitle=G", "tvTitle=Heading", "btShowFileName=0",
+         "cbPgShowMetaData=0", "pbImageFormat=png", "pbBIGImageFormat=tiff",
+         "cbTbRdShowPatternImage=1", "tfTbRdPatternPath=" + makePhoto(src, "dots.png", 8, 8)});
+    ASSERT_TRUE(run(grid, a, settings, ui, 1).ok);
+    EXPECT_EQ(ui.opened.last(), "file:///" + grid + "page.html");
+    const QString gridPhoto =
+        R"(<div class="klOVtitle">Heading<br><br></div>|<div class="klOVimages">|)"
+        R"(<div class="klOVimg">|<a href="KLimages_b/a.tiff" rel="klOVlightbox" title="a">|)"
+        R"(<img src="KLimages_s/a.png" alt="a" width="auto" height="auto">|</a>|</div>|)"
+        R"(</div><!-- Keldra: grid - End -->|)";
+    EXPECT_EQ(readText(grid + "page.html").toStdString(),
+              page(kPage, {"G", "", "jquery02", "", "Exo+2", "90", "grid", gridPhoto, "https", ""})
+                  .toStdString());
+    EXPECT_TRUE(readText(grid + "KLcss/klGScss.css").contains("@media (min-width: 400px)"));
+    EXPECT_EQ(header(grid + "KLimages_s/a.png"), "40x30 pngload");
+    EXPECT_EQ(header(grid + "KLimages_b/a.tiff"), "80x60 tiffload");
     // The working copies in the photo's own type are gone when the format differs.
-    EXPECT_FALSE(QFile::exists(dir + "KLimages_b/a.png"));
+    EXPECT_FALSE(QFile::exists(grid + "KLimages_b/a.png"));
+
+    const QStringList kept = {"KLovlightbox/jquery.lightbox.js", "KLovlightbox/close.gif",
+                              "KLovPatterns/dots.png"};
+    for (const QString& name : kept) EXPECT_GT(QFile(grid + name).size(), 0) << name.toStdString();
+    for (const QString& name : kept) write(grid + name, "kept");
+    QFile::remove(grid + "index.html");
+    ASSERT_TRUE(run(grid, a, settings, ui, 1).ok);
+    for (const QString& name : kept) EXPECT_EQ(readText(grid + name), "kept") << name.toStdString();
+    EXPECT_TRUE(QFile::exists(grid + "index.html"));
 }
 
-// An exact multiple of the page size gives no page at all, kept on purpose.
-TEST(GalleryRun, PageCounts) {
+// 13 and 12 photos at 12 a page, 5 at 3 x 2, with bad photos among them that do not stop the run.
+// One worker or all of them: the same files byte for byte.
+TEST(GalleryRun, PagesThreadsAndBadPhotos) {
     const QString src = freshDir("gallery-pages-src");
-    QStringList photos;
-    for (int i = 0; i < 13; ++i)
-        photos.append(makePhoto(src, QStringLiteral("p%1.png").arg(i, 2, 10, QChar('0')), 24, 18));
+    write(src + "empty.jpg", "");
+    write(src + "corrupt.jpg", QByteArray("\xFF\xD8\xFF\xE0 not really a jpeg", 23).repeated(20));
+    QDir().mkpath(src + "folder.png");
+    QDir().mkpath(src + "other");
+    // Two photos whose outputs share a name (t0) must still come out as a single worker makes them.
+    QStringList photos = {
+        makePhoto(src, "t0.png", 60, 50),           src + "empty.jpg",  src + "corrupt.jpg",
+        makePhoto(src, "t1.png", 70, 50),           src + "folder.png", src + "missing.png",
+        makePhoto(src + "other/", "t0.png", 90, 90)};
+    photos += testsupport::mateBackgroundJpegs().mid(0, 1);
+    for (int i = 2; i < 7; ++i)
+        photos.append(makePhoto(src, QStringLiteral("t%1.png").arg(i), 60 + 10 * i, 50));
+    const auto gallery = [&](int count, const QString& columns, const QString& rows, int threads) {
+        const QString dir = freshDir(QStringLiteral("gallery-pages-%1-%2").arg(count).arg(threads));
+        const QStringList set = {"cbPgShowMetaData=1", "ifNumberOfColumns=" + columns,
+                                 "tfPgMetaDataToShow=Show Filename;EXIF Creation Date",
+                                 "ifNumberOfRows=" + rows};
+        RecordingUserInterface ui;
+        EXPECT_TRUE(run(dir, photos.mid(0, count), set, ui, threads).ok);
+        EXPECT_EQ(ui.opened, QStringList{"file:///" + dir + "myIndex.html"});
+        EXPECT_TRUE(QFile::exists(dir + "index.html") && QFile::exists(dir + "KLcss/klGScss.css"));
+        // Photos after the bad ones are made all the same.
+        EXPECT_EQ(header(dir + "KLimages_s/t1.jpeg") + header(dir + "KLimages_b/t1.jpeg"),
+                  "40x30 jpegload80x57 jpegload");
+        return dir;
+    };
+    const QString one = gallery(13, "4", "3", 1), all = gallery(13, "4", "3", 0);
+    const QString twelve = gallery(12, "4", "3", 2), five = gallery(5, "3", "2", 2);
+    // Both pages of 13 have the navigation bar; the one page of 5 has none. An exact multiple of
+    // the page size gives no page at all, kept on purpose.
     const QString nav =
         R"(<div id="navBar" class="klOVpageNav" style="width:100%;padding:6px;text-align:left;">)"
         R"(<a href="myIndex.html"> 1 </a><a href="myIndex2.html">2 </a></div>)"
         R"(<div class="klOVtitle">)";
-    struct Case {
-        int photos;
-        QStringList layout;
-        std::vector<int> perPage;
-    };
-    for (const Case& c : {Case{5, {"ifNumberOfColumns=3", "ifNumberOfRows=2"}, {5}},
-                          Case{13, {"ifNumberOfColumns=4", "ifNumberOfRows=3"}, {12, 1}},
-                          Case{12, {"ifNumberOfColumns=4", "ifNumberOfRows=3"}, {}}}) {
-        const QString dir = freshDir("gallery-pages");
-        RecordingUserInterface ui;
-        EXPECT_TRUE(run(dir, entries(photos.mid(0, c.photos)),
-                        with(QStringList{"pbImageFormat=png"} + c.layout), ui, 0, true)
-                        .ok);
-        for (int page = 1; page <= int(c.perPage.size()) + 1; ++page) {
-            const QString text = readText(dir + cResponsiveDesign::pageFileName("myIndex", page));
-            const int expected = page <= int(c.perPage.size()) ? c.perPage[page - 1] : 0;
-            EXPECT_EQ(text.count(R"(<div class="klOVimg">)"), expected) << c.photos << " " << page;
-            EXPECT_EQ(text.contains(nav), expected && c.perPage.size() == 2) << c.photos;
-        }
-        EXPECT_TRUE(readText(dir + "myIndex2.html").contains("KLimages_s/p12.png") ==
-                    (c.photos == 13));
-        EXPECT_TRUE(QFile::exists(dir + "index.html") && QFile::exists(dir + "KLcss/klGScss.css"));
-        EXPECT_EQ(filesUnder(dir + "KLimages_s/").size(), c.photos);
-        EXPECT_EQ(ui.opened, QStringList{"file:///" + dir + "myIndex.html"});
-    }
+    const QString first = readText(one + "myIndex.html"), second = readText(one + "myIndex2.html");
+    EXPECT_TRUE(first.contains(nav) && second.contains(nav) &&
+                second.contains("KLimages_s/t6.jpeg"));
+    const QString fivePage = readText(five + "myIndex.html");
+    EXPECT_EQ(std::make_tuple(first.count(kImg), second.count(kImg), fivePage.count(kImg),
+                              fivePage.contains("navBar")),
+              std::make_tuple(12, 1, 5, false));
+    EXPECT_FALSE(QFile::exists(one + "myIndex3.html") || QFile::exists(five + "myIndex2.html") ||
+                 QFile::exists(twelve + "myIndex.html"));
+    const QStringList files = filesUnder(one);
+    ASSERT_EQ(files, filesUnder(all));
+    for (const QString& f : files)
+        EXPECT_TRUE(readText(one + f) == readText(all + f)) << f.toStdString();
 }
 
-TEST(GalleryRun, Alerts) {
-    const QString src = freshDir("gallery-alerts-src");
-    const QList<PhotoEntry> photo = entries({makePhoto(src, "a.png", 300, 200)});
-    struct Case {
-        QList<PhotoEntry> photos;
-        QStringList settings;
-        const char* title;
-        const char* description;
-        bool stops = true;
-    };
-    const Case cases[] = {
-        {{}, {}, "Sorry, you forgot to select photos.", "Please choose the photos."},
-        {photo, {"ifNumberOfColumns=0"}, "Sorry, the page layout is not possible.", nullptr},
-        {photo, {"ifNumberOfRows=0"}, "Sorry, the page layout is not possible.", nullptr},
-        // Big size 200 equals thumbnail size 200: a warning, and the run goes on.
-        {photo,
-         {"pubPhotoRatio=0", "tfSmallCropWidth=200", "tfSmallCropHeight=150", "tfBigCropWidth=200",
-          "tfBigCropHeight=100"},
-         "Sorry, some wrong properties",
-         "\r- Lightbox images are smaller than your thumbnails. (Thumbnail size: 200)",
-         false},
-    };
-    for (const Case& c : cases) {
-        const QString dir = freshDir("gallery-alert");
+// An empty choice and a layout of 0 columns are refused before anything is written.
+TEST(GalleryRun, RefusedRuns) {
+    const QString photo = makePhoto(freshDir("gallery-refused-src"), "a.png", 40, 30);
+    for (const auto& [photos, settings, alert] :
+         std::vector<std::tuple<QStringList, QStringList, QString>>{
+             {{}, {}, "Sorry, you forgot to select photos.|Please choose the photos.|"},
+             {{photo}, {"ifNumberOfColumns=0"}, "Sorry, the page layout is not possible.|"}}) {
+        const QString dir = freshDir("gallery-refused");
         RecordingUserInterface ui;
-        EXPECT_EQ(run(dir, c.photos, with(c.settings, false), ui).ok, !c.stops);
-        ASSERT_EQ(ui.alerts.size(), 1u) << c.title;
-        EXPECT_EQ(ui.alerts[0].title, c.title);
-        EXPECT_TRUE(!c.description || ui.alerts[0].description == c.description) << c.title;
-        EXPECT_EQ(ui.alerts[0].stopsRun, c.stops) << c.title;
-        EXPECT_EQ(ui.stops, 1) << c.title;
-        EXPECT_EQ(QDir(dir).isEmpty(), c.stops) << c.title;
-        EXPECT_TRUE(c.stops || header(dir + "KLimages_b/a.jpeg") == "200x100 jpegload");
+        EXPECT_FALSE(run(dir, photos, settings, ui).ok);
+        EXPECT_TRUE(alerts(ui).startsWith(alert) && alerts(ui).endsWith("|stops\n") &&
+                    ui.alerts.size() == 1)
+            << alerts(ui).toStdString();
+        EXPECT_TRUE(ui.stops == 1 && QDir(dir).isEmpty());
     }
 }
 
 TEST(GalleryRun, CaptionRules) {
     const QString src = freshDir("gallery-captions-src");
     const QString photo = makePhoto(src, "shot.jpg", 40, 30);
-    ASSERT_EQ(runProgram("exiftool",
-                         {"-q", "-overwrite_original", "-IPTC:City=Lyon", "-IPTC:Headline=Sunset",
-                          "-EXIF:DateTimeOriginal=2019:07:14 18:03:22", photo}),
-              0);
+    runProgram("exiftool", {"-q", "-overwrite_original", "-IPTC:City=Lyon", "-IPTC:Headline=Sunset",
+                            "-EXIF:DateTimeOriginal=2019:07:14 18:03:22", photo});
     const QString bare = makePhoto(src, "bare.jpg", 40, 30);
-    struct Case {
-        const char *show, *items, *separator;
-        QString path;
-        const char *description, *caption;
-    };
-    const Case cases[] = {
+    // Show, items, separator, photo, description, caption.
+    const std::vector<std::array<QString, 6>> cases = {
         {"1", "IPTC City;Show Filename", " - ", bare, "", "bare.jpg"},
         {"1", "IPTC City;Show Filename", " - ", photo, "", "Lyon - shot.jpg"},
         {"1", "EXIF User Comment;Nonsense;IPTC Headline", "|", photo, "Hello", "Hello|Sunset"},
         {"1", "EXIF User Comment;EXIF Creation Date", ", ", photo, "", "2019:07:14 18:03:22"},
-        {"1", "", " - ", photo, "desc", ""},
-        {"1", "Show Filename;Show Filename", "", bare, "", "bare.jpgbare.jpg"},
         {"0", "Show Filename", "", bare, "x", ""},
     };
-    for (const Case& c : cases) {
+    for (const auto& [show, items, separator, path, description, caption] : cases) {
         mMeta meta;
         const SettingsStore settings =
-            testsupport::settingsWith({{"cbPgShowMetaData", c.show},
-                                       {"tfPgMetaDataToShow", c.items},
-                                       {"tfPgMetaDataValueSep", c.separator}});
-        EXPECT_EQ(cResponsiveDesign::caption({QUrl::fromLocalFile(c.path), c.description}, settings,
-                                             meta),
-                  c.caption)
-            << c.items;
+            store({"cbPgShowMetaData=" + show, "tfPgMetaDataToShow=" + items,
+                   "tfPgMetaDataValueSep=" + separator});
+        const PhotoEntry entry = {QUrl::fromLocalFile(path), description};
+        EXPECT_EQ(cResponsiveDesign::caption(entry, settings, meta), caption) << qPrintable(items);
     }
 }
 
+// Both derivatives of a landscape and a portrait photo ("wide tall wideBig tallBig"), and alerts.
 TEST(GalleryRun, DerivativeFiles) {
     const QString src = freshDir("gallery-derivatives-src");
     const QStringList photos = {makePhoto(src, "wide.png", 400, 300),
                                 makePhoto(src, "tall.jpg", 300, 400)};
-    struct Case {
-        QStringList settings;
-        const char *wideThumb, *tallThumb, *wideBig, *tallBig;
-    };
-    const Case cases[] = {
-        // Defaults: 200 x 150 cut at the centre, lightbox 1200 on the longest side.
-        {{}, "200x150", "200x150", "1200x900", "900x1200"},
+    // Settings, sizes, alerts.
+    const std::vector<std::array<QString, 3>> cases = {
         // Scale by width and by height: only the height step stays.
-        {{"pubThumbAction=1", "pubPhotoRatio=0", "tfSmallCropWidth=100", "tfSmallCropHeight=120"},
-         "160x120",
-         "90x120",
-         "1200x900",
-         "900x1200"},
-        // Big crop box (as wide as the landscape photo is scaled; "" = not checked).
-        {{"tfBigCropWidth=500", "tfBigCropHeight=250", "scImageCropBigPos=0"},
-         "200x150",
-         "200x150",
-         "500x250",
-         ""},
-        // Frames keep the size.
-        {{"tfSmallFramingThickness=10", "tfBigFramingThickness=6", "cwNSColorWellObjBsImage=FF0000",
-          "tfBigCropWidth=320"},
-         "200x150",
-         "200x150",
-         "320x240",
-         "240x320"},
+        {"pubThumbAction=1 tfSmallCropWidth=100 tfSmallCropHeight=120 tfBigCropWidth=160",
+         "160x120 90x120 160x120 120x160", ""},
+        // Cut at the centre to 40 x 30, the big image 80 on its longest side; frames keep the size.
+        {"tfSmallFramingThickness=10 tfBigFramingThickness=6 cwNSColorWellObjBsImage=FF0000",
+         "40x30 40x30 80x60 60x80", ""},
+        // Big size 200 equals thumbnail size 200: a warning, and the run goes on to crop the big
+        // ones (the portrait one is only 150 wide).
+        {"tfSmallCropWidth=200 tfSmallCropHeight=150 tfBigCropWidth=200 tfBigCropHeight=100",
+         "200x150 200x150 200x100 150x100",
+         "Sorry, some wrong properties|\r- Lightbox images are smaller than your thumbnails. "
+         "(Thumbnail size: 200)\n"},
     };
-    for (const Case& c : cases) {
+    for (const auto& [settings, sizes, alert] : cases) {
         const QString dir = freshDir("gallery-derivatives");
         RecordingUserInterface ui;
-        ASSERT_TRUE(run(dir, entries(photos), with(c.settings, false), ui).ok);
-        const std::string label = c.settings.join(' ').toStdString();
-        EXPECT_EQ(header(dir + "KLimages_s/wide.jpeg"), c.wideThumb + QString(" jpegload"))
-            << label;
-        EXPECT_EQ(header(dir + "KLimages_s/tall.jpeg"), c.tallThumb + QString(" jpegload"))
-            << label;
-        EXPECT_EQ(header(dir + "KLimages_b/wide.jpeg"), c.wideBig + QString(" jpegload")) << label;
-        EXPECT_TRUE(!*c.tallBig ||
-                    header(dir + "KLimages_b/tall.jpeg") == c.tallBig + QString(" jpegload"))
-            << label;
-        EXPECT_EQ(filesUnder(dir + "KLimages_s/"), (QStringList{"tall.jpeg", "wide.jpeg"}))
-            << label;
+        ASSERT_TRUE(run(dir, photos, settings.split(' '), ui).ok);
+        EXPECT_EQ(alerts(ui), alert);
+        QStringList found;
+        for (const char* file : {"s/wide", "s/tall", "b/wide", "b/tall"})
+            found << header(dir + "KLimages_" + file + ".jpeg").remove(" jpegload");
+        EXPECT_EQ(found.join(' '), sizes);
+        EXPECT_EQ(filesUnder(dir + "KLimages_s/"), (QStringList{"tall.jpeg", "wide.jpeg"}));
     }
-}
-
-TEST(GalleryRun, SameOutputWhateverTheThreads) {
-    const QString src = freshDir("gallery-threads-src");
-    QStringList photos;
-    for (int i = 0; i < 6; ++i)
-        photos.append(makePhoto(src, QStringLiteral("t%1.png").arg(i), 60 + 10 * i, 50));
-    // Two photos whose outputs share a name must still come out as a single run makes them.
-    QDir().mkpath(src + "other");
-    photos.append(makePhoto(src + "other/", "t0.png", 90, 90));
-    photos += testsupport::mateBackgroundJpegs().mid(0, 1);
-    const SettingsStore settings =
-        with({"tfSmallCropWidth=48", "tfSmallCropHeight=32", "tfBigCropWidth=160",
-              "ifNumberOfColumns=2", "ifNumberOfRows=2", "cbPgShowMetaData=1",
-              "tfPgMetaDataToShow=Show Filename;EXIF Creation Date"});
-    const QString one = freshDir("gallery-threads-1");
-    const QString all = freshDir("gallery-threads-all");
-    RecordingUserInterface ui1, uiAll;
-    run(one, entries(photos), settings, ui1, 1);
-    run(all, entries(photos), settings, uiAll, 0);
-    const QStringList files = filesUnder(one);
-    ASSERT_EQ(files, filesUnder(all));
-    EXPECT_GT(files.size(), 15);
-    for (const QString& f : files) {
-        QFile a(one + f), b(all + f);
-        ASSERT_TRUE(a.open(QIODevice::ReadOnly) && b.open(QIODevice::ReadOnly));
-        EXPECT_TRUE(a.readAll() == b.readAll()) << f.toStdString();
-    }
-    EXPECT_EQ(ui1.steps, uiAll.steps);
-}
-
-TEST(GalleryRun, BadPhotosDoNotStopTheRun) {
-    const QString src = freshDir("gallery-bad-src");
-    ASSERT_TRUE(QFile(src + "empty.jpg").open(QIODevice::WriteOnly));
-    QFile corrupt(src + "corrupt.jpg");
-    ASSERT_TRUE(corrupt.open(QIODevice::WriteOnly));
-    corrupt.write(QByteArray("\xFF\xD8\xFF\xE0 not really a jpeg", 23).repeated(20));
-    corrupt.close();
-    QDir().mkpath(src + "folder.png");
-    QStringList photos = {makePhoto(src, "good1.png", 40, 30)};
-    for (const char* bad : {"empty.jpg", "corrupt.jpg", "folder.png", "missing.png"})
-        photos.append(src + bad);
-    photos.append(makePhoto(src, "good2.jpg", 40, 30));
-    const QString dir = freshDir("gallery-bad");
-    RecordingUserInterface ui;
-    EXPECT_TRUE(run(dir, entries(photos), with({}), ui, 3).ok);
-    EXPECT_EQ(header(dir + "KLimages_s/good1.jpeg"), "40x30 jpegload");
-    EXPECT_EQ(header(dir + "KLimages_s/good2.jpeg"), "40x30 jpegload");
-    EXPECT_EQ(header(dir + "KLimages_b/good2.jpeg"), "80x60 jpegload");
-    EXPECT_EQ(readText(dir + "myIndex.html").count(R"(<div class="klOVimg">)"), 6);
-}
-
-// Files left by an earlier run into the same folder are kept; index.html is rewritten.
-TEST(GalleryRun, SecondRunKeepsSupportFiles) {
-    const QString src = freshDir("gallery-twice-src");
-    const QList<PhotoEntry> photo = entries({makePhoto(src, "a.png", 40, 30)});
-    const QString pattern = makePhoto(src, "dots.png", 8, 8);
-    const QString dir = freshDir("gallery-twice");
-    const SettingsStore settings =
-        with({"cbTbRdShowPatternImage=1", QString("tfTbRdPatternPath=") + pattern});
-    RecordingUserInterface ui;
-    run(dir, photo, settings, ui);
-    const QStringList kept = {"KLovlightbox/jquery.lightbox.js", "KLovlightbox/close.gif",
-                              "KLovPatterns/dots.png"};
-    for (const QString& name : kept) {
-        QFile copy(dir + name);
-        ASSERT_TRUE(copy.size() > 0 && copy.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        copy.write("kept");
-    }
-    QFile::remove(dir + "index.html");
-    run(dir, photo, settings, ui);
-    for (const QString& name : kept) EXPECT_EQ(readText(dir + name), "kept") << name.toStdString();
-    EXPECT_TRUE(QFile::exists(dir + "index.html"));
 }
