@@ -1,7 +1,6 @@
 #include "app/CollectionDragModel.h"
 
 #include <QDataStream>
-#include <QDir>
 #include <QFileInfo>
 #include <QIODevice>
 #include <QMimeData>
@@ -12,39 +11,7 @@ namespace {
 const QString kIndexesType = QStringLiteral("application/x-orvella-photo-indexes");
 const QString kUrlsType = QStringLiteral("text/uri-list");
 
-// File names as a file manager lists them: case-insensitive, runs of digits by their value
-// ("img2" before "img10"), whatever the locale.
-bool namedBefore(const QString& a, const QString& b) {
-    // The digits of the run starting at k, without leading zeros; k moves past the run.
-    auto number = [](const QString& s, qsizetype& k) {
-        while (k < s.size() && s[k] == u'0') ++k;
-        const qsizetype start = k;
-        while (k < s.size() && s[k].isDigit()) ++k;
-        return QStringView(s).mid(start, k - start);
-    };
-    qsizetype i = 0;
-    qsizetype j = 0;
-    while (i < a.size() && j < b.size()) {
-        if (a[i].isDigit() && b[j].isDigit()) {
-            const QStringView x = number(a, i);
-            const QStringView y = number(b, j);
-            if (x.size() != y.size()) return x.size() < y.size();
-            if (x != y) return x < y;
-            continue;
-        }
-        const QChar x = a[i++].toCaseFolded();
-        const QChar y = b[j++].toCaseFolded();
-        if (x != y) return x < y;
-    }
-    return a.size() - i < b.size() - j;
-}
-
 }  // namespace
-
-bool CollectionDragModel::isPhotoFileName(const QString& fileName) {
-    static const QStringList extensions = {"png", "jpg", "jpeg", "tif", "tiff"};
-    return extensions.contains(QFileInfo(fileName).suffix(), Qt::CaseInsensitive);
-}
 
 QStringList CollectionDragModel::photoFilesFromUrls(const QList<QUrl>& urls) {
     QStringList files;
@@ -52,12 +19,7 @@ QStringList CollectionDragModel::photoFilesFromUrls(const QList<QUrl>& urls) {
         if (!url.isLocalFile()) continue;
         const QFileInfo info(url.toLocalFile());
         if (info.isDir()) {
-            QStringList inside;
-            const QFileInfoList entries = QDir(info.absoluteFilePath()).entryInfoList(QDir::Files);
-            for (const QFileInfo& entry : entries)
-                if (isPhotoFileName(entry.fileName())) inside.append(entry.absoluteFilePath());
-            std::stable_sort(inside.begin(), inside.end(), namedBefore);
-            files += inside;
+            files += photoFilesInFolder(info.absoluteFilePath());
         } else if (info.isFile() && isPhotoFileName(info.fileName())) {
             files.append(info.absoluteFilePath());
         }

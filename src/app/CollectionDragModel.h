@@ -19,7 +19,6 @@ class CollectionDragModel : public PhotoCollection {
     // The photo files among dropped URLs, in their order: local files with a photo extension (any
     // case), and for a folder the photo files directly inside it, sorted by name.
     static QStringList photoFilesFromUrls(const QList<QUrl>& urls);
-    static bool isPhotoFileName(const QString& fileName);
 
     // Where dropped files report their progress; none by default.
     void setUserInterface(UserInterface* ui) { ui_ = ui; }

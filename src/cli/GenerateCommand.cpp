@@ -95,21 +95,6 @@ class TerminalUserInterface : public UserInterface {
     bool barShown_ = false;
 };
 
-bool isPhotoFile(const QFileInfo& info) {
-    static const QStringList extensions = {"png", "jpg", "jpeg", "tif", "tiff"};
-    return info.isFile() && extensions.contains(info.suffix().toLower());
-}
-
-QStringList folderPhotos(const QString& folder) {
-    QFileInfoList entries = QDir(folder).entryInfoList(QDir::Files | QDir::NoDotAndDotDot);
-    std::sort(entries.begin(), entries.end(),
-              [](const QFileInfo& a, const QFileInfo& b) { return a.fileName() < b.fileName(); });
-    QStringList paths;
-    for (const QFileInfo& info : entries)
-        if (isPhotoFile(info)) paths.append(info.absoluteFilePath());
-    return paths;
-}
-
 int usage(Io& io, const QString& message) {
     io.err << "orvella generate: " << message << "\n";
     return kUsage;
@@ -173,7 +158,7 @@ int generateGallery(const QStringList& args, Io& io) {
     for (const QString& input : inputs) {
         const QFileInfo info(input);
         if (info.isDir())
-            paths += folderPhotos(input);
+            paths += PhotoCollection::photoFilesInFolder(input);
         else if (info.exists())
             paths.append(info.absoluteFilePath());
         else

@@ -11,6 +11,33 @@
 
 namespace {
 
+// File names as a file manager lists them: case-insensitive, runs of digits by their value
+// ("img2" before "img10"), whatever the locale.
+bool namedBefore(const QString& a, const QString& b) {
+    // The digits of the run starting at k, without leading zeros; k moves past the run.
+    auto number = [](const QString& s, qsizetype& k) {
+        while (k < s.size() && s[k] == u'0') ++k;
+        const qsizetype start = k;
+        while (k < s.size() && s[k].isDigit()) ++k;
+        return QStringView(s).mid(start, k - start);
+    };
+    qsizetype i = 0;
+    qsizetype j = 0;
+    while (i < a.size() && j < b.size()) {
+        if (a[i].isDigit() && b[j].isDigit()) {
+            const QStringView x = number(a, i);
+            const QStringView y = number(b, j);
+            if (x.size() != y.size()) return x.size() < y.size();
+            if (x != y) return x < y;
+            continue;
+        }
+        const QChar x = a[i++].toCaseFolded();
+        const QChar y = b[j++].toCaseFolded();
+        if (x != y) return x < y;
+    }
+    return a.size() - i < b.size() - j;
+}
+
 // Case-insensitive order of file names; `descending` reverses it. Equal names keep their order.
 bool before(const cCollectionViewItem& a, const cCollectionViewItem& b, bool descending) {
     const int order = QString::compare(a.myPhotoName, b.myPhotoName, Qt::CaseInsensitive);
@@ -28,6 +55,22 @@ QString unreadableReason(const QString& path) {
 }  // namespace
 
 PhotoCollection::PhotoCollection(QObject* parent) : QAbstractListModel(parent) {}
+
+bool PhotoCollection::isPhotoFileName(const QString& fileName) {
+    static const QStringList extensions = {"png", "jpg", "jpeg", "tif", "tiff"};
+    return extensions.contains(QFileInfo(fileName).suffix(), Qt::CaseInsensitive);
+}
+
+QStringList PhotoCollection::photoFilesInFolder(const QString& folder) {
+    QStringList files;
+    for (const QFileInfo& entry : QDir(folder).entryInfoList(QDir::Files))
+        if (isPhotoFileName(entry.fileName())) files.append(entry.absoluteFilePath());
+    // QCollator's numeric mode needs ICU, which a build may lack: compare by hand.
+    std::stable_sort(files.begin(), files.end(), [](const QString& a, const QString& b) {
+        return namedBefore(QFileInfo(a).fileName(), QFileInfo(b).fileName());
+    });
+    return files;
+}
 
 int PhotoCollection::appendPhotos(const QStringList& paths, UserInterface* ui) {
     if (paths.isEmpty()) {
@@ -113,15 +156,15 @@ void PhotoCollection::hRemoveSelectedObject(const QSet<int>& selected) {
 }
 
 void PhotoCollection::setSortingModeAz() {
-    sort_ = Sort::AtoZ;
-    beginResetModel();
-    applySort();
-    endResetModel();
-    Q_EMIT countChanged(count());
+    setSortRule(Sort::AtoZ);
 }
 
 void PhotoCollection::setSortingModezA() {
-    sort_ = Sort::ZtoA;
+    setSortRule(Sort::ZtoA);
+}
+
+void PhotoCollection::setSortRule(Sort sort) {
+    sort_ = sort;
     beginResetModel();
     applySort();
     endResetModel();

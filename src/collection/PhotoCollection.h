@@ -30,11 +30,23 @@ struct GridPhotoEntry {
 // tool tip: path, pixel size and caption).
 class PhotoCollection : public QAbstractListModel {
     Q_OBJECT
-public:
+  public:
     enum class Sort { None, AtoZ, ZtoA };
-    enum Role { SelectRole = Qt::UserRole + 1, HighlightRole, DescriptionRole, PixelSizeRole, PathRole };
+    enum Role {
+        SelectRole = Qt::UserRole + 1,
+        HighlightRole,
+        DescriptionRole,
+        PixelSizeRole,
+        PathRole
+    };
 
     explicit PhotoCollection(QObject* parent = nullptr);
+
+    // Photo files are taken by extension: png, jpg, jpeg, tif, tiff, in any case.
+    static bool isPhotoFileName(const QString& fileName);
+    // The photo files directly inside a folder, as a file manager lists them: by name,
+    // case-insensitive, runs of digits by their value ("img2" before "img10").
+    static QStringList photoFilesInFolder(const QString& folder);
 
     // Size of the cell images made when photos are added; 0 makes none (the command line).
     void setCellImageSize(int pixels) { cellImageSize_ = pixels; }
@@ -84,10 +96,11 @@ public:
     bool setData(const QModelIndex& index, const QVariant& value, int role) override;
     Qt::ItemFlags flags(const QModelIndex& index) const override;
 
-Q_SIGNALS:
+  Q_SIGNALS:
     void countChanged(int count);
 
-private:
+  private:
+    void setSortRule(Sort sort);
     void applySort();
 
     QList<cCollectionViewItem> records_;

@@ -8,8 +8,6 @@
 #include <QSaveFile>
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
-#include <cmath>
-#include <iterator>
 
 #include "services/Log.h"
 
@@ -55,37 +53,6 @@ bool copyItem(const QString& source, const QString& destination, QString* error)
         if (!copyItem(dir.filePath(name), QDir(destination).filePath(name), error)) return false;
     }
     return true;
-}
-
-// The file-style byte count: decimal units, whole kilobytes, one decimal for megabytes, two above.
-QString formatByteCount(qint64 bytes) {
-    if (bytes <= 0) return QStringLiteral("Zero KB");
-    if (bytes == 1) return QStringLiteral("1 byte");
-    if (bytes < 1000) return QStringLiteral("%1 bytes").arg(bytes);
-    struct Unit {
-        double size;
-        const char* name;
-        int decimals;
-    };
-    static const Unit units[] = {
-        {1e3, "KB", 0}, {1e6, "MB", 1}, {1e9, "GB", 2}, {1e12, "TB", 2}, {1e15, "PB", 2}};
-    const Unit* unit = &units[0];
-    for (const Unit& candidate : units) {
-        if (double(bytes) >= candidate.size) unit = &candidate;
-    }
-    double value = double(bytes) / unit->size;
-    // A value that rounds up to the next unit is shown in that unit ("1 MB", not "1000 KB").
-    const double factor = unit->decimals == 0 ? 1.0 : (unit->decimals == 1 ? 10.0 : 100.0);
-    if (std::round(value * factor) / factor >= 1000.0 && unit != &units[std::size(units) - 1]) {
-        ++unit;
-        value = double(bytes) / unit->size;
-    }
-    QString text = QLocale::c().toString(value, 'f', unit->decimals);
-    if (text.contains(u'.')) {
-        while (text.endsWith(u'0')) text.chop(1);
-        if (text.endsWith(u'.')) text.chop(1);
-    }
-    return text + u' ' + QLatin1String(unit->name);
 }
 
 // XML property lists.
@@ -239,7 +206,9 @@ QString cNSFileHandling::hCopyFolderTo(const QString& source, const QString& des
 
 QString cNSFileHandling::getFileSize(const QString& path) {
     const QFileInfo info(path);
-    fileSize = formatByteCount(info.isFile() ? info.size() : 0);
+    // Decimal units, as file managers show file sizes.
+    fileSize = QLocale::system().formattedDataSize(info.isFile() ? info.size() : 0, 1,
+                                                   QLocale::DataSizeSIFormat);
     return fileSize;
 }
 

@@ -17,7 +17,7 @@ struct SaveAsResult {
 // Folders, copies, text files and the conversion of an image file into an output format. Every
 // operation reports its outcome as a short result text and never shows a message.
 class cNSFileHandling {
-public:
+  public:
     // "EXISTS" (nothing done), "OK" or "FAILED"; creates missing parents.
     QString hCreateDirectory(const QString& path) const;
     // Custom file and folder icons do not exist on this platform: does nothing.
@@ -38,7 +38,7 @@ public:
     SaveAsResult hSaveAsFileType(const QString& path, const QString& format,
                                  const QString& compression, const QString& folder) const;
 
-    // The file size as the platform formats it ("12 KB"); also kept in fileSize.
+    // The file size as the platform formats it ("12.3 kB"); also kept in fileSize.
     QString getFileSize(const QString& path);
 
     bool hCheckIfFileExist(const QString& path) const;
