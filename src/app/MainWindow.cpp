@@ -2,6 +2,7 @@
 
 #include <QAction>
 #include <QCheckBox>
+#include <QCloseEvent>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -9,6 +10,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
+#include <QMessageBox>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QSplitter>
@@ -25,30 +27,41 @@
 #include "app/PhotoGridView.h"
 #include "app/SettingsForm.h"
 #include "app/WindowUserInterface.h"
+#include "generators/common/CaptionBuilder.h"
 #include "imaging/CellImage.h"
 
 namespace {
 constexpr int kCellSize = 150;
 }
 
-MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent) {
+MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), settings_(OutputKinds::registry()) {
     setWindowTitle(QStringLiteral("Orvella"));
     progress_ = new QProgressBar;
     progress_->setMaximumWidth(240);
     progress_->hide();
+    cancel_ = new QPushButton(tr("Cancel"));
+    cancel_->setToolTip(tr("Stop after the photo being made; nothing already there is removed"));
+    cancel_->hide();
+    connect(cancel_, &QPushButton::clicked, this, &MainWindow::cancelRun);
     statusBar()->addPermanentWidget(progress_);
+    statusBar()->addPermanentWidget(cancel_);
     ui_ = new WindowUserInterface(this, progress_);
 
     auto* splitter = new QSplitter;
     splitter->addWidget(makeCollectionPanel());
     tabs_ = new QTabWidget;
-    tabs_->addTab(makeGalleryTab(), tr("Photo Gallery"));
+    for (const OutputKind& kind : OutputKinds::all()) tabs_->addTab(makeKindTab(kind), kind.title);
+    // The Highlight box means something only to the kinds that show highlighted photos larger.
+    connect(tabs_, &QTabWidget::currentChanged, this, [this] { showCurrentRecord(); });
     splitter->addWidget(tabs_);
     splitter->setStretchFactor(0, 1);
     splitter->setStretchFactor(1, 0);
     splitter->setSizes({740, 460});
     splitter->setChildrenCollapsible(false);
     setCentralWidget(splitter);
+
+    connect(&run_, &QFutureWatcherBase::started, this, [this] { runStateChanged(true); });
+    connect(&run_, &QFutureWatcherBase::finished, this, &MainWindow::runFinished);
 
     QMenu* file = menuBar()->addMenu(tr("&File"));
     file->addAction(tr("Add Photos…"), QKeySequence::Open, this, &MainWindow::choosePhotos);
@@ -136,46 +149,47 @@ QWidget* MainWindow::makeCollectionPanel() {
     return panel;
 }
 
-QWidget* MainWindow::makeGalleryTab() {
-    galleryForm_ = new SettingsForm(QStringLiteral("gallery"), settings_);
-    auto* generate = new QPushButton(tr("Create Photo Gallery…"));
-    generate->setDefault(true);
-    generate->setMinimumHeight(32);
-    connect(generate, &QPushButton::clicked, this, &MainWindow::generateGallery);
-    connect(&run_, &QFutureWatcherBase::finished, this, [generate] { generate->setEnabled(true); });
-    connect(&run_, &QFutureWatcherBase::started, this, [generate] { generate->setEnabled(false); });
-    connect(&run_, &QFutureWatcherBase::finished, this, &MainWindow::galleryFinished);
+QWidget* MainWindow::makeKindTab(const OutputKind& kind) {
+    auto* form = new SettingsForm(kind.name, settings_);
+    forms_.append(form);
+    auto* create = new QPushButton(kind.action + QStringLiteral("…"));
+    create->setDefault(true);
+    create->setMinimumHeight(32);
+    createButtons_.append(create);
+    connect(create, &QPushButton::clicked, this, [this, &kind] { generate(kind); });
 
-    // The crop height follows the width by the chosen ratio.
-    connect(galleryForm_, &SettingsForm::edited, this, [this](const QString& name) {
-        if (name != u"tfSmallCropWidth" && name != u"tfSmallCropHeight" && name != u"pubPhotoRatio")
-            return;
-        cResponsiveDesign::hPhotoRatioCalc(settings_);
-        galleryForm_->refresh();
-    });
-    auto* addCaptionItem = new QPushButton(tr("Add Item"));
-    addCaptionItem->setToolTip(tr("Append the item to add to the caption items"));
-    auto* clearCaptionItems = new QPushButton(tr("Clear Items"));
-    connect(addCaptionItem, &QPushButton::clicked, this, [this] {
-        cResponsiveDesign::hPgAddMetaDataValue(settings_);
-        galleryForm_->refresh();
-    });
-    connect(clearCaptionItems, &QPushButton::clicked, this, [this] {
-        cResponsiveDesign::hPgClearMetaDataValue(settings_);
-        galleryForm_->refresh();
-    });
-    auto* captionButtons = new QWidget;
-    auto* buttonsLayout = new QHBoxLayout(captionButtons);
-    buttonsLayout->setContentsMargins(0, 0, 0, 0);
-    buttonsLayout->addWidget(addCaptionItem);
-    buttonsLayout->addWidget(clearCaptionItems);
-    buttonsLayout->addStretch();
-    galleryForm_->addToSection(QStringLiteral("Captions"), captionButtons);
+    if (kind.settingEdited)
+        connect(form, &SettingsForm::edited, this, [this, form, &kind](const QString& name) {
+            kind.settingEdited(settings_, name);
+            form->refresh();
+        });
+    if (!kind.captionListControl.isEmpty()) {
+        auto* addItem = new QPushButton(tr("Add Item"));
+        addItem->setToolTip(tr("Append the item to add to the caption items"));
+        auto* clearItems = new QPushButton(tr("Clear Items"));
+        connect(addItem, &QPushButton::clicked, this, [this, form, &kind] {
+            settings_.setText(kind.captionListControl,
+                              CaptionBuilder::withItem(settings_.text(kind.captionListControl),
+                                                       settings_.title(kind.captionItemControl)));
+            form->refresh();
+        });
+        connect(clearItems, &QPushButton::clicked, this, [this, form, &kind] {
+            settings_.setText(kind.captionListControl, QString());
+            form->refresh();
+        });
+        auto* buttons = new QWidget;
+        auto* buttonsLayout = new QHBoxLayout(buttons);
+        buttonsLayout->setContentsMargins(0, 0, 0, 0);
+        buttonsLayout->addWidget(addItem);
+        buttonsLayout->addWidget(clearItems);
+        buttonsLayout->addStretch();
+        form->addToSection(kind.captionSection, buttons);
+    }
 
     auto* tab = new QWidget;
     auto* layout = new QVBoxLayout(tab);
-    layout->addWidget(galleryForm_, 1);
-    layout->addWidget(generate);
+    layout->addWidget(form, 1);
+    layout->addWidget(create);
     return tab;
 }
 
@@ -183,10 +197,56 @@ void MainWindow::choosePhotos() {
     const QStringList files = QFileDialog::getOpenFileNames(
         this, tr("*** Choose your photos ***"), QString(),
         tr("Photos (*.png *.jpg *.jpeg *.tif *.tiff *.PNG *.JPG *.JPEG *.TIF *.TIFF)"));
-    if (files.isEmpty()) return;
-    // Names, captions and sizes come from the headers at once; the cell images follow.
-    collection_->appendPhotos(files, ui_);
-    makeCellImages(files);
+    addPhotos(files);
+}
+
+void MainWindow::addPhotos(const QStringList& paths) {
+    QStringList files;
+    for (const QString& path : paths) {
+        if (QFileInfo(path).isDir())
+            files += PhotoCollection::photoFilesInFolder(path);
+        else
+            files.append(path);
+    }
+    if (files.isEmpty() || adding_) return;
+    // Headers are read on workers, hundreds at a time; the records join the grid in order.
+    using Read = std::pair<bool, cCollectionViewItem>;
+    auto* reader = new QFutureWatcher<Read>(this);
+    adding_ = reader;
+    progress_->setRange(0, int(files.size()));
+    progress_->setValue(0);
+    progress_->show();
+    statusBar()->showMessage(tr("Reading %n photo(s)…", nullptr, int(files.size())));
+    connect(reader, &QFutureWatcherBase::progressValueChanged, progress_, &QProgressBar::setValue);
+    connect(reader, &QFutureWatcherBase::finished, this, [this, reader, files] {
+        QStringList added;
+        QStringList skipped;
+        for (int i = 0; i < files.size(); ++i) {
+            const auto& [ok, record] = reader->resultAt(i);
+            if (!ok) {
+                skipped.append(QFileInfo(files[i]).fileName());
+                continue;
+            }
+            collection_->insertRecord(record);
+            added.append(files[i]);
+        }
+        progress_->hide();
+        progress_->setRange(0, 100);
+        adding_ = nullptr;
+        reader->deleteLater();
+        statusBar()->showMessage(
+            skipped.isEmpty()
+                ? tr("%n photo(s) added.", nullptr, int(added.size()))
+                : tr("%n photo(s) added; not readable: %1", nullptr, int(added.size()))
+                      .arg(skipped.join(QStringLiteral(", "))));
+        makeCellImages(added);
+    });
+    reader->setFuture(QtConcurrent::mapped(files, [](const QString& path) {
+        Read read;
+        QString reason;
+        read.first = PhotoCollection::readRecord(path, 0, &read.second, &reason);
+        return read;
+    }));
 }
 
 void MainWindow::makeCellImages(const QStringList& files) {
@@ -219,9 +279,11 @@ void MainWindow::removeSelected() {
 void MainWindow::showCurrentRecord() {
     const QModelIndex current = grid_->currentIndex();
     const bool valid = current.isValid() && current.row() < collection_->count();
-    for (QWidget* w : {static_cast<QWidget*>(publish_), static_cast<QWidget*>(highlight_),
-                       static_cast<QWidget*>(description_)})
+    for (QWidget* w : {static_cast<QWidget*>(publish_), static_cast<QWidget*>(description_)})
         w->setEnabled(valid);
+    const int tab = tabs_ ? tabs_->currentIndex() : 0;
+    highlight_->setEnabled(valid && tab >= 0 && tab < OutputKinds::all().size() &&
+                           OutputKinds::all()[tab].usesHighlight);
     const QSignalBlocker b1(publish_);
     const QSignalBlocker b2(highlight_);
     if (!valid) {
@@ -249,37 +311,88 @@ void MainWindow::showCount() {
     count_->setText(n == published ? photos : tr("%1, %2 published").arg(photos).arg(published));
 }
 
-void MainWindow::generateGallery() {
+void MainWindow::generate(const OutputKind& kind) {
     if (run_.isRunning()) return;
     // The dialog starts in the last output folder, which presets keep.
-    QString folder = QFileDialog::getExistingDirectory(
-        this, tr("Choose the output folder"),
-        settings_.text(QStringLiteral("tfHTMLdestinationFolder")));
+    const QString start =
+        kind.destinationControl.isEmpty() ? QString() : settings_.text(kind.destinationControl);
+    QString folder = QFileDialog::getExistingDirectory(this, tr("Choose the output folder"), start);
     if (folder.isEmpty()) return;
     if (!folder.endsWith(u'/')) folder += u'/';
-    settings_.setText(QStringLiteral("tfHTMLdestinationFolder"), folder);
+    if (!kind.destinationControl.isEmpty()) settings_.setText(kind.destinationControl, folder);
     // The run works on copies taken now: the user may go on editing while it runs.
     const QList<PhotoEntry> photos = collection_->hGetPhotosFromArrayController();
-    cResponsiveDesign::hPhotoRatioCalc(settings_);
-    galleryForm_->refresh();
+    for (SettingsForm* form : forms_) form->refresh();
     const SettingsStore snapshot = settings_;
     WindowUserInterface* ui = ui_;
+    ui->resetCancel();
+    runKindTitle_ = kind.title;
     statusBar()->showMessage(
-        tr("Writing the gallery into %1…").arg(QDir::toNativeSeparators(folder)));
-    run_.setFuture(QtConcurrent::run([folder, photos, snapshot, ui] {
-        return cResponsiveDesign::hCreateResponsiveHTML(folder, photos, snapshot, *ui, 0, true);
+        tr("Writing the %1 into %2…").arg(kind.title, QDir::toNativeSeparators(folder)));
+    const auto run = kind.run;
+    run_.setFuture(QtConcurrent::run([run, folder, photos, snapshot, ui] {
+        return run(photos, snapshot, *ui, RunOptions{folder, 0, true});
     }));
 }
 
-void MainWindow::galleryFinished() {
-    const GalleryResult result = run_.result();
+void MainWindow::cancelRun() {
+    if (!run_.isRunning()) return;
+    ui_->requestCancel();
+    cancel_->setEnabled(false);
+    statusBar()->showMessage(tr("Stopping after the photo being made…"));
+}
+
+void MainWindow::runStateChanged(bool running) {
+    for (QPushButton* button : createButtons_) button->setEnabled(!running);
+    cancel_->setVisible(running);
+    cancel_->setEnabled(running);
+}
+
+void MainWindow::runFinished() {
+    runStateChanged(false);
+    const RunResult result = run_.result();
     if (!result.ok) {
-        statusBar()->showMessage(tr("No gallery was written."));
+        statusBar()->showMessage(tr("Nothing was written."));
         return;
     }
     const QString page = QDir::toNativeSeparators(result.firstPage);
+    if (result.cancelled) {
+        statusBar()->showMessage(
+            tr("Cancelled: %n photo(s) were not made.", nullptr, int(result.unfinished.size())));
+        ui_->alert(tr("The %1 was cancelled.").arg(runKindTitle_),
+                   tr("These photos were not made; the pages link to them all:\n%1")
+                       .arg(result.unfinished.join(u'\n')),
+                   false);
+        return;
+    }
+    if (!result.failures.isEmpty()) {
+        statusBar()->showMessage(
+            tr("Written with %n failure(s); first page: %1", nullptr, int(result.failures.size()))
+                .arg(page));
+        ui_->alert(tr("Some files could not be written."), result.failures.join(u'\n'), false);
+        return;
+    }
     // Kept by the generator: a photo count that fills the pages exactly writes no page.
     statusBar()->showMessage(QFileInfo::exists(result.firstPage)
-                                 ? tr("Gallery written; first page: %1").arg(page)
-                                 : tr("Gallery written, but no page file: %1").arg(page));
+                                 ? tr("%1 written; first page: %2").arg(runKindTitle_, page)
+                                 : tr("%1 written, but no page file: %2").arg(runKindTitle_, page));
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+    if (!run_.isRunning()) {
+        event->accept();
+        return;
+    }
+    const auto answer = QMessageBox::question(
+        this, tr("A run is in progress"),
+        tr("Stop the run and quit? The photos being made are finished first; nothing already "
+           "written is removed."),
+        QMessageBox::Yes | QMessageBox::No, QMessageBox::No);
+    if (answer != QMessageBox::Yes) {
+        event->ignore();
+        return;
+    }
+    ui_->requestCancel();
+    run_.waitForFinished();
+    event->accept();
 }

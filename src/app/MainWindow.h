@@ -3,7 +3,7 @@
 #include <QFutureWatcher>
 #include <QMainWindow>
 
-#include "generators/gallery/cResponsiveDesign.h"
+#include "generators/OutputKinds.h"
 #include "presets/SettingsStore.h"
 
 class CollectionDragModel;
@@ -12,6 +12,7 @@ class QCheckBox;
 class QLabel;
 class QLineEdit;
 class QProgressBar;
+class QPushButton;
 class QTabWidget;
 class SettingsForm;
 class WindowUserInterface;
@@ -22,9 +23,18 @@ class MainWindow : public QMainWindow {
   public:
     explicit MainWindow(QWidget* parent = nullptr);
 
+    // Adds photos (and the photo files of folders) with their headers read off the window's thread.
+    void addPhotos(const QStringList& paths);
+    bool isRunning() const { return run_.isRunning() || adding_ != nullptr; }
+    // Asks the running generation to stop at the next photo.
+    void cancelRun();
+
+  protected:
+    void closeEvent(QCloseEvent* event) override;
+
   private:
     QWidget* makeCollectionPanel();
-    QWidget* makeGalleryTab();
+    QWidget* makeKindTab(const OutputKind& kind);
     void choosePhotos();
     // Cell images of added photos are made on a worker and arrive one by one.
     void makeCellImages(const QStringList& files);
@@ -32,8 +42,9 @@ class MainWindow : public QMainWindow {
     QList<int> selectedRows() const;
     void showCurrentRecord();
     void showCount();
-    void generateGallery();
-    void galleryFinished();
+    void generate(const OutputKind& kind);
+    void runFinished();
+    void runStateChanged(bool running);
 
     SettingsStore settings_;
     CollectionDragModel* collection_ = nullptr;
@@ -44,8 +55,12 @@ class MainWindow : public QMainWindow {
     QCheckBox* publish_ = nullptr;
     QCheckBox* highlight_ = nullptr;
     QTabWidget* tabs_ = nullptr;
-    SettingsForm* galleryForm_ = nullptr;
+    QList<SettingsForm*> forms_;
+    QList<QPushButton*> createButtons_;
+    QPushButton* cancel_ = nullptr;
     QProgressBar* progress_ = nullptr;
     WindowUserInterface* ui_ = nullptr;
-    QFutureWatcher<GalleryResult> run_;
+    QFutureWatcher<RunResult> run_;
+    QString runKindTitle_;
+    QObject* adding_ = nullptr;  // the header reader of photos being added
 };

@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QPointer>
+#include <atomic>
 
 #include "services/UserInterface.h"
 
@@ -12,7 +13,7 @@ class QWidget;
 // thread: the work is handed to the window's thread.
 class WindowUserInterface : public QObject, public UserInterface {
     Q_OBJECT
-public:
+  public:
     WindowUserInterface(QWidget* window, QProgressBar* progressBar);
 
     void alert(const QString& title, const QString& description, bool stopsRun) override;
@@ -20,9 +21,14 @@ public:
     void progressStep(double increment) override;
     void progressStop() override;
     void openUrl(const QString& url) override;
+    bool isCancelled() const override { return cancelled_; }
 
-private:
+    void requestCancel() { cancelled_ = true; }
+    void resetCancel() { cancelled_ = false; }
+
+  private:
     QPointer<QWidget> window_;
     QPointer<QProgressBar> progressBar_;
     double progress_ = 0;  // touched on the window's thread only
+    std::atomic<bool> cancelled_{false};
 };

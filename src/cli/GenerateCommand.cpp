@@ -7,7 +7,7 @@
 
 #include "cli/Cli.h"
 #include "collection/PhotoCollection.h"
-#include "generators/gallery/cResponsiveDesign.h"
+#include "generators/OutputKinds.h"
 #include "presets/SettingsStore.h"
 #include "services/TextValues.h"
 #include "services/UserInterface.h"
@@ -17,16 +17,16 @@ namespace cli {
 namespace {
 
 const char* const kHelp =
-    "Usage: orvella generate gallery --out DIR [OPTIONS] [PHOTO|FOLDER]...\n"
+    "Usage: orvella generate KIND --out DIR [OPTIONS] [PHOTO|FOLDER]...\n"
     "\n"
-    "Writes a Photo Gallery of the photos into DIR (created when missing): pages of thumbnails\n"
-    "with a lightbox, a stylesheet, the images and a redirecting index.html. Photos are taken in\n"
-    "the order given; a folder adds its .png, .jpg, .jpeg, .tif and .tiff files sorted by name.\n"
-    "Prints the path of the first page.\n"
+    "Writes a web site of the photos into DIR (created when missing). KIND is gallery (pages of\n"
+    "thumbnails with a lightbox, a stylesheet, the images and a redirecting index.html).\n"
+    "Photos are taken in the order given; a folder adds its .png, .jpg, .jpeg, .tif and .tiff\n"
+    "files sorted by name. Prints the path of the first page.\n"
     "\n"
     "Options:\n"
     "  --out DIR             the output folder (required)\n"
-    "  --set NAME=VALUE      change one setting (see `orvella settings gallery`); popups take a\n"
+    "  --set NAME=VALUE      change one setting (see `orvella settings KIND`); popups take a\n"
     "                        title or an index, colours six hex digits, checkboxes 0 or 1\n"
     "  --sort az|za          sort the photos by file name\n"
     "  --unpublish FILENAME  leave out the photo with that file name (repeatable)\n"
@@ -35,7 +35,8 @@ const char* const kHelp =
     "  --open                open the first page in the default browser\n"
     "  --project FILE, --preset FILE   not available yet\n"
     "\n"
-    "Exit codes: 0 done, 1 a failure, 2 wrong usage or a run refused by an alert.\n";
+    "Exit codes: 0 done, 1 a file could not be read or written (each is named on stderr),\n"
+    "2 wrong usage or a run refused by an alert.\n";
 
 // Alerts and progress on the terminal.
 class TerminalUserInterface : public UserInterface {
@@ -100,13 +101,13 @@ int usage(Io& io, const QString& message) {
     return kUsage;
 }
 
-int generateGallery(const QStringList& args, Io& io) {
+int generate(const OutputKind& kind, const QStringList& args, Io& io) {
     QString out;
     QString sort;
     QStringList unpublish, highlight, inputs;
     bool open = false;
     int threads = 0;
-    SettingsStore settings;
+    SettingsStore settings(OutputKinds::registry());
 
     for (int i = 0; i < args.size(); ++i) {
         const QString& a = args[i];
@@ -126,8 +127,8 @@ int generateGallery(const QStringList& args, Io& io) {
             if (eq <= 0) return usage(io, "--set needs NAME=VALUE, not \"" + v + "\"");
             const QString name = v.left(eq);
             const ControlSpec* control = settings.registry().find(name);
-            if (!control || control->outputKind != u"gallery")
-                return usage(io, "unknown gallery setting \"" + name + "\"");
+            if (!control || control->outputKind != kind.name)
+                return usage(io, "unknown " + kind.name + " setting \"" + name + "\"");
             QString error;
             if (!settings.set(name, v.mid(eq + 1), &error)) return usage(io, error);
         } else if (a == u"--sort") {
@@ -204,26 +205,29 @@ int generateGallery(const QStringList& args, Io& io) {
     if (!destination.endsWith(u'/')) destination += u'/';
 
     TerminalUserInterface ui(io);
-    const GalleryResult result = cResponsiveDesign::hCreateResponsiveHTML(
-        destination, collection.hGetPhotosFromArrayController(), settings, ui, threads, open);
+    const RunResult result = kind.run(collection.hGetPhotosFromArrayController(), settings, ui,
+                                      RunOptions{destination, threads, open});
     if (!result.ok || ui.stopped) return kUsage;
+    for (const QString& failure : result.failures)
+        io.err << "orvella generate: " << failure << "\n";
     io.out << result.firstPage << "\n";
-    return kOk;
+    return result.failures.isEmpty() ? kOk : kFailed;
 }
 
 }  // namespace
 
 Command generateCommand() {
-    return {QStringLiteral("generate"), QStringLiteral("write a web site of photos (gallery)"),
+    return {QStringLiteral("generate"), "write a web site of photos (" + OutputKinds::names() + ")",
             QString::fromUtf8(kHelp), [](const QStringList& args, Io& io) {
                 if (args.isEmpty()) {
                     io.err << kHelp;
                     return int(kUsage);
                 }
-                if (args.first() != u"gallery")
-                    return usage(
-                        io, "unknown output kind \"" + args.first() + "\" (available: gallery)");
-                return generateGallery(args.mid(1), io);
+                const OutputKind* kind = OutputKinds::find(args.first());
+                if (!kind)
+                    return usage(io, "unknown output kind \"" + args.first() +
+                                         "\" (available: " + OutputKinds::names() + ")");
+                return generate(*kind, args.mid(1), io);
             }};
 }
 

@@ -1,4 +1,5 @@
 #include "cli/Cli.h"
+#include "generators/OutputKinds.h"
 #include "presets/ControlRegistry.h"
 
 namespace cli {
@@ -6,11 +7,11 @@ namespace cli {
 namespace {
 
 const char* const kHelp =
-    "Usage: orvella settings gallery\n"
+    "Usage: orvella settings KIND\n"
     "\n"
     "Lists every setting of the output kind, one per line, tab-separated:\n"
     "  name, aliases (comma-separated), kind, default, items (\" | \"-separated).\n"
-    "Any name or alias can be given to `orvella generate gallery --set NAME=VALUE`.\n";
+    "Any name or alias can be given to `orvella generate KIND --set NAME=VALUE`.\n";
 
 // Tabs and line breaks inside a value would break the columns.
 QString cell(QString text) {
@@ -24,15 +25,16 @@ QString cell(QString text) {
 Command settingsCommand() {
     return {QStringLiteral("settings"), QStringLiteral("list the settings of an output kind"),
             QString::fromUtf8(kHelp), [](const QStringList& args, Io& io) {
-                if (args.size() != 1 || args.first() != u"gallery") {
-                    io.err << kHelp;
+                if (args.size() != 1 || !OutputKinds::find(args.first())) {
+                    io.err << kHelp << "KIND is one of: " << OutputKinds::names() << "\n";
                     return int(kUsage);
                 }
                 io.out << "name\taliases\tkind\tdefault\titems\n";
-                for (const ControlSpec* control : ControlRegistry::standard().controls(args.first())) {
+                for (const ControlSpec* control : OutputKinds::registry().controls(args.first())) {
                     QString items = control->items.join(QStringLiteral(" | "));
                     if (control->kind == ControlKind::Slider)
-                        items = QStringLiteral("%1..%2").arg(control->minimum).arg(control->maximum);
+                        items =
+                            QStringLiteral("%1..%2").arg(control->minimum).arg(control->maximum);
                     io.out << control->name << "\t" << control->aliases.join(u',') << "\t"
                            << controlKindName(control->kind) << "\t" << cell(control->defaultValue)
                            << "\t" << cell(items) << "\n";

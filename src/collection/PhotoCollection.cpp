@@ -72,6 +72,49 @@ QStringList PhotoCollection::photoFilesInFolder(const QString& folder) {
     return files;
 }
 
+bool PhotoCollection::readRecord(const QString& path, int cellImageSize,
+                                 cCollectionViewItem* record, QString* reason) {
+    const mMeta meta;
+    // One header read serves both: the size first, then the caption, which consumes it.
+    mMeta::ImageSourcePtr source = meta.getMyImageSource(path);
+    if (!source) {
+        *reason = unreadableReason(path);
+        return false;
+    }
+    const QList<qint64> size = meta.hGetPixelFormatFromSource(*source);
+    const QString caption =
+        meta.hGetExifUcFromSource(std::move(source), QStringLiteral("EXIF User Comment"));
+    if (size.size() < 2 || size[0] <= 0 || size[1] <= 0) {
+        *reason = QStringLiteral("no pixel size");
+        return false;
+    }
+    record->myPhotoName = QFileInfo(path).fileName();
+    record->myPhotoURL = QUrl::fromLocalFile(QFileInfo(path).absoluteFilePath());
+    record->myPhotoDescription = caption;
+    record->myPhotoSelect = 1;
+    record->myPhotoHighLight = 0;
+    record->myPhotoOrientation = size[0] > size[1] ? QStringLiteral("H") : QStringLiteral("V");
+    record->myPhotoPxSize = QStringLiteral("%1x%2").arg(size[0]).arg(size[1]);
+    if (cellImageSize > 0) record->myPhoto = makeCellImage(path, cellImageSize);
+    return true;
+}
+
+void PhotoCollection::insertRecord(cCollectionViewItem record) {
+    // With a sort rule in force the record goes where the rule puts it, after equal names.
+    int row = count();
+    if (sort_ != Sort::None) {
+        const bool descending = sort_ == Sort::ZtoA;
+        const auto it = std::upper_bound(
+            records_.cbegin(), records_.cend(), record,
+            [descending](const auto& a, const auto& b) { return before(a, b, descending); });
+        row = int(it - records_.cbegin());
+    }
+    beginInsertRows({}, row, row);
+    records_.insert(row, std::move(record));
+    endInsertRows();
+    Q_EMIT countChanged(count());
+}
+
 int PhotoCollection::appendPhotos(const QStringList& paths, UserInterface* ui) {
     if (paths.isEmpty()) {
         if (ui) ui->progressStop();
@@ -80,47 +123,18 @@ int PhotoCollection::appendPhotos(const QStringList& paths, UserInterface* ui) {
     if (ui) ui->progressStart();
     const int step = 100 / int(paths.size());  // integer steps: 3 files give 33 each, 150 give 0
     int added = 0;
+    skipped_.clear();
     for (const QString& path : paths) {
         if (ui) ui->progressStep(step);
-        const mMeta meta;
-        // One header read serves both: the size first, then the caption, which consumes it.
-        mMeta::ImageSourcePtr source = meta.getMyImageSource(path);
-        if (!source) {
-            klLog() << QStringLiteral("skipped %1: %2").arg(path, unreadableReason(path));
-            continue;
-        }
-        const QList<qint64> size = meta.hGetPixelFormatFromSource(*source);
-        const QString caption =
-            meta.hGetExifUcFromSource(std::move(source), QStringLiteral("EXIF User Comment"));
-        if (size.size() < 2 || size[0] <= 0 || size[1] <= 0) {
-            klLog() << QStringLiteral("skipped %1: no pixel size").arg(path);
-            continue;
-        }
-
         cCollectionViewItem record;
-        record.myPhotoName = QFileInfo(path).fileName();
-        record.myPhotoURL = QUrl::fromLocalFile(QFileInfo(path).absoluteFilePath());
-        record.myPhotoDescription = caption;
-        record.myPhotoSelect = 1;
-        record.myPhotoHighLight = 0;
-        record.myPhotoOrientation = size[0] > size[1] ? QStringLiteral("H") : QStringLiteral("V");
-        record.myPhotoPxSize = QStringLiteral("%1x%2").arg(size[0]).arg(size[1]);
-        if (cellImageSize_ > 0) record.myPhoto = makeCellImage(path, cellImageSize_);
-
-        // With a sort rule in force the record goes where the rule puts it, after equal names.
-        int row = count();
-        if (sort_ != Sort::None) {
-            const bool descending = sort_ == Sort::ZtoA;
-            const auto it = std::upper_bound(
-                records_.cbegin(), records_.cend(), record,
-                [descending](const auto& a, const auto& b) { return before(a, b, descending); });
-            row = int(it - records_.cbegin());
+        QString reason;
+        if (!readRecord(path, cellImageSize_, &record, &reason)) {
+            klLog() << QStringLiteral("skipped %1: %2").arg(path, reason);
+            skipped_.append(path + QStringLiteral(": ") + reason);
+            continue;
         }
-        beginInsertRows({}, row, row);
-        records_.insert(row, std::move(record));
-        endInsertRows();
+        insertRecord(std::move(record));
         ++added;
-        Q_EMIT countChanged(count());
     }
     if (ui) ui->progressStop();
     return added;
@@ -244,20 +258,11 @@ QList<PhotoEntry> PhotoCollection::hGetPhotosFromArrayController() const {
         klLog() << "flag NOT set";
         if (record.myPhotoSelect == 1) {
             klLog() << "flag set";
-            photos.append({record.myPhotoURL, record.myPhotoDescription});
+            photos.append({record.myPhotoURL, record.myPhotoDescription, record.myPhotoOrientation,
+                           record.myPhotoHighLight});
         }
     }
     klLog() << QStringLiteral("hGetPhotosFromArrayController: %1").arg(photos.size());
-    return photos;
-}
-
-QList<GridPhotoEntry> PhotoCollection::hGetGridPhotos() const {
-    QList<GridPhotoEntry> photos;
-    for (const cCollectionViewItem& record : records_) {
-        if (record.myPhotoSelect != 1) continue;
-        photos.append({record.myPhotoURL, record.myPhotoDescription, record.myPhotoOrientation,
-                       record.myPhotoHighLight});
-    }
     return photos;
 }
 

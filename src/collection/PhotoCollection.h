@@ -11,17 +11,11 @@
 
 class UserInterface;
 
-// A published photo as the Photo Gallery, Slideshow and Slider receive it.
+// A published photo as every output kind receives it.
 struct PhotoEntry {
     QUrl url;
     QString description;
-};
-
-// A published photo as the Responsive Grid receives it.
-struct GridPhotoEntry {
-    QUrl url;
-    QString description;
-    QString orientation;
+    QString orientation = {};  // "H" or "V", of the upright photo
     int highlight = 0;
 };
 
@@ -56,6 +50,15 @@ class PhotoCollection : public QAbstractListModel {
     // not a readable image is skipped with a logged reason. With `ui`, progress is reported (the
     // choose-photos flavour). Returns the number of records added.
     int appendPhotos(const QStringList& paths, UserInterface* ui = nullptr);
+    // The files the last appendPhotos skipped, as "path: reason".
+    const QStringList& skippedPhotos() const { return skipped_; }
+    // Reads the record of one photo from its header: name, caption, upright pixel size and
+    // orientation, published; the cell image when `cellImageSize` > 0. Thread-safe. False with the
+    // reason when the file is not a readable image.
+    static bool readRecord(const QString& path, int cellImageSize, cCollectionViewItem* record,
+                           QString* reason);
+    // Adds a record where the sort rule puts it (at the end without one).
+    void insertRecord(cCollectionViewItem record);
     // Appends records as they stand (a project being opened, tests).
     void appendRecords(const QList<cCollectionViewItem>& records);
 
@@ -88,7 +91,8 @@ class PhotoCollection : public QAbstractListModel {
 
     // The published records in display order, for the generators.
     QList<PhotoEntry> hGetPhotosFromArrayController() const;
-    QList<GridPhotoEntry> hGetGridPhotos() const;
+    // The same list as the Responsive Grid reads it (orientation and highlight are what it uses).
+    QList<PhotoEntry> hGetGridPhotos() const { return hGetPhotosFromArrayController(); }
 
     // QAbstractListModel
     int rowCount(const QModelIndex& parent = {}) const override;
@@ -104,6 +108,7 @@ class PhotoCollection : public QAbstractListModel {
     void applySort();
 
     QList<cCollectionViewItem> records_;
+    QStringList skipped_;
     Sort sort_ = Sort::None;
     int cellImageSize_ = 160;
 };

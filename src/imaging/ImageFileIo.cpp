@@ -3,8 +3,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QRandomGenerator>
-#include <QSaveFile>
 #include <cstdio>
 #include <cstring>
 #include <memory>
@@ -12,6 +10,7 @@
 
 #include "imaging/VipsRuntime.h"
 #include "metadata/mMeta.h"
+#include "services/AtomicFile.h"
 #include "services/Log.h"
 
 using vips::VError;
@@ -49,8 +48,13 @@ bool pixelSize(const QString& path, int* width, int* height) {
     *height = 0;
     try {
         const VImage header = open(path, true);  // lazy: reads the header only
-        const qint64 w = header.width();
-        const qint64 h = header.height();
+        // Orientations 5 to 8 turn the photo a quarter: it is seen with its sides exchanged.
+        const int orientation = header.get_typeof(VIPS_META_ORIENTATION) != 0
+                                    ? header.get_int(VIPS_META_ORIENTATION)
+                                    : 1;
+        const bool turned = orientation >= 5 && orientation <= 8;
+        const qint64 w = turned ? header.height() : header.width();
+        const qint64 h = turned ? header.width() : header.height();
         if (w <= 0 || h <= 0 || w * h > kMaxPixels) {
             klLog() << "image refused (size" << w << "x" << h << "):" << path;
             return false;
@@ -68,8 +72,13 @@ bool pixelSize(const QString& path, int* width, int* height) {
 VImage toSrgb8(const VImage& image, bool keepAlpha) {
     VImage out = image;
     const VipsInterpretation interpretation = out.guess_interpretation();
-    if (interpretation != VIPS_INTERPRETATION_sRGB || out.format() != VIPS_FORMAT_UCHAR)
+    if (interpretation != VIPS_INTERPRETATION_sRGB || out.format() != VIPS_FORMAT_UCHAR) {
         out = out.colourspace(VIPS_INTERPRETATION_sRGB);
+        // A CMYK or grey profile does not describe RGB pixels: the output is plain sRGB.
+        const bool wasRgb = interpretation == VIPS_INTERPRETATION_sRGB ||
+                            interpretation == VIPS_INTERPRETATION_RGB16;
+        if (!wasRgb && out.get_typeof(VIPS_META_ICC_NAME) != 0) out.remove(VIPS_META_ICC_NAME);
+    }
     if (out.format() != VIPS_FORMAT_UCHAR) out = out.cast(VIPS_FORMAT_UCHAR);
     if (out.bands() > 4) out = out.extract_band(0, VImage::option()->set("n", 4));
     if (out.bands() == 4 && !keepAlpha)
@@ -118,9 +127,11 @@ void writeBmp(const VImage& image, const QString& path) {
             dst[3 * x + 2] = char(src[3 * x]);
         }
     }
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())
-        throw VError("cannot write " + path.toStdString());
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.flush())
+        throw VError(file.errorString().toStdString());
+    file.close();
+    if (file.error() != QFileDevice::NoError) throw VError(file.errorString().toStdString());
 }
 
 // The same image without EXIF, IPTC and XMP; the colour profile stays so colours keep meaning.
@@ -136,16 +147,10 @@ VImage withoutMetadata(const VImage& image) {
     return out;
 }
 
-QString temporaryPathBeside(const QString& path) {
-    const QFileInfo info(path);
-    return info.absolutePath() + QStringLiteral("/.") + info.fileName() + u'.' +
-           QString::number(QRandomGenerator::global()->generate64(), 16) + QStringLiteral(".tmp");
-}
-
 }  // namespace
 
 QString save(const VImage& image, const QString& path, const QString& typeIdentifier,
-             bool keepMetadata, int jpegQuality) {
+             bool keepMetadata, int jpegQuality, QString* error) {
     if (isRefusedType(typeIdentifier)) return QStringLiteral("Not Supported");
     const bool jpeg = typeIdentifier == u"public.jpeg";
     const bool tiff = typeIdentifier == u"public.tiff";
@@ -153,10 +158,12 @@ QString save(const VImage& image, const QString& path, const QString& typeIdenti
         typeIdentifier != u"com.compuserve.gif" && typeIdentifier != u"public.jp2")
         return QStringLiteral("Failed");
 
-    const QString temporary = temporaryPathBeside(path);
+    const QString temporary = AtomicFile::temporaryPathFor(path);
     const QByteArray name = QFile::encodeName(temporary);
     try {
-        const VImage out = keepMetadata ? image : withoutMetadata(image);
+        VImage out = keepMetadata ? image : withoutMetadata(image);
+        // JPEG has no alpha: transparent pixels go onto white, as on a page.
+        if (jpeg && out.bands() == 4) out = toSrgb8(out, false);
         if (jpeg) {
             out.jpegsave(name.constData(), VImage::option()->set("Q", jpegQuality));
         } else if (tiff) {
@@ -179,14 +186,17 @@ QString save(const VImage& image, const QString& path, const QString& typeIdenti
         }
     } catch (const VError& e) {
         vips_error_clear();  // the message is in e
-        klLog() << "image not written:" << path << e.what();
+        const QString reason = QString::fromUtf8(e.what()).trimmed();
+        klLog() << "image not written:" << path << reason;
+        if (error) *error = reason;
         QFile::remove(temporary);
         return QStringLiteral("Failed");
     }
     // rename(2) replaces the old file in one step: a reader never sees a missing or half file.
-    if (std::rename(name.constData(), QFile::encodeName(path).constData()) != 0) {
-        klLog() << "image not written:" << path;
-        QFile::remove(temporary);
+    QString reason;
+    if (!AtomicFile::commit(temporary, path, &reason)) {
+        klLog() << "image not written:" << path << reason;
+        if (error) *error = reason;
         return QStringLiteral("Failed");
     }
     return QStringLiteral("OK");

@@ -2,14 +2,18 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QPageSize>
+#include <QPainter>
+#include <QPdfWriter>
 #include <algorithm>
 #include <climits>
 #include <cmath>
-#include <vips/vips8>
 
 #include "imaging/ImageFileIo.h"
+#include "imaging/PictureData.h"
 #include "imaging/VipsRuntime.h"
-#include "presets/SettingsStore.h"
+#include "metadata/mMeta.h"
+#include "services/AtomicFile.h"
 #include "services/Log.h"
 #include "services/TextValues.h"
 
@@ -32,20 +36,28 @@ bool sizeIsWritable(qint64 width, qint64 height) {
     return width > 0 && height > 0 && width * height <= ImageFileIo::kMaxPixels;
 }
 
-// Shrink-on-load straight to the exact size (stretched when the aspect differs); the stored
-// orientation is kept, the sizes follow the stored pixel width and height.
-VImage thumbnailOf(const QString& path, int width, int height) {
-    VipsRuntime::ensureStarted();
-    return VImage::thumbnail(QFile::encodeName(path).constData(), width,
-                             VImage::option()
-                                 ->set("height", height)
-                                 ->set("size", VIPS_SIZE_FORCE)
-                                 ->set("no_rotate", true)
-                                 ->set("fail_on", VIPS_FAIL_ON_TRUNCATED));
+QString reasonOf(const VError& e) {
+    vips_error_clear();  // the message is in e
+    return QString::fromUtf8(e.what()).trimmed();
 }
 
-QString fileNameOf(const QString& path) {
-    return QFileInfo(path).fileName();
+// The pixels scaled to exactly width x height (stretched when the aspect differs), with alpha
+// premultiplied so that transparent edges do not darken.
+VImage scaledTo(const VImage& in, int width, int height) {
+    const double hscale = double(width) / in.width();
+    const double vscale = double(height) / in.height();
+    const bool alpha = in.bands() == 4;
+    VImage out = alpha ? in.premultiply() : in;
+    out = out.resize(hscale, VImage::option()->set("vscale", vscale));
+    if (alpha) out = out.unpremultiply();
+    if (out.format() != VIPS_FORMAT_UCHAR) out = out.cast(VIPS_FORMAT_UCHAR);
+    // Rounding inside the resampler may leave a pixel more or less than asked for.
+    if (out.width() != width || out.height() != height) {
+        out = out.embed(0, 0, std::max(width, out.width()), std::max(height, out.height()),
+                        VImage::option()->set("extend", VIPS_EXTEND_COPY));
+        out = out.extract_area(0, 0, width, height);
+    }
+    return out.copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB));
 }
 
 // The smaller of two images, pixel by pixel.
@@ -53,14 +65,106 @@ VImage minimum(const VImage& a, const VImage& b) {
     return (a < b).ifthenelse(a, b);
 }
 
+// The EXIF block with its orientation set to upright, for pixels that were turned.
+void markUpright(VImage& image) {
+    image.set(VIPS_META_ORIENTATION, 1);
+    if (image.get_typeof(VIPS_META_EXIF_NAME) == 0) return;
+    size_t length = 0;
+    const void* block = image.get_blob(VIPS_META_EXIF_NAME, &length);
+    const QByteArray upright =
+        mMeta::exifBlockUpright(QByteArray(static_cast<const char*>(block), qsizetype(length)));
+    if (upright.isEmpty()) {
+        image.remove(VIPS_META_EXIF_NAME);
+        return;
+    }
+    vips_image_set_blob_copy(image.get_image(), VIPS_META_EXIF_NAME, upright.constData(),
+                             size_t(upright.size()));
+}
+
 }  // namespace
 
-KLImageHandling::KLImageHandling(const SettingsStore* settings) : settings_(settings) {}
+// --- Picture
 
-int KLImageHandling::cropOffset(const QString& name) const {
-    // The gallery registers these controls; a store without them reads as no shift.
-    if (!settings_ || !settings_->registry().find(name)) return 0;
-    return settings_->integer(name);
+Picture::Picture(std::shared_ptr<const Data> data) : d_(std::move(data)) {}
+
+int Picture::width() const {
+    return d_ ? d_->width : 0;
+}
+
+int Picture::height() const {
+    return d_ ? d_->height : 0;
+}
+
+QString Picture::typeIdentifier() const {
+    return d_ ? d_->type : QString();
+}
+
+Picture Picture::Data::with(const VImage& image) const {
+    auto data = std::make_shared<Data>(*this);
+    data->pixels = image;
+    data->width = image.width();
+    data->height = image.height();
+    return Picture(data);
+}
+
+namespace PhotoDecoder {
+
+bool uprightSize(const QString& path, int* width, int* height, QString* error) {
+    if (ImageFileIo::pixelSize(path, width, height)) return true;
+    if (error)
+        *error = QFileInfo(path).isFile() ? QStringLiteral("not a readable image")
+                                          : QStringLiteral("no such file");
+    return false;
+}
+
+Picture decode(const QString& path, double scale, QString* error) {
+    int width = 0;
+    int height = 0;
+    if (!uprightSize(path, &width, &height, error)) return {};
+    try {
+        VipsRuntime::ensureStarted();
+        const VImage header = ImageFileIo::open(path, true);
+        auto* options = VImage::option()
+                            ->set("access", VIPS_ACCESS_SEQUENTIAL)
+                            ->set("fail_on", VIPS_FAIL_ON_TRUNCATED);
+        // Shrink while decoding, leaving at least twice the pixels for the final resampling.
+        const double factor = scale > 0 ? 1.0 / scale : 1.0;
+        const int shrink = factor >= 16 ? 8 : factor >= 8 ? 4 : factor >= 4 ? 2 : 1;
+        if (shrink > 1 && header.get_string("vips-loader") == std::string("jpegload"))
+            options->set("shrink", shrink);
+        VImage image = VImage::new_from_file(QFile::encodeName(path).constData(), options);
+        const int orientation =
+            image.get_typeof(VIPS_META_ORIENTATION) != 0 ? image.get_int(VIPS_META_ORIENTATION) : 1;
+        image = ImageFileIo::toSrgb8(image, true).copy_memory();
+        if (orientation != 1) {
+            image = image.autorot().copy_memory();
+            markUpright(image);
+        }
+        auto data = std::make_shared<Picture::Data>();
+        data->pixels = image;
+        data->width = width;
+        data->height = height;
+        data->type = ImageFileIo::typeIdentifier(path);
+        data->carriesMetadata = true;
+        return Picture(data);
+    } catch (const VError& e) {
+        const QString reason = reasonOf(e);
+        klLog() << "not decoded:" << path << reason;
+        if (error) *error = reason;
+        return {};
+    }
+}
+
+}  // namespace PhotoDecoder
+
+// --- KLImageHandling
+
+KLImageHandling::KLImageHandling(const CropShifts& shifts) : shifts_(shifts) {}
+
+Picture KLImageHandling::fail(const QString& result, const QString& reason) {
+    storeResult = result;
+    lastError = reason;
+    return {};
 }
 
 bool KLImageHandling::computeTargetSize(int width, int height, int size, int mode) {
@@ -120,82 +224,8 @@ bool KLImageHandling::computeTargetSize(int width, int height, int size, int mod
     return sizeIsWritable(newImgW, newImgH);
 }
 
-QString KLImageHandling::resizeImage(const QString& source, int size, int mode,
-                                     const QString& folder) {
-    const QString type = ImageFileIo::typeIdentifier(source);
-    if (ImageFileIo::isRefusedType(type)) return kNotSupported;
-    int width = 0;
-    int height = 0;
-    if (!ImageFileIo::pixelSize(source, &width, &height)) return kFailed;
-    if (!computeTargetSize(width, height, size, mode) || type.isEmpty()) return kFailed;
-    try {
-        return hSaveToNewImageFile(folder + fileNameOf(source), type,
-                                   thumbnailOf(source, newImgW, newImgH));
-    } catch (const VError& e) {
-        vips_error_clear();  // the message is in e
-        klLog() << "resize failed:" << source << e.what();
-        return kFailed;
-    }
-}
-
-QString KLImageHandling::cropImage(const QString& source, int cropWidth, int cropHeight,
-                                   const QString& folder, const QString& kind, int position) {
-    const QString type = ImageFileIo::typeIdentifier(source);
-    if (ImageFileIo::isRefusedType(type)) return storeResult = kNotSupported;
-    const bool thumb = kind == u"myCropThumb";
-    myXWOffsetPlus = cropOffset(thumb ? QStringLiteral("tfCropThumbXOffset")
-                                      : QStringLiteral("tfCropBigXOffset"));
-    myYHOffsetPlus = cropOffset(thumb ? QStringLiteral("tfCropThumbYOffset")
-                                      : QStringLiteral("tfCropBigYOffset"));
-    int width = 0;
-    int height = 0;
-    const bool readable = ImageFileIo::pixelSize(source, &width, &height);
-
-    // 64-bit so that no shift or box size can overflow; positions outside 0..8 keep the corner.
-    const qint64 W = width, H = height, CW = cropWidth, CH = cropHeight;
-    const qint64 dx = myXWOffsetPlus, dy = myYHOffsetPlus;
-    const qint64 left = dx, centre = (W - CW) / 2 + dx, right = W - CW + dx;
-    const qint64 top = dy, middle = (H - CH) / 2 + dy, bottom = H - CH + dy;
-    if (position >= 0 && position <= 8) {
-        const qint64 xs[3] = {left, centre, right};
-        const qint64 ys[3] = {top, middle, bottom};
-        myXWOffset = truncated(double(xs[position % 3]));
-        myYHOffset = truncated(double(ys[position / 3]));
-    }
-    if (!readable || type.isEmpty()) return storeResult = kFailed;
-
-    // The box is cut to the part that lies on the image, as the drawing layer does.
-    const qint64 x0 = std::max<qint64>(myXWOffset, 0);
-    const qint64 y0 = std::max<qint64>(myYHOffset, 0);
-    const qint64 x1 = std::min<qint64>(qint64(myXWOffset) + CW, W);
-    const qint64 y1 = std::min<qint64>(qint64(myYHOffset) + CH, H);
-    if (x1 <= x0 || y1 <= y0) return storeResult = kFailed;
-    try {
-        const VImage image = ImageFileIo::open(source, true);
-        storeResult =
-            hSaveToNewImageFile(folder + fileNameOf(source), type,
-                                image.extract_area(int(x0), int(y0), int(x1 - x0), int(y1 - y0)));
-    } catch (const VError& e) {
-        vips_error_clear();  // the message is in e
-        klLog() << "crop failed:" << source << e.what();
-        storeResult = kFailed;
-    }
-    return storeResult;
-}
-
-QString KLImageHandling::hHandleImages(const QString& boxWidth, const QString& boxHeight,
-                                       const QString& source, const QString& folder,
-                                       const QString& fileName) {
-    const int W = TextValues::intValue(boxWidth);
-    const int H = TextValues::intValue(boxHeight);
-    const QString output = folder + fileName;
-    if (ImageFileIo::isRefusedType(ImageFileIo::typeIdentifier(source)))
-        return storeResult = kNotSupported;
-    int width = 0;
-    int height = 0;
-    if (!ImageFileIo::pixelSize(source, &width, &height) || !sizeIsWritable(W, H))
-        return storeResult = kFailed;
-
+bool KLImageHandling::computeSlideSize(int width, int height, int W, int H) {
+    if (width <= 0 || height <= 0 || !sizeIsWritable(W, H)) return false;
     const double w = width;
     const double h = height;
     const double fh = (H * 100.0) / h;
@@ -207,59 +237,71 @@ QString KLImageHandling::hHandleImages(const QString& boxWidth, const QString& b
         newImgW = W;
         newImgH = truncated(h * fw / 100.0);
     }
-    if (!sizeIsWritable(newImgW, newImgH)) return storeResult = kFailed;
+    if (!sizeIsWritable(newImgW, newImgH)) return false;
     myXWOffset = (newImgW - W) / 2;
     myYHOffset = (newImgH - H) / 2;
-    const int cutW = std::min(W, newImgW - myXWOffset);
-    const int cutH = std::min(H, newImgH - myYHOffset);
-    if (myXWOffset < 0 || myYHOffset < 0 || cutW <= 0 || cutH <= 0) return storeResult = kFailed;
-    try {
-        const VImage scaled = thumbnailOf(source, newImgW, newImgH);
-        storeResult = hSaveToNewImageFile(output, QStringLiteral("public.jpeg"),
-                                          scaled.extract_area(myXWOffset, myYHOffset, cutW, cutH));
-    } catch (const VError& e) {
-        vips_error_clear();  // the message is in e
-        klLog() << "slide image failed:" << source << e.what();
-        storeResult = kFailed;
-    }
-    return storeResult;
+    return myXWOffset >= 0 && myYHOffset >= 0;
 }
 
-QString KLImageHandling::hHandleRgImages(const QString& width, const QString& source,
-                                         const QString& folder, const QString& fileName) {
-    const int S = TextValues::intValue(width);
-    const QString output = folder + fileName;
-    if (ImageFileIo::isRefusedType(ImageFileIo::typeIdentifier(source)))
-        return storeResult = kNotSupported;
-    int w = 0;
-    int h = 0;
-    if (!ImageFileIo::pixelSize(source, &w, &h)) return storeResult = kFailed;
+bool KLImageHandling::computeGridSize(int width, int height, int S) {
+    if (width <= 0 || height <= 0) return false;
     // Kept on purpose: the factor is a whole percent, so most heights come out slightly short.
-    myScaleFactor = double((qint64(S) * 100) / w);
+    myScaleFactor = double((qint64(S) * 100) / width);
     newImgW = S;
-    newImgH = truncated(h * myScaleFactor / 100.0);
-    if (!sizeIsWritable(newImgW, newImgH)) return storeResult = kFailed;
-    try {
-        storeResult = hSaveToNewImageFile(output, QStringLiteral("public.jpeg"),
-                                          thumbnailOf(source, newImgW, newImgH));
-    } catch (const VError& e) {
-        vips_error_clear();  // the message is in e
-        klLog() << "grid image failed:" << source << e.what();
-        storeResult = kFailed;
-    }
-    return storeResult;
+    newImgH = truncated(height * myScaleFactor / 100.0);
+    return sizeIsWritable(newImgW, newImgH);
 }
 
-QString KLImageHandling::addBorderToImage2(const QString& path, const QColor& color,
-                                           quint32 width) {
-    storeResult = kFailed;
-    const QString type = ImageFileIo::typeIdentifier(path);
-    if (ImageFileIo::isRefusedType(type)) return storeResult = kNotSupported;
-    int W = 0;
-    int H = 0;
-    if (!ImageFileIo::pixelSize(path, &W, &H)) return storeResult;
+Picture KLImageHandling::resized(const Picture& photo, int size, int mode) {
+    if (photo.isNull()) return fail(kFailed, QStringLiteral("not a readable image"));
+    if (!computeTargetSize(photo.width(), photo.height(), size, mode))
+        return fail(kFailed,
+                    QStringLiteral("no image of that size (%1, mode %2)").arg(size).arg(mode));
     try {
-        const VImage image = ImageFileIo::toSrgb8(ImageFileIo::open(path, true), true);
+        return photo.data().with(scaledTo(photo.data().pixels, newImgW, newImgH));
+    } catch (const VError& e) {
+        return fail(kFailed, reasonOf(e));
+    }
+}
+
+Picture KLImageHandling::cropped(const Picture& image, int cropWidth, int cropHeight,
+                                 const QString& kind, int position) {
+    const bool thumb = kind == u"myCropThumb";
+    myXWOffsetPlus = thumb ? shifts_.thumbX : shifts_.bigX;
+    myYHOffsetPlus = thumb ? shifts_.thumbY : shifts_.bigY;
+    const qint64 W = image.width(), H = image.height(), CW = cropWidth, CH = cropHeight;
+    // 64-bit so that no shift or box size can overflow; positions outside 0..8 keep the corner.
+    const qint64 dx = myXWOffsetPlus, dy = myYHOffsetPlus;
+    if (position >= 0 && position <= 8) {
+        const qint64 xs[3] = {dx, (W - CW) / 2 + dx, W - CW + dx};
+        const qint64 ys[3] = {dy, (H - CH) / 2 + dy, H - CH + dy};
+        myXWOffset = truncated(double(xs[position % 3]));
+        myYHOffset = truncated(double(ys[position / 3]));
+    }
+    if (image.isNull()) return fail(kFailed, QStringLiteral("not a readable image"));
+
+    // The box is cut to the part that lies on the image, as the drawing layer does.
+    const qint64 x0 = std::max<qint64>(myXWOffset, 0);
+    const qint64 y0 = std::max<qint64>(myYHOffset, 0);
+    const qint64 x1 = std::min<qint64>(qint64(myXWOffset) + CW, W);
+    const qint64 y1 = std::min<qint64>(qint64(myYHOffset) + CH, H);
+    if (x1 <= x0 || y1 <= y0) return fail(kFailed, QStringLiteral("the crop box misses the image"));
+    try {
+        VImage pixels = image.data().pixels;
+        if (pixels.width() != W || pixels.height() != H) pixels = scaledTo(pixels, int(W), int(H));
+        storeResult = kOk;
+        return image.data().with(pixels.extract_area(int(x0), int(y0), int(x1 - x0), int(y1 - y0)));
+    } catch (const VError& e) {
+        return fail(kFailed, reasonOf(e));
+    }
+}
+
+Picture KLImageHandling::framed(const Picture& image, const QColor& color, quint32 width) {
+    if (image.isNull()) return fail(kFailed, QStringLiteral("not a readable image"));
+    try {
+        const VImage pixels = image.data().pixels;
+        const int W = pixels.width();
+        const int H = pixels.height();
         // A stroke of `width` centred on the edges: a pixel at distance d from the nearest edge is
         // covered by (width / 2 - d), clamped to 0..1 (the half pixel of an odd width is blended).
         const VImage xy = VImage::xyz(W, H);
@@ -270,19 +312,236 @@ QString KLImageHandling::addBorderToImage2(const QString& path, const QColor& co
         const VImage coverage = (raw > 1.0).ifthenelse(1.0, (raw < 0.0).ifthenelse(0.0, raw));
         std::vector<double> ink = {double(color.red()), double(color.green()),
                                    double(color.blue())};
-        if (image.bands() == 4) ink.push_back(255.0);
-        const VImage framed = image * (1.0 - coverage) + ink * coverage;
+        if (pixels.bands() == 4) ink.push_back(255.0);
         const VImage out =
-            framed.round(VIPS_OPERATION_ROUND_RINT)
+            (pixels * (1.0 - coverage) + ink * coverage)
+                .round(VIPS_OPERATION_ROUND_RINT)
                 .cast(VIPS_FORMAT_UCHAR)
                 .copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB));
-        storeResult = hSaveToNewImageFile(path, type, out);
+        storeResult = kOk;
+        return image.data().with(out);
     } catch (const VError& e) {
-        vips_error_clear();  // the message is in e
-        klLog() << "frame failed:" << path << e.what();
-        storeResult = kFailed;
+        return fail(kFailed, reasonOf(e));
     }
-    return storeResult;
+}
+
+Picture KLImageHandling::slide(const Picture& photo, const QString& boxWidth,
+                               const QString& boxHeight) {
+    const int W = TextValues::intValue(boxWidth);
+    const int H = TextValues::intValue(boxHeight);
+    if (photo.isNull()) return fail(kFailed, QStringLiteral("not a readable image"));
+    if (!computeSlideSize(photo.width(), photo.height(), W, H))
+        return fail(kFailed, QStringLiteral("no slide of %1 x %2").arg(boxWidth, boxHeight));
+    const int cutW = std::min(W, newImgW - myXWOffset);
+    const int cutH = std::min(H, newImgH - myYHOffset);
+    try {
+        const VImage scaled = scaledTo(photo.data().pixels, newImgW, newImgH);
+        return photo.data().with(scaled.extract_area(myXWOffset, myYHOffset, cutW, cutH));
+    } catch (const VError& e) {
+        return fail(kFailed, reasonOf(e));
+    }
+}
+
+Picture KLImageHandling::gridImage(const Picture& photo, const QString& width) {
+    if (photo.isNull()) return fail(kFailed, QStringLiteral("not a readable image"));
+    if (!computeGridSize(photo.width(), photo.height(), TextValues::intValue(width)))
+        return fail(kFailed, QStringLiteral("no grid image of width %1").arg(width));
+    try {
+        return photo.data().with(scaledTo(photo.data().pixels, newImgW, newImgH));
+    } catch (const VError& e) {
+        return fail(kFailed, reasonOf(e));
+    }
+}
+
+QString KLImageHandling::hSaveToNewImageFile(const QString& path, const QString& typeIdentifier,
+                                             const Picture& image) {
+    if (image.isNull()) return kFailed;
+    // Only JPEG and TIFF carry the source's metadata; the other types are written without it.
+    const bool keep = image.data().carriesMetadata &&
+                      (typeIdentifier == u"public.jpeg" || typeIdentifier == u"public.tiff");
+    lastError.clear();
+    return ImageFileIo::save(image.data().pixels, path, typeIdentifier, keep,
+                             ImageFileIo::kWorkingJpegQuality, &lastError);
+}
+
+namespace {
+
+// The compression title as a JPEG quality: "1".."8" are tenths, anything else 0.9.
+int jpegQuality(const QString& compression) {
+    static const QStringList steps = {"1", "2", "3", "4", "5", "6", "7", "8"};
+    const qsizetype step = steps.indexOf(compression);
+    return step >= 0 ? int(step + 1) * 10 : 90;
+}
+
+// One page the size of the image (one point per pixel) holding the whole image.
+bool writePdf(const VImage& pixels, const QString& output, QString* error) {
+    const QImage image = ImageFileIo::toQImage(pixels);
+    if (image.isNull()) return false;
+    const QString temporary = AtomicFile::temporaryPathFor(output);
+    {
+        QPdfWriter pdf(temporary);
+        pdf.setResolution(72);
+        pdf.setPageMargins(QMarginsF(0, 0, 0, 0));
+        pdf.setPageSize(QPageSize(QSizeF(image.width(), image.height()), QPageSize::Point,
+                                  QString(), QPageSize::ExactMatch));
+        QPainter painter;
+        if (!painter.begin(&pdf)) {
+            QFile::remove(temporary);
+            if (error) *error = QStringLiteral("cannot write the PDF");
+            return false;
+        }
+        painter.drawImage(QRect(0, 0, image.width(), image.height()), image);
+        painter.end();
+    }
+    if (QFileInfo(temporary).size() <= 0) {
+        QFile::remove(temporary);
+        if (error) *error = QStringLiteral("cannot write the PDF");
+        return false;
+    }
+    return AtomicFile::commit(temporary, output, error);
+}
+
+}  // namespace
+
+SaveAsResult KLImageHandling::hSaveAsFileType(const Picture& image, const QString& baseName,
+                                              const QString& format, const QString& compression,
+                                              const QString& folder, bool* written,
+                                              QString* error) {
+    const QString output = folder + baseName + u'.' + format;
+    static const QHash<QString, QString> types = {
+        {"png", "public.png"},         {"tiff", "public.tiff"}, {"bmp", "public.bmp"},
+        {"gif", "com.compuserve.gif"}, {"jpeg", "public.jpeg"}, {"jp2", "public.jp2"}};
+    bool ok = false;
+    if (!image.isNull() && (format == u"pdf" || types.contains(format))) {
+        try {
+            if (format == u"pdf") {
+                ok = writePdf(image.data().pixels, output, error);
+            } else {
+                // PNG and TIFF are written with the picture's properties, so they keep them.
+                const bool keep =
+                    image.data().carriesMetadata && (format == u"png" || format == u"tiff");
+                ok = ImageFileIo::save(image.data().pixels, output, types.value(format), keep,
+                                       jpegQuality(compression), error) == kOk;
+            }
+        } catch (const VError& e) {
+            const QString reason = reasonOf(e);
+            klLog() << "conversion failed:" << output << reason;
+            if (error) *error = reason;
+        }
+        if (!ok) klLog() << "not converted:" << output;
+    } else if (error) {
+        *error = image.isNull() ? QStringLiteral("not a readable image")
+                                : QStringLiteral("no such format: ") + format;
+    }
+    if (written) *written = ok;
+    return {QUrl::fromLocalFile(output), format, baseName};
+}
+
+Picture KLImageHandling::hWorkingCopy(const Picture& photo) {
+    if (photo.isNull()) return photo;
+    auto data = std::make_shared<Picture::Data>(photo.data());
+    data->carriesMetadata =
+        data->carriesMetadata && (data->type == u"public.jpeg" || data->type == u"public.tiff");
+    return Picture(data);
+}
+
+bool KLImageHandling::isSupportedSource(const QString& path, QString* error) {
+    const QString type = ImageFileIo::typeIdentifier(path);
+    if (!type.isEmpty() && !ImageFileIo::isRefusedType(type)) return true;
+    if (error) *error = QStringLiteral("this file type is not supported");
+    return false;
+}
+
+// --- On files
+
+QString KLImageHandling::resizeImage(const QString& source, int size, int mode,
+                                     const QString& folder) {
+    const QString type = ImageFileIo::typeIdentifier(source);
+    if (ImageFileIo::isRefusedType(type)) return kNotSupported;
+    int width = 0;
+    int height = 0;
+    if (!PhotoDecoder::uprightSize(source, &width, &height, &lastError)) return kFailed;
+    if (!computeTargetSize(width, height, size, mode) || type.isEmpty()) return kFailed;
+    const double scale = std::max(double(newImgW) / width, double(newImgH) / height);
+    const Picture result = resized(PhotoDecoder::decode(source, scale, &lastError), size, mode);
+    if (result.isNull()) return kFailed;
+    return hSaveToNewImageFile(folder + QFileInfo(source).fileName(), type, result);
+}
+
+QString KLImageHandling::cropImage(const QString& source, int cropWidth, int cropHeight,
+                                   const QString& folder, const QString& kind, int position) {
+    const QString type = ImageFileIo::typeIdentifier(source);
+    if (ImageFileIo::isRefusedType(type)) return storeResult = kNotSupported;
+    int width = 0;
+    int height = 0;
+    Picture photo;
+    if (PhotoDecoder::uprightSize(source, &width, &height, &lastError) && !type.isEmpty())
+        photo = PhotoDecoder::decode(source, 1.0, &lastError);
+    const Picture result = cropped(photo, cropWidth, cropHeight, kind, position);
+    if (result.isNull()) return storeResult = kFailed;
+    return storeResult = hSaveToNewImageFile(folder + QFileInfo(source).fileName(), type, result);
+}
+
+QString KLImageHandling::hHandleImages(const QString& boxWidth, const QString& boxHeight,
+                                       const QString& source, const QString& folder,
+                                       const QString& fileName) {
+    if (ImageFileIo::isRefusedType(ImageFileIo::typeIdentifier(source)))
+        return storeResult = kNotSupported;
+    int width = 0;
+    int height = 0;
+    if (!PhotoDecoder::uprightSize(source, &width, &height, &lastError) ||
+        !computeSlideSize(width, height, TextValues::intValue(boxWidth),
+                          TextValues::intValue(boxHeight)))
+        return storeResult = kFailed;
+    const Picture photo = PhotoDecoder::decode(source, double(newImgW) / width, &lastError);
+    const Picture result = slide(photo, boxWidth, boxHeight);
+    if (result.isNull()) return storeResult = kFailed;
+    return storeResult =
+               hSaveToNewImageFile(folder + fileName, QStringLiteral("public.jpeg"), result);
+}
+
+QString KLImageHandling::hHandleRgImages(const QString& width, const QString& source,
+                                         const QString& folder, const QString& fileName) {
+    if (ImageFileIo::isRefusedType(ImageFileIo::typeIdentifier(source)))
+        return storeResult = kNotSupported;
+    int w = 0;
+    int h = 0;
+    if (!PhotoDecoder::uprightSize(source, &w, &h, &lastError) ||
+        !computeGridSize(w, h, TextValues::intValue(width)))
+        return storeResult = kFailed;
+    const Picture photo = PhotoDecoder::decode(source, double(newImgW) / w, &lastError);
+    const Picture result = gridImage(photo, width);
+    if (result.isNull()) return storeResult = kFailed;
+    return storeResult =
+               hSaveToNewImageFile(folder + fileName, QStringLiteral("public.jpeg"), result);
+}
+
+QString KLImageHandling::addBorderToImage2(const QString& path, const QColor& color,
+                                           quint32 width) {
+    storeResult = kFailed;
+    const QString type = ImageFileIo::typeIdentifier(path);
+    if (ImageFileIo::isRefusedType(type)) return storeResult = kNotSupported;
+    const Picture result = framed(PhotoDecoder::decode(path, 1.0, &lastError), color, width);
+    if (result.isNull()) return storeResult = kFailed;
+    return storeResult = hSaveToNewImageFile(path, type, result);
+}
+
+SaveAsResult KLImageHandling::hSaveAsFileType(const QString& path, const QString& format,
+                                              const QString& compression, const QString& folder) {
+    const QString baseName = QFileInfo(path).completeBaseName();
+    const bool known = format == u"pdf" || format == u"png" || format == u"tiff" ||
+                       format == u"bmp" || format == u"gif" || format == u"jpeg" ||
+                       format == u"jp2";
+    const Picture working = known ? PhotoDecoder::decode(path, 1.0) : Picture();
+    bool written = false;
+    const SaveAsResult result =
+        hSaveAsFileType(working, baseName, format, compression, folder, &written);
+    // The working file goes unless it was just rewritten in place; also when nothing was
+    // written, so that a format such as "jpg" (no format here) leaves no working file behind.
+    const bool samePath = QFileInfo(result.url.toLocalFile()).absoluteFilePath() ==
+                          QFileInfo(path).absoluteFilePath();
+    if (!samePath || !written) QFile::remove(path);
+    return result;
 }
 
 QImage KLImageHandling::hRotatePictureBase(const QImage& image, const QString& angle) {
@@ -316,15 +575,7 @@ QImage KLImageHandling::hRotatePictureBase(const QImage& image, const QString& a
                 .copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB));
         return ImageFileIo::toQImage(out);
     } catch (const VError& e) {
-        vips_error_clear();  // the message is in e
-        klLog() << "rotation failed:" << e.what();
+        klLog() << "rotation failed:" << reasonOf(e);
         return {};
     }
-}
-
-QString KLImageHandling::hSaveToNewImageFile(const QString& path, const QString& typeIdentifier,
-                                             const VImage& image) {
-    // Only JPEG and TIFF carry the source's metadata; the other types are written without it.
-    const bool keep = typeIdentifier == u"public.jpeg" || typeIdentifier == u"public.tiff";
-    return ImageFileIo::save(image, path, typeIdentifier, keep);
 }

@@ -3,5 +3,6 @@
 // Starts libvips once for the process (safe to call from any thread, any number of times).
 // Include only from imaging sources.
 namespace VipsRuntime {
-void ensureStarted();
-}
+// False when libvips could not start; every image operation then fails with a reason.
+bool ensureStarted();
+}  // namespace VipsRuntime

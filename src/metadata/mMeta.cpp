@@ -455,6 +455,11 @@ QString mMeta::hGetSomeIPTC(const QString& path, const QString& name) {
 
 QList<qint64> mMeta::hGetPixelFormatFromSource(const ImageSource& source) const {
     if (source.width <= 0 || source.height <= 0) return {};
+    // Orientations 5 to 8 turn the photo a quarter: it is seen with its sides exchanged.
+    const Exiv2::ExifData& exif = source.image->exifData();
+    const auto it = exif.findKey(Exiv2::ExifKey("Exif.Image.Orientation"));
+    const long orientation = it != exif.end() && it->count() > 0 ? it->toLong(0) : 1;
+    if (orientation >= 5 && orientation <= 8) return {source.height, source.width};
     return {source.width, source.height};
 }
 
@@ -552,6 +557,30 @@ bool mMeta::writeExifBlock(const QString& path, const QByteArray& block) {
         klLog() << "EXIF of" << path << "not written";
     }
     return false;
+}
+
+QByteArray mMeta::exifBlockUpright(const QByteArray& block) {
+    startExiv2Once();
+    const QByteArray header = QByteArrayLiteral("Exif\0\0");
+    const bool headed = block.startsWith(header);
+    const QByteArray tiff = headed ? block.mid(6) : block;
+    if (tiff.isEmpty()) return {};
+    try {
+        Exiv2::ExifData exif;
+        const Exiv2::ByteOrder order = Exiv2::ExifParser::decode(
+            exif, reinterpret_cast<const Exiv2::byte*>(tiff.constData()), uint32_t(tiff.size()));
+        exif["Exif.Image.Orientation"] = uint16_t(1);
+        Exiv2::Blob out;
+        Exiv2::ExifParser::encode(out, order, exif);
+        if (out.empty()) return {};
+        const QByteArray bytes(reinterpret_cast<const char*>(out.data()), qsizetype(out.size()));
+        return headed ? header + bytes : bytes;
+    } catch (const std::exception& e) {
+        klLog() << "EXIF block not read:" << e.what();
+    } catch (...) {
+        klLog() << "EXIF block not read";
+    }
+    return {};
 }
 
 QString mMeta::hSetExifData(const QString& path, const QString& comment) const {

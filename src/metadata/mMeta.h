@@ -20,7 +20,7 @@ struct MetaTreeNode {
 // Readers never fail: a file that cannot be read gives empty values. An mMeta object remembers its
 // last IPTC value (see hGetSomeIPTC), so it must not be shared between threads.
 class mMeta {
-public:
+  public:
     // An open image file with its metadata read; opaque outside the metadata code.
     class ImageSource;
     struct ImageSourceDeleter {
@@ -43,7 +43,8 @@ public:
     // returns the value of this object's previous IPTC read, kept on purpose.
     QString hGetSomeIPTC(const QString& path, const QString& name);
 
-    // [pixel width, pixel height] from the file's header, or an empty list when unknown.
+    // [pixel width, pixel height] of the photo as it is seen (EXIF orientation applied), from the
+    // file's header, or an empty list when unknown.
     QList<qint64> hGetPixelFormatFromSource(const ImageSource& source) const;
     // [width, height] as decimal text, or an empty list.
     QStringList hGetPixelFormat(const QString& path) const;
@@ -63,6 +64,9 @@ public:
     // Writes a whole EXIF block (as a JPEG carries it, "Exif\0\0" first) into the file in place,
     // keeping the file's own image structure tags. For writers that cannot store EXIF themselves.
     static bool writeExifBlock(const QString& path, const QByteArray& block);
+    // The same EXIF block (with or without the "Exif\0\0" header) with its orientation set to 1,
+    // for pixels that were turned upright. Empty when the block cannot be read.
+    static QByteArray exifBlockUpright(const QByteArray& block);
 
     QList<MetaTreeNode> myVarTree;
     QString tfExifUserComment;

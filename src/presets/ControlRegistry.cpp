@@ -6,27 +6,28 @@
 
 QString controlKindName(ControlKind kind) {
     switch (kind) {
-        case ControlKind::Text: return QStringLiteral("text");
-        case ControlKind::Number: return QStringLiteral("number");
-        case ControlKind::TextView: return QStringLiteral("text view");
-        case ControlKind::Checkbox: return QStringLiteral("checkbox");
-        case ControlKind::PopupTitle: return QStringLiteral("popup (title)");
-        case ControlKind::PopupIndex: return QStringLiteral("popup (index)");
-        case ControlKind::Segmented: return QStringLiteral("segmented");
-        case ControlKind::Color: return QStringLiteral("colour");
-        case ControlKind::Slider: return QStringLiteral("slider");
-        case ControlKind::Path: return QStringLiteral("path");
+        case ControlKind::Text:
+            return QStringLiteral("text");
+        case ControlKind::Number:
+            return QStringLiteral("number");
+        case ControlKind::TextView:
+            return QStringLiteral("text view");
+        case ControlKind::Checkbox:
+            return QStringLiteral("checkbox");
+        case ControlKind::PopupTitle:
+            return QStringLiteral("popup (title)");
+        case ControlKind::PopupIndex:
+            return QStringLiteral("popup (index)");
+        case ControlKind::Segmented:
+            return QStringLiteral("segmented");
+        case ControlKind::Color:
+            return QStringLiteral("colour");
+        case ControlKind::Slider:
+            return QStringLiteral("slider");
+        case ControlKind::Path:
+            return QStringLiteral("path");
     }
     return {};
-}
-
-const ControlRegistry& ControlRegistry::standard() {
-    static const ControlRegistry registry = [] {
-        ControlRegistry r;
-        registerGalleryControls(r);
-        return r;
-    }();
-    return registry;
 }
 
 void ControlRegistry::add(const ControlSpec& control) {
@@ -67,8 +68,8 @@ bool isWholeNumber(const QString& value) {
 
 }  // namespace
 
-bool ControlRegistry::normalise(const ControlSpec& control, const QString& value, QString* normalised,
-                                QString* error) const {
+bool ControlRegistry::normalise(const ControlSpec& control, const QString& value,
+                                QString* normalised, QString* error) const {
     auto fail = [&](const QString& why) {
         if (error) *error = QStringLiteral("%1: %2").arg(control.name, why);
         return false;
@@ -80,11 +81,13 @@ bool ControlRegistry::normalise(const ControlSpec& control, const QString& value
         case ControlKind::Path:
             break;
         case ControlKind::Number:
-            if (!isWholeNumber(value)) return fail(QStringLiteral("\"%1\" is not a whole number").arg(value));
+            if (!isWholeNumber(value))
+                return fail(QStringLiteral("\"%1\" is not a whole number").arg(value));
             out = QString::number(TextValues::intValue(value));
             break;
         case ControlKind::Checkbox:
-            if (value != u"0" && value != u"1") return fail(QStringLiteral("\"%1\" is not 0 or 1").arg(value));
+            if (value != u"0" && value != u"1")
+                return fail(QStringLiteral("\"%1\" is not 0 or 1").arg(value));
             break;
         case ControlKind::PopupTitle:
         case ControlKind::PopupIndex: {
@@ -96,18 +99,23 @@ bool ControlRegistry::normalise(const ControlSpec& control, const QString& value
             if (index < 0)
                 return fail(QStringLiteral("\"%1\" is not one of: %2")
                                 .arg(value, control.items.join(QStringLiteral(", "))));
-            out = control.kind == ControlKind::PopupTitle ? control.items[index] : QString::number(index);
+            out = control.kind == ControlKind::PopupTitle ? control.items[index]
+                                                          : QString::number(index);
             break;
         }
         case ControlKind::Segmented:
         case ControlKind::Slider: {
-            if (!isWholeNumber(value)) return fail(QStringLiteral("\"%1\" is not a whole number").arg(value));
+            if (!isWholeNumber(value))
+                return fail(QStringLiteral("\"%1\" is not a whole number").arg(value));
             const int i = TextValues::intValue(value);
             const int maximum = control.kind == ControlKind::Segmented && !control.items.isEmpty()
                                     ? int(control.items.size()) - 1
                                     : control.maximum;
             if (i < control.minimum || i > maximum)
-                return fail(QStringLiteral("%1 is outside %2 to %3").arg(i).arg(control.minimum).arg(maximum));
+                return fail(QStringLiteral("%1 is outside %2 to %3")
+                                .arg(i)
+                                .arg(control.minimum)
+                                .arg(maximum));
             out = QString::number(i);
             break;
         }

@@ -8,16 +8,16 @@
 // What kind of value a control holds, which decides its text form (the form presets store and
 // `--set NAME=VALUE` takes).
 enum class ControlKind {
-    Text,          // "tf": as typed
-    Number,        // "tf"/"if" read as a whole number: decimal text
-    TextView,      // "tv": as typed, line breaks included
-    Checkbox,      // "cb"/"bt": "0" or "1"
-    PopupTitle,    // "pb": the title of the selected item
-    PopupIndex,    // "pub": the index of the selected item, from 0
-    Segmented,     // "sc": the selected segment, from 0
-    Color,         // colour well with its hex text field: six upper-case hex digits, no "#"
-    Slider,        // a whole number between `minimum` and `maximum`
-    Path,          // a file or folder path
+    Text,        // "tf": as typed
+    Number,      // "tf"/"if" read as a whole number: decimal text
+    TextView,    // "tv": as typed, line breaks included
+    Checkbox,    // "cb"/"bt": "0" or "1"
+    PopupTitle,  // "pb": the title of the selected item
+    PopupIndex,  // "pub": the index of the selected item, from 0
+    Segmented,   // "sc": the selected segment, from 0
+    Color,       // colour well with its hex text field: six upper-case hex digits, no "#"
+    Slider,      // a whole number between `minimum` and `maximum`
+    Path,        // a file or folder path
 };
 
 QString controlKindName(ControlKind kind);
@@ -27,8 +27,8 @@ QString controlKindName(ControlKind kind);
 // preset layout uses, ...).
 struct ControlSpec {
     QString name;
-    QString label;    // what the window shows, such as "Thumbnail width"
-    QString section;  // the group of the window it is shown in, such as "Thumbnails"
+    QString label;       // what the window shows, such as "Thumbnail width"
+    QString section;     // the group of the window it is shown in, such as "Thumbnails"
     QString outputKind;  // "gallery", "slideshow", "grid"
     ControlKind kind = ControlKind::Text;
     QString defaultValue;
@@ -39,12 +39,10 @@ struct ControlSpec {
 };
 
 // The one table of every control: name, label, section, kind, default and popup items. The
-// window, the command line, presets and projects all go through it.
+// window, the command line, presets and projects all go through it. Each output kind registers
+// its own controls; the application's registry holds those of every kind (OutputKinds).
 class ControlRegistry {
-public:
-    // The registry of the whole application, filled once by each output kind.
-    static const ControlRegistry& standard();
-
+  public:
     void add(const ControlSpec& control);
 
     // Finds a control by its name or one of its aliases.
@@ -58,10 +56,7 @@ public:
     bool normalise(const ControlSpec& control, const QString& value, QString* normalised,
                    QString* error) const;
 
-private:
+  private:
     QList<ControlSpec> controls_;
     QHash<QString, qsizetype> byName_;
 };
-
-// Filled in by each output kind's own source file.
-void registerGalleryControls(ControlRegistry& registry);

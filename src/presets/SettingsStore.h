@@ -9,8 +9,9 @@
 // when a run starts (the copy is its snapshot); presets and projects read and write it; the window
 // binds each widget to it by name. Names may be any name or alias the registry knows.
 class SettingsStore {
-public:
-    explicit SettingsStore(const ControlRegistry& registry = ControlRegistry::standard());
+  public:
+    // The registry must outlive the store (the application's is OutputKinds::registry()).
+    explicit SettingsStore(const ControlRegistry& registry);
 
     // The text form of a control's value (its default until set). An unknown name is a programming
     // error: it asserts in debug builds and gives "" otherwise.
@@ -32,7 +33,7 @@ public:
     void resetToDefaults();
     const ControlRegistry& registry() const { return *registry_; }
 
-private:
+  private:
     const ControlSpec& control(const QString& name) const;
 
     const ControlRegistry* registry_;

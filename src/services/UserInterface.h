@@ -6,7 +6,7 @@
 // command line and the tests each provide their own implementation; core code never touches a
 // widget.
 class UserInterface {
-public:
+  public:
     virtual ~UserInterface() = default;
 
     // Shows an alert. A run that cannot go on returns right after calling this with stopsRun set;
@@ -19,13 +19,16 @@ public:
     virtual void progressStep(double increment) { (void)increment; }
     virtual void progressStop() {}
 
+    // True once the user asked to stop the run. Called from image workers: thread-safe.
+    virtual bool isCancelled() const { return false; }
+
     // Opens a URL (normally a generated page) with the user's default application.
     virtual void openUrl(const QString& url) = 0;
 };
 
 // A UserInterface that shows nothing; for services used where nobody is watching.
 class SilentUserInterface : public UserInterface {
-public:
+  public:
     void alert(const QString&, const QString&, bool) override {}
     void openUrl(const QString&) override {}
 };

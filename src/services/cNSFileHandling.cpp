@@ -9,19 +9,14 @@
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
 
+#include "services/AtomicFile.h"
 #include "services/Log.h"
 
 namespace {
 
 // Writes the bytes to the path through a temporary file and a rename.
 bool writeAtomically(const QString& path, const QByteArray& bytes) {
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly)) return false;
-    if (file.write(bytes) != bytes.size()) {
-        file.cancelWriting();
-        return false;
-    }
-    return file.commit();
+    return AtomicFile::write(path, bytes);
 }
 
 bool copyItem(const QString& source, const QString& destination, QString* error) {

@@ -7,13 +7,6 @@
 #include <QUrl>
 #include <QVariantMap>
 
-// The result of hSaveAsFileType: the output file, the format title and the base name.
-struct SaveAsResult {
-    QUrl url;
-    QString format;
-    QString baseName;
-};
-
 // Folders, copies, text files and the conversion of an image file into an output format. Every
 // operation reports its outcome as a short result text and never shows a message.
 class cNSFileHandling {
@@ -31,12 +24,8 @@ class cNSFileHandling {
     // "Success" or "Failed".
     QString hCopyFolderTo(const QString& source, const QString& destination) const;
 
-    // Converts the working image at `path` into format `format` ("pdf", "png", "tiff", "bmp",
-    // "gif", "jpeg", "jp2"; anything else writes nothing) with the compression title `compression`
-    // ("1".."9") into `folder`; deletes the working file when the output path differs from it.
-    // Implemented with the imaging code.
-    SaveAsResult hSaveAsFileType(const QString& path, const QString& format,
-                                 const QString& compression, const QString& folder) const;
+    // (The conversion of an image file into an output format, hSaveAsFileType, is an imaging
+    // operation: KLImageHandling::hSaveAsFileType.)
 
     // The file size as the platform formats it ("12.3 kB"); also kept in fileSize.
     QString getFileSize(const QString& path);

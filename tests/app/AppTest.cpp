@@ -10,6 +10,7 @@
 
 #include "app/CollectionDragModel.h"
 #include "app/SettingsForm.h"
+#include "generators/OutputKinds.h"
 #include "support/TestSupport.h"
 
 namespace {
@@ -34,7 +35,7 @@ std::string names(const PhotoCollection& collection) {
 }  // namespace
 
 TEST(SettingsFormTest, EditsLandInTheStoreAndRefreshShowsIt) {
-    SettingsStore store;
+    SettingsStore store(OutputKinds::registry());
     SettingsForm form(QStringLiteral("gallery"), store);
     auto type = [&](const QString& name, const QString& text) {
         auto* edit = form.findChild<QLineEdit*>(name);
@@ -62,7 +63,7 @@ TEST(SettingsFormTest, EditsLandInTheStoreAndRefreshShowsIt) {
     EXPECT_EQ(form.findChild<QComboBox*>("pbTitleFontWeight")->currentText().toStdString(), "Bold");
 
     QStringList labels;  // every control shown, under a label of its own in its section
-    for (const ControlSpec* c : ControlRegistry::standard().controls("gallery")) {
+    for (const ControlSpec* c : OutputKinds::registry().controls("gallery")) {
         labels << c->section + u'/' + c->label;
         EXPECT_TRUE(!c->label.isEmpty() && !c->section.isEmpty() &&
                     labels.count(labels.last()) == 1 && form.findChild<QWidget*>(c->name))

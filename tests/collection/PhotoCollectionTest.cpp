@@ -28,7 +28,7 @@ static QString names(const PhotoCollection& collection, View view = View::Record
     for (const auto& record : collection.arrangedObjects()) records << record.myPhotoName;
     for (const PhotoEntry& e : collection.hGetPhotosFromArrayController())
         published << e.url.fileName();
-    for (const GridPhotoEntry& e : collection.hGetGridPhotos())
+    for (const PhotoEntry& e : collection.hGetGridPhotos())
         grid << e.url.fileName() + ':' + e.orientation + QString::number(e.highlight);
     return (view == View::Records ? records : view == View::Published ? published : grid).join(' ');
 }

@@ -46,7 +46,7 @@ TEST(BadInput, EveryOperationFailsQuietlyAndWritesNothing) {
         const QString work = dir + "work." + QFileInfo(source).suffix();
         for (const QString format : {"png", "tiff", "bmp", "gif", "jpeg", "jp2", "pdf"}) {
             if (!QFile::copy(source, work)) break;  // a folder or a missing file has no copy
-            cNSFileHandling().hSaveAsFileType(work, format, "5", out);
+            KLImageHandling::hSaveAsFileType(work, format, "5", out);
             EXPECT_FALSE(QFile::exists(work)) << format.toStdString();
         }
         EXPECT_TRUE(fixtures::isEmptyDir(out)) << QDir(out).entryList().join(' ').toStdString();

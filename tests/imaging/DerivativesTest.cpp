@@ -44,9 +44,7 @@ TEST(Resize, ModesWriteTheTargetSizeInTheSourceType) {
 // the part on the image. One object for all: position 9 keeps the corner of the crop before.
 TEST(Crop, PositionsCutTheBoxAtTheirCorner) {
     const QString dir = testsupport::freshDir(QStringLiteral("crop"));
-    const SettingsStore settings =
-        testsupport::settingsWith({{"tfCropBigXOffset", "10"}, {"tfCropBigYOffset", "-20"}});
-    KLImageHandling images(&settings);
+    KLImageHandling images(CropShifts{0, 0, 10, -20});
     const struct {
         int position;
         bool big;

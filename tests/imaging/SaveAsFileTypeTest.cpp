@@ -22,7 +22,7 @@ TEST(SaveAs, EveryFormatWritesAFileItsReaderAccepts) {
         const QString dir = testsupport::freshDir(QStringLiteral("saveas-") + c.format);
         QDir().mkpath(dir + "out");
         const QString work = workingJpeg(dir + "my.photo.jpg");
-        const SaveAsResult r = cNSFileHandling().hSaveAsFileType(work, c.format, "5", dir + "out/");
+        const SaveAsResult r = KLImageHandling::hSaveAsFileType(work, c.format, "5", dir + "out/");
         EXPECT_EQ(r.url.toLocalFile(), dir + "out/my.photo." + c.format);
         EXPECT_EQ(r.baseName, "my.photo");  // only the last extension goes
         EXPECT_FALSE(QFile::exists(work));
@@ -47,7 +47,7 @@ TEST(SaveAs, CompressionTitlesSetTheJpegQuality) {
         QDir().mkpath(dir + "q" + title);
         if (photos.isEmpty() || !QFile::copy(photos.first(), dir + "a.jpg"))
             workingJpeg(dir + "a.jpg");
-        cNSFileHandling().hSaveAsFileType(dir + "a.jpg", "jpeg", title, dir + "q" + title + "/");
+        KLImageHandling::hSaveAsFileType(dir + "a.jpg", "jpeg", title, dir + "q" + title + "/");
         sizes.push_back(QFileInfo(dir + "q" + title + "/a.jpeg").size());
     }
     ASSERT_GT(sizes[0], 0);
@@ -57,18 +57,17 @@ TEST(SaveAs, CompressionTitlesSetTheJpegQuality) {
 
 TEST(SaveAs, WorkingFileIsDeletedUnlessItIsTheOutput) {
     const QString dir = testsupport::freshDir(QStringLiteral("saveas-delete"));
-    const cNSFileHandling files;
     // "jpeg" writes a.jpeg beside a.jpg and removes the working file
-    files.hSaveAsFileType(workingJpeg(dir + "a.jpg"), "jpeg", "9", dir);
+    KLImageHandling::hSaveAsFileType(workingJpeg(dir + "a.jpg"), "jpeg", "9", dir);
     EXPECT_TRUE(QFile::exists(dir + "a.jpeg"));
     EXPECT_FALSE(QFile::exists(dir + "a.jpg"));
     // "jpg" and "webp" are no formats: nothing is written, the working file goes all the same
     QFile::remove(dir + "a.jpeg");
-    files.hSaveAsFileType(workingJpeg(dir + "a.jpg"), "jpg", "9", dir);
-    files.hSaveAsFileType(workingJpeg(dir + "c.jpg"), "webp", "9", dir + "elsewhere/");
+    KLImageHandling::hSaveAsFileType(workingJpeg(dir + "a.jpg"), "jpg", "9", dir);
+    KLImageHandling::hSaveAsFileType(workingJpeg(dir + "c.jpg"), "webp", "9", dir + "elsewhere/");
     EXPECT_TRUE(fixtures::isEmptyDir(dir));
     // the same path in and out: the file is rewritten in place and stays
     fixtures::save(fixtures::solid(50, 40, {1, 2, 3}), dir + "b.png");
-    files.hSaveAsFileType(dir + "b.png", "png", "9", dir);
+    KLImageHandling::hSaveAsFileType(dir + "b.png", "png", "9", dir);
     EXPECT_EQ(fixtures::sizeOf(dir + "b.png"), fixtures::Size(50, 40));
 }

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "generators/OutputKinds.h"
 #include "presets/SettingsStore.h"
 
 TEST(SettingsStore, SetNormalisesOrRefuses) {
@@ -20,7 +21,7 @@ TEST(SettingsStore, SetNormalisesOrRefuses) {
         {"noSuchControl", "1", ""}};
     for (const auto& [name, value, stored] : cases) {
         SCOPED_TRACE((name + " = " + value).toStdString());
-        SettingsStore store;
+        SettingsStore store(OutputKinds::registry());
         QString error;
         EXPECT_EQ(store.set(name, value, &error), !stored.isEmpty());
         if (stored.isEmpty())
@@ -28,7 +29,7 @@ TEST(SettingsStore, SetNormalisesOrRefuses) {
         else
             EXPECT_EQ(store.text(name), stored);
     }
-    SettingsStore store;
+    SettingsStore store(OutputKinds::registry());
     ASSERT_TRUE(store.set("pubPgMetaData", "IPTC City"));
     EXPECT_EQ(store.title("pubPgMetaData"), "IPTC City");
     EXPECT_EQ(store.index("pbTitleFontSize"), 12);  // the default "32px", by title

@@ -6,6 +6,8 @@
 #include <QDirIterator>
 #include <QProcess>
 
+#include "generators/OutputKinds.h"
+
 namespace testsupport {
 
 QString freshDir(const QString& name) {
@@ -16,7 +18,7 @@ QString freshDir(const QString& name) {
 }
 
 SettingsStore settingsWith(const std::vector<std::pair<QString, QString>>& overrides) {
-    SettingsStore store;
+    SettingsStore store(OutputKinds::registry());
     for (const auto& [name, value] : overrides) {
         QString error;
         EXPECT_TRUE(store.set(name, value, &error)) << error.toStdString();

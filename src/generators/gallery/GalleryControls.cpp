@@ -1,4 +1,5 @@
-#include "presets/ControlRegistry.h"
+#include "generators/common/KindControls.h"
+#include "generators/gallery/cResponsiveDesign.h"
 
 // Every setting of the Photo Gallery, with defaults that make a good-looking gallery untouched:
 // 4 x 3 thumbnails of 200 x 150 cut at the centre, lightbox images 1200 pixels on their longest
@@ -9,18 +10,6 @@
 
 namespace {
 
-const QString kGallery = QStringLiteral("gallery");
-
-QStringList fontSizes() {
-    return {"10px", "11px", "12px", "13px", "14px", "15px", "16px", "18px",
-            "20px", "22px", "24px", "28px", "32px", "36px", "40px", "48px"};
-}
-QStringList weights() {
-    return {"Light", "Regular", "Medium", "Bold", "Black"};
-}
-QStringList alignments() {
-    return {"left", "center", "right"};
-}
 QStringList imageFormats() {
     return {"jpeg", "png", "tiff", "gif", "bmp", "jp2", "pdf"};
 }
@@ -32,33 +21,10 @@ QStringList cropPositions() {
             "right",    "bottom left", "bottom",    "bottom right"};
 }
 
-struct Registrar {
-    ControlRegistry& registry;
-    QString section;  // the window's group for the controls added next
-
-    void add(const QString& name, const QString& label, ControlKind kind,
-             const QString& defaultValue, const QStringList& aliases = {},
-             const QStringList& items = {}, int minimum = 0, int maximum = 0) {
-        ControlSpec control;
-        control.name = name;
-        control.label = label;
-        control.section = section;
-        control.outputKind = kGallery;
-        control.kind = kind;
-        control.defaultValue = defaultValue;
-        control.items = items;
-        control.aliases = aliases;
-        control.minimum = minimum;
-        control.maximum =
-            kind == ControlKind::Segmented && !items.isEmpty() ? int(items.size()) - 1 : maximum;
-        registry.add(control);
-    }
-};
-
 }  // namespace
 
-void registerGalleryControls(ControlRegistry& registry) {
-    Registrar r{registry, {}};
+void cResponsiveDesign::registerControls(ControlRegistry& registry) {
+    KindControls r{registry, QStringLiteral("gallery"), {}};
     using K = ControlKind;
 
     r.section = "Page";
@@ -81,32 +47,30 @@ void registerGalleryControls(ControlRegistry& registry) {
     r.add("cbPgShowMetaData", "Show captions", K::Checkbox, "1");
     r.add("tfPgMetaDataToShow", "Caption items", K::Text, "EXIF User Comment");
     r.add("tfPgMetaDataValueSep", "Item separator", K::Text, " - ");
-    r.add("pubPgMetaData", "Item to add", K::PopupIndex, "1", {},
-          {"Show Filename", "EXIF User Comment", "EXIF Creation Date", "IPTC Creator Title",
-           "IPTC Description", "IPTC Keyword", "IPTC City", "IPTC Caption Writer",
-           "IPTC Copyrights", "IPTC Country", "IPTC Credits", "IPTC Headline", "IPTC Subject Code",
-           "IPTC State Province"});
+    r.add("pubPgMetaData", "Item to add", K::PopupIndex, "1", {}, KindControls::captionItems());
     r.add("cbCaptionStatus", "Captions in the lightbox", K::Checkbox, "1");
 
     r.section = "Fonts";
     r.add("pbFontFamily", "Font family", K::PopupTitle, "Roboto", {},
-          {"Catamaran", "Exo", "Exo 2", "Kanit", "Libre Franklin", "Raleway", "Roboto", "Rubik",
-           "Taviraj", "Trirong"});
+          KindControls::fontFamilyItems());
     r.add("pbTitleFontSize", "Heading size", K::PopupTitle, "32px", {"pbPresetTitleFontSize"},
-          fontSizes());
-    r.add("pbTitleFontWeight", "Heading weight", K::PopupTitle, "Light", {}, weights());
+          KindControls::fontSizeItems());
+    r.add("pbTitleFontWeight", "Heading weight", K::PopupTitle, "Light", {},
+          KindControls::weightItems());
     r.add("scTitleTxtAlign", "Heading alignment", K::Segmented, "1", {"scPresetTitleTxtAlign"},
-          alignments());
+          KindControls::alignmentItems());
     r.add("pbFileNameFontSize", "File name size", K::PopupTitle, "14px",
-          {"pbPresetFileNameFontSize"}, fontSizes());
-    r.add("pbFileNameFontWeight", "File name weight", K::PopupTitle, "Medium", {}, weights());
+          {"pbPresetFileNameFontSize"}, KindControls::fontSizeItems());
+    r.add("pbFileNameFontWeight", "File name weight", K::PopupTitle, "Medium", {},
+          KindControls::weightItems());
     r.add("scFilenameTxtAlign", "File name alignment", K::Segmented, "1",
-          {"scPresetFilenameTxtAlign"}, alignments());
+          {"scPresetFilenameTxtAlign"}, KindControls::alignmentItems());
     r.add("pbExifUserCommentFontSize", "Caption size", K::PopupTitle, "13px",
-          {"pbPresetExifUserCommentFontSize"}, fontSizes());
-    r.add("pbExifUserCommentFontWeight", "Caption weight", K::PopupTitle, "Regular", {}, weights());
+          {"pbPresetExifUserCommentFontSize"}, KindControls::fontSizeItems());
+    r.add("pbExifUserCommentFontWeight", "Caption weight", K::PopupTitle, "Regular", {},
+          KindControls::weightItems());
     r.add("scEXIFuserCommentTxtAlgin", "Caption alignment", K::Segmented, "1",
-          {"scPresetEXIFuserCommentTxtAlgin"}, alignments());
+          {"scPresetEXIFuserCommentTxtAlgin"}, KindControls::alignmentItems());
 
     // The hex fields, with their colour wells as aliases.
     r.section = "Colours";
@@ -184,7 +148,7 @@ void registerGalleryControls(ControlRegistry& registry) {
     r.add("tfTbPatternPath", "Pattern image", K::Path, "", {"tfTbRdPatternPath"});
     r.add("tfTbPatternScale", "Pattern size (%)", K::Text, "20", {"tfTbRdPatternScale"});
     r.add("pubTbPatternOpacity", "Opacity", K::PopupIndex, "2", {"pubTbRdPatternOpacity"},
-          {"0.1", "0.2", "0.3", "0.4", "0.5", "0.6", "0.7", "0.8", "0.9", "1.0"});
+          KindControls::patternOpacityItems());
 
     // Kept in presets, not read by the run.
     r.section = "Preset extras";

@@ -1,100 +1,47 @@
 #include "generators/gallery/cResponsiveDesign.h"
 
-#include <QColor>
-#include <QFile>
 #include <QFileInfo>
-#include <QHash>
-#include <QThread>
 #include <algorithm>
-#include <atomic>
-#include <condition_variable>
-#include <exception>
 #include <limits>
 #include <mutex>
-#include <thread>
 #include <vector>
 
-#include "generators/gallery/cCssCreate.h"
+#include "generators/common/CaptionBuilder.h"
+#include "generators/common/ImageWorkers.h"
+#include "generators/common/OutputFolder.h"
+#include "generators/common/PageText.h"
 #include "imaging/KLImageHandling.h"
-#include "metadata/mMeta.h"
 #include "presets/SettingsStore.h"
-#include "services/Log.h"
 #include "services/UserInterface.h"
 #include "services/cNSColorHandling.h"
-#include "services/cNSFileHandling.h"
-#include "services/cToolBox.h"
 
 namespace {
 
 const QString nl = QStringLiteral("\n");
 
-const QString kJQuery = QStringLiteral(
-    "<script src=\"https://ajax.googleapis.com/ajax/libs/jquery/1.9.1/jquery.min.js\"></script>");
-
-// The head that opens every gallery page and index.html.
-QString headPrologue() {
-    return QStringLiteral(
-        "<!DOCTYPE html PUBLIC \"-//W3C//DTD XHTML 1.0 Transitional//EN\" "
-        "\"http://www.w3.org/TR/xhtml1/DTD/xhtml1-transitional.dtd\">\n"
-        "<html xmlns=\"http://www.w3.org/1999/xhtml\">\n"
-        "<head>\n"
-        "<meta http-equiv=\"Content-Type\" content=\"text/html; charset=UTF-8\" />\n"
-        "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1.0\" />\n");
-}
-
-const QStringList& supportFiles() {
-    static const QStringList files = {"close.gif",   "loading.gif",        "klOrvella.png",
-                                      "overlay.png", "jquery.lightbox.js", "jquery02.lightbox.js",
-                                      "next.png",    "close.png",          "previous.png"};
-    return files;
-}
-
-const QStringList& iptcItems() {
-    static const QStringList items = {
-        "IPTC Creator Title",  "IPTC Description",  "IPTC Keyword",       "IPTC City",
-        "IPTC Caption Writer", "IPTC Copyrights",   "IPTC Country",       "IPTC Credits",
-        "IPTC Headline",       "IPTC Subject Code", "IPTC State Province"};
-    return items;
-}
-
-// What one page needs besides the photos.
-struct PageSettings {
-    bool gridModel = false;
-    QString baseName;
-    QString pageTitle;
-    QString heading;
-    QString gridWidth;
-    bool captionScript = false;
-    bool showFileName = false;
-    bool showMetaData = false;
-    QString thumbFormat;
-    QString bigFormat;
-    QString fontLink;
-};
-
-QString photoBlock(const PageSettings& p, const QString& name, const QString& caption) {
-    // Everything taken from a photo is escaped, so a file name or metadata cannot add markup.
-    const QString safeName = cResponsiveDesign::htmlEscaped(name);
-    const QString thumb = safeName + "." + p.thumbFormat;
-    const QString big = safeName + "." + p.bigFormat;
-    QString title;
-    if (p.showMetaData)
-        title = (p.showFileName ? safeName + "; " : QString()) +
-                cResponsiveDesign::htmlEscaped(caption);
-    else
-        title = safeName;
+QString photoBlock(const GallerySettings& p, const QString& name, const QString& caption) {
+    // Everything taken from a photo is escaped, so a file name or metadata cannot add markup; the
+    // links are percent-encoded, so any file name works in a browser.
+    const QString safeName = PageText::escapeText(name);
+    const QString thumb =
+        PageText::urlPath(QStringLiteral("KLimages_s"), name + u'.' + p.image.thumb.format);
+    const QString big =
+        PageText::urlPath(QStringLiteral("KLimages_b"), name + u'.' + p.image.big.format);
+    const QString titleText =
+        p.showMetaData ? (p.showFileName ? name + QStringLiteral("; ") : QString()) + caption
+                       : name;
 
     QString s;
     if (!p.gridModel) s += "<div class=\"klOVresponsive\">\n";
     s += "<div class=\"klOVimg\">\n";
-    s += "<a href=\"KLimages_b/" + big + "\" rel=\"klOVlightbox\" title=\"" + title + "\">\n";
-    s += "<img src=\"KLimages_s/" + thumb + "\" alt=\"" + safeName +
+    s += "<a href=\"" + big + "\" rel=\"klOVlightbox\" title=\"" +
+         PageText::escapeAttribute(titleText) + "\">\n";
+    s += "<img src=\"" + thumb + "\" alt=\"" + PageText::escapeAttribute(name) +
          "\" width=\"auto\" height=\"auto\">\n</a>\n";
     if (!p.gridModel) s += "</div>\n";
     if (p.showFileName) s += "<div class=\"klOVphotoname\">" + safeName + "</div>\n";
     if (p.showMetaData)
-        s += "<div class=\"klOVdescription\">" + cResponsiveDesign::htmlEscaped(caption) +
-             "</div>\n";
+        s += "<div class=\"klOVdescription\">" + PageText::escapeText(caption) + "</div>\n";
     s += "</div>\n";
     return s;
 }
@@ -108,11 +55,88 @@ QString logoBlock(const QString& productPage, const QString& closing) {
            closing;
 }
 
-}  // namespace
-
-QString cResponsiveDesign::htmlEscaped(const QString& text) {
-    return text.toHtmlEscaped().replace(u'\'', QStringLiteral("&#39;"));
+QString pageText(const GallerySettings& g, int pages, const QString& photos) {
+    QString html = PageText::headPrologue();
+    html += "<title>" + g.pageTitle + "</title>\n";
+    html += g.gridModel ? QStringLiteral("<!-- Keldra: responsive design -->\n")
+                        : QStringLiteral("<!-- Keldra: responsive design - Begin -->\n");
+    html +=
+        "<link href=\"KLcss/klGScss.css\" rel=\"stylesheet\" type=\"text/css\">\n"
+        "<!-- Keldra: lightbox -->\n";
+    html += PageText::jQueryLine() + nl;
+    html += g.captionScript ? QStringLiteral(
+                                  "<script type=\"text/javascript\" "
+                                  "src=\"KLovlightbox/jquery02.lightbox.js\"></script>")
+                            : QStringLiteral(
+                                  "<script type=\"text/javascript\" "
+                                  "src=\"KLovlightbox/jquery.lightbox.js\"></script>");
+    html += "\n\n<script>\n$(function() {\n$('.klOVimg a').lightbox();\n});\n</script>\n\n";
+    if (!g.gridModel) html += "<!-- Keldra: responsive design - End -->\n";
+    // The comment names Roboto whatever the family: kept as it always was.
+    html += "<!-- Keldra: Roboto, from Google fonts -->\n";
+    html += PageText::webFontLink(g.css.fontFamily);
+    html +=
+        "</head>\n<body>\n<!-- Keldra: responsive design main container - Begin -->\n"
+        "<div class=\"KLovTableBased-container\">\n"
+        "<!-- Keldra: Background pattern - Begin -->\n<div class=\"klSsPatternBox\">\n";
+    html += "<div style=\"width:" + g.gridWidth + "%;margin: auto;\">" +
+            (g.gridModel ? "<!-- Keldra: grid - Begin -->\n"
+                         : "<!-- Keldra: responsive design grid - Begin -->\n");
+    if (pages != 1) {
+        html +=
+            "<div id=\"navBar\" class=\"klOVpageNav\" "
+            "style=\"width:100%;padding:6px;text-align:left;\">";
+        for (int k = 1; k <= pages; ++k) {
+            const QString link =
+                PageText::urlSegment(cResponsiveDesign::pageFileName(g.baseName, k));
+            html += "<a href=\"" + link +
+                    (k == 1 ? QStringLiteral("\"> 1 </a>") : "\">" + QString::number(k) + " </a>");
+        }
+        html += "</div>";
+    }
+    html += "<div class=\"klOVtitle\">" + g.heading +
+            (g.gridModel ? "<br><br></div>\n<div class=\"klOVimages\">\n" : "</div>\n");
+    html += photos;
+    const QString productPage = g.gridModel ? QStringLiteral("https://www.keldra.com/orvella")
+                                            : QStringLiteral("http://www.keldra.com/orvella");
+    if (g.gridModel) {
+        html += "</div><!-- Keldra: grid - End -->\n" +
+                logoBlock(productPage, "</div><!-- Keldra: Background pattern - End -->\n") +
+                "</div><!-- Keldra: responsive design main container - End -->\n"
+                "</body>\n</html>";
+    } else {
+        html += logoBlock(productPage, "</div>\n") +
+                "</div><!-- Keldra: grid - End -->\n"
+                "</div><!-- Keldra: Background pattern - End -->\n"
+                "</div><!-- Keldra: responsive design main container - End -->\n"
+                "</body>\n</html>";
+    }
+    return html;
 }
+
+// One derivative from the decoded photo: crop, frame, conversion; the scaling is the caller's.
+void finishDerivative(KLImageHandling& images, Picture picture, const QString& baseName,
+                      const QString& folder, const DerivativeSettings& d, const QString& cropKind,
+                      QStringList* failures) {
+    if (!cropKind.isEmpty() && d.cropWidth != 0 && d.cropHeight != 0) {
+        const Picture cut =
+            images.cropped(picture, d.cropWidth, d.cropHeight, cropKind, d.cropPosition);
+        if (!cut.isNull())
+            picture = cut;  // a failed crop leaves the scaled image, as it always did
+    }
+    if (d.frameWidth > 0) {
+        const Picture framed = images.framed(
+            picture, cNSColorHandling::colorFromHexRGB(d.frameColor), quint32(d.frameWidth));
+        if (!framed.isNull()) picture = framed;
+    }
+    bool written = false;
+    QString error;
+    const SaveAsResult result = KLImageHandling::hSaveAsFileType(
+        picture, baseName, d.format, d.compression, folder, &written, &error);
+    if (!written) failures->append(result.url.toLocalFile() + QStringLiteral(": ") + error);
+}
+
+}  // namespace
 
 void cResponsiveDesign::hPhotoRatioCalc(SettingsStore& settings) {
     const int w = settings.integer("tfSmallCropWidth");
@@ -149,9 +173,9 @@ void cResponsiveDesign::hPhotoRatioCalc(SettingsStore& settings) {
 }
 
 void cResponsiveDesign::hPgAddMetaDataValue(SettingsStore& settings) {
-    const QString item = settings.title("pubPgMetaData");
-    const QString field = settings.text("tfPgMetaDataToShow");
-    settings.setText("tfPgMetaDataToShow", field.isEmpty() ? item : field + ";" + item);
+    settings.setText("tfPgMetaDataToShow",
+                     CaptionBuilder::withItem(settings.text("tfPgMetaDataToShow"),
+                                              settings.title("pubPgMetaData")));
 }
 
 void cResponsiveDesign::hPgClearMetaDataValue(SettingsStore& settings) {
@@ -191,14 +215,6 @@ QStringList cResponsiveDesign::widthList(int columns) {
     return list;
 }
 
-QString cResponsiveDesign::weight(const QString& title) {
-    if (title == u"Light") return QStringLiteral("300");
-    if (title == u"Regular") return QStringLiteral("400");
-    if (title == u"Medium") return QStringLiteral("500");
-    if (title == u"Bold") return QStringLiteral("700");
-    return QStringLiteral("900");
-}
-
 QString cResponsiveDesign::fileNameWeight(const QString& fileNameTitle,
                                           const QString& mappedTitleWeight) {
     if (fileNameTitle == u"Light") return QStringLiteral("300");
@@ -208,69 +224,9 @@ QString cResponsiveDesign::fileNameWeight(const QString& fileNameTitle,
     return QStringLiteral("900");
 }
 
-QString cResponsiveDesign::alignment(int segment) {
-    if (segment == 0) return QStringLiteral("left");
-    if (segment == 1) return QStringLiteral("center");
-    return QStringLiteral("right");
-}
-
-QString cResponsiveDesign::webFontLink(const QString& family) {
-    static const QStringList known = {"Catamaran", "Exo",    "Exo 2", "Kanit",  "Libre Franklin",
-                                      "Raleway",   "Roboto", "Rubik", "Taviraj"};
-    const QString name = known.contains(family) ? family : QStringLiteral("Trirong");
-    return "<link href=\"https://fonts.googleapis.com/css?family=" +
-           QString(name).replace(u' ', u'+') + ":300,400,500,700,900\" rel=\"stylesheet\">\n";
-}
-
-QString cResponsiveDesign::caption(const PhotoEntry& photo, const SettingsStore& settings,
-                                   mMeta& meta) {
-    if (!settings.isOn("cbPgShowMetaData")) return {};
-    const QString path = photo.url.toLocalFile();
-    const QString separator = settings.text("tfPgMetaDataValueSep");
-    QString caption;
-    for (const QString& item : settings.text("tfPgMetaDataToShow").split(u';')) {
-        QString value;
-        if (item == u"Show Filename")
-            value = QFileInfo(path).fileName();
-        else if (item == u"EXIF User Comment")
-            value = photo.description;
-        else if (item == u"EXIF Creation Date")
-            value = meta.hGetExifUc(path, item);
-        else if (iptcItems().contains(item))
-            value = meta.hGetSomeIPTC(path, item);
-        else
-            continue;
-        if (value.isEmpty()) continue;
-        caption = caption.isEmpty() ? value : caption + separator + value;
-    }
-    return caption;
-}
-
-void cResponsiveDesign::hCreateFolderStructure(const QString& destination,
-                                               const QString& patternFileName,
-                                               const SettingsStore& settings) {
-    const cNSFileHandling files;
-    for (const char* folder :
-         {"KLimages_b/", "KLimages_s/", "KLcss/", "KLovPatterns/", "KLovlightbox/"}) {
-        files.hCreateDirectory(destination + folder);
-        files.hAddIconToFile(destination + folder, QStringLiteral("klOrvella_folderIcon2"));
-    }
-    // QFile::copy never overwrites: support files of an earlier run are kept, not refreshed.
-    for (const QString& name : supportFiles()) {
-        const QString target = destination + "KLovlightbox/" + name;
-        if (QFile::copy(":/lightbox/" + name, target))
-            QFile::setPermissions(target, QFileDevice::ReadOwner | QFileDevice::WriteOwner |
-                                              QFileDevice::ReadGroup | QFileDevice::ReadOther);
-    }
-    // The source comes from the "Rd" name and the target name from the other: both are one setting.
-    const QString patternPath = settings.text("tfTbRdPatternPath");
-    if (settings.integer("cbTbRdShowPatternImage") == 1 && !patternPath.isEmpty())
-        QFile::copy(patternPath, destination + "KLovPatterns/" + patternFileName);
-}
-
 QString cResponsiveDesign::indexRedirectText(const QString& baseName) {
     // The literal "/n" sequences, the second head and the repeated meta tags are kept on purpose.
-    return headPrologue() +
+    return PageText::headPrologue() +
            "<head>/n<meta http-equiv=\"Content-Type\" content=\"text/html; charset=UTF-8\" />/n"
            "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1.0\" />/n"
            "<title>my first responsive designed picture gallery</title>/n"
@@ -278,176 +234,45 @@ QString cResponsiveDesign::indexRedirectText(const QString& baseName) {
            baseName + ".html\"</script>\n</head>\n<body></body>";
 }
 
-void cResponsiveDesign::hCreateIndexRedirectHTML(const QString& baseName,
-                                                 const QString& destination) {
-    const cNSFileHandling files;
-    files.hWritHTMLFile(destination + "index.html", indexRedirectText(baseName));
-    files.hAddIconToFile(destination + "index.html", QStringLiteral("klOrvella_HTMLicon"));
+void cResponsiveDesign::settingEdited(SettingsStore& settings, const QString& name) {
+    if (name == u"tfSmallCropWidth" || name == u"tfSmallCropHeight" || name == u"pubPhotoRatio")
+        hPhotoRatioCalc(settings);
 }
 
-namespace {
-
-// The steps after scaling, the same for both derivatives: crop, frame, conversion.
-void finishDerivative(KLImageHandling& images, const QString& work, const QString& folder,
-                      const DerivativeSettings& d, const QString& cropKind) {
-    if (!cropKind.isEmpty() && d.cropWidth != 0 && d.cropHeight != 0)
-        images.cropImage(work, d.cropWidth, d.cropHeight, folder, cropKind, d.cropPosition);
-    if (d.frameWidth > 0)
-        images.addBorderToImage2(work, cNSColorHandling::colorFromHexRGB(d.frameColor),
-                                 quint32(d.frameWidth));
-    cNSFileHandling().hSaveAsFileType(work, d.format, d.compression, folder);
+const QStringList& cResponsiveDesign::folders() {
+    static const QStringList list = {"KLimages_b/", "KLimages_s/", "KLcss/", "KLovPatterns/",
+                                     "KLovlightbox/"};
+    return list;
 }
 
-}  // namespace
+GallerySettings cResponsiveDesign::readSettings(const SettingsStore& s,
+                                                const QString& destination) {
+    GallerySettings g;
+    g.gridModel = s.index("pubPhotoGalleryModel") == 2;
+    g.baseName = pageBaseName(s.text("tfHTMLfileName"));
+    g.pageTitle = s.text("tfPageTitle");
+    g.heading = s.text("tvTitle");
+    g.gridWidth = s.text("tfGridWidth");
+    g.columns = s.integer("ifNumberOfColumns");
+    g.rows = s.integer("ifNumberOfRows");
+    g.captionScript = s.integer("cbCaptionStatus") == 1;
+    g.showFileName = s.integer("btShowFileName") == 1;
+    g.showMetaData = s.isOn("cbPgShowMetaData");
+    g.captionItems = s.text("tfPgMetaDataToShow");
+    g.captionSeparator = s.text("tfPgMetaDataValueSep");
+    // The source comes from the "Rd" name and the target name from the other: both are one setting.
+    g.patternFileName = QFileInfo(s.text("tfTbPatternPath")).fileName();
+    if (s.integer("cbTbRdShowPatternImage") == 1) g.patternSource = s.text("tfTbRdPatternPath");
 
-QString cResponsiveDesign::hScaleImageMaxValueHTML(const QString& photoPath,
-                                                   const GalleryImageSettings& im,
-                                                   const SettingsStore& settings) {
-    const QFileInfo info(photoPath);
-    KLImageHandling images(&settings);
-
-    const QString thumbFolder = im.destination + "KLimages_s/";
-    if (im.thumbAction != 0) {
-        // Both scale the photo itself, so the second result replaces the first: kept on purpose.
-        images.resizeImage(photoPath, im.thumb.cropWidth, 6, thumbFolder);
-        images.resizeImage(photoPath, im.thumb.cropHeight, 7, thumbFolder);
-    } else {
-        images.resizeImage(photoPath, im.thumb.size, 4, thumbFolder);
-    }
-    // Only the scale-and-crop action crops the thumbnail.
-    finishDerivative(images, thumbFolder + info.fileName(), thumbFolder, im.thumb,
-                     im.thumbAction == 0 ? QStringLiteral("myCropThumb") : QString());
-
-    const QString bigFolder = im.destination + "KLimages_b/";
-    images.resizeImage(photoPath, im.big.size, 5, bigFolder);
-    finishDerivative(images, bigFolder + info.fileName(), bigFolder, im.big,
-                     QStringLiteral("myCropBig"));
-    return info.completeBaseName();
-}
-
-namespace {
-
-// Makes the derivatives of every photo on `threads` workers. Photos whose outputs could meet (the
-// same name without extension) form one chain, made in photo order by one worker, so the files
-// are the same whatever the number of workers. The caller waits for each photo in order.
-class DerivativeWorkers {
-  public:
-    DerivativeWorkers(const QList<PhotoEntry>& photos, const GalleryImageSettings& image,
-                      const SettingsStore& settings, int threads)
-        : photos_(photos), image_(image), settings_(settings), done_(size_t(photos.size()), 0) {
-        QHash<QString, int> chainOf;
-        for (int i = 0; i < photos.size(); ++i) {
-            const QString key = QFileInfo(photos[i].url.toLocalFile()).completeBaseName().toLower();
-            const auto it = chainOf.constFind(key);
-            if (it != chainOf.constEnd()) {
-                chains_[size_t(*it)].push_back(i);
-            } else {
-                chainOf.insert(key, int(chains_.size()));
-                chains_.push_back({i});
-            }
-        }
-        const int count = std::clamp(threads, 1, std::max(1, int(chains_.size())));
-        for (int t = 0; t < count; ++t) workers_.emplace_back([this] { work(); });
-    }
-
-    ~DerivativeWorkers() {
-        for (std::thread& t : workers_) t.join();
-    }
-
-    void waitFor(int photo) {
-        std::unique_lock lock(mutex_);
-        changed_.wait(lock, [&] { return done_[size_t(photo)] != 0; });
-    }
-
-  private:
-    void work() {
-        for (;;) {
-            const size_t chain = next_.fetch_add(1);
-            if (chain >= chains_.size()) return;
-            for (const int photo : chains_[chain]) {
-                const QString path = photos_[photo].url.toLocalFile();
-                try {
-                    cResponsiveDesign::hScaleImageMaxValueHTML(path, image_, settings_);
-                } catch (const std::exception& e) {
-                    klLog() << "Gallery image failed:" << path << e.what();
-                } catch (...) {
-                    klLog() << "Gallery image failed:" << path;
-                }
-                {
-                    std::lock_guard lock(mutex_);
-                    done_[size_t(photo)] = 1;
-                }
-                changed_.notify_all();
-            }
-        }
-    }
-
-    const QList<PhotoEntry>& photos_;
-    const GalleryImageSettings& image_;
-    const SettingsStore& settings_;
-    std::vector<std::vector<int>> chains_;
-    std::atomic<size_t> next_{0};
-    std::mutex mutex_;
-    std::condition_variable changed_;
-    std::vector<char> done_;
-    std::vector<std::thread> workers_;
-};
-
-}  // namespace
-
-GalleryResult cResponsiveDesign::hCreateResponsiveHTML(const QString& destination,
-                                                       const QList<PhotoEntry>& photos,
-                                                       const SettingsStore& snapshot,
-                                                       UserInterface& ui, int threads,
-                                                       bool openFirstPage) {
-    SettingsStore s = snapshot;
-    GalleryResult result;
-
-    ui.progressStart();
-    ui.progressStep(0.2);
-    hPhotoRatioCalc(s);
-    const QString baseName = pageBaseName(s.text("tfHTMLfileName"));
-    result.firstPage = destination + baseName + ".html";
-    ui.progressStep(0.2);
-
-    if (photos.isEmpty()) {
-        ui.alert(QStringLiteral("Sorry, you forgot to select photos."),
-                 QStringLiteral("Please choose the photos."), true);
-        ui.progressStop();
-        return result;
-    }
-    const int columns = s.integer("ifNumberOfColumns");
-    const int rows = s.integer("ifNumberOfRows");
-    if (columns <= 0 || rows <= 0) {
-        ui.alert(QStringLiteral("Sorry, the page layout is not possible."),
-                 QStringLiteral("Columns and rows must be at least 1 (columns: %1, rows: %2).")
-                     .arg(columns)
-                     .arg(rows),
-                 true);
-        ui.progressStop();
-        return result;
-    }
-    const int perPage =
-        int(std::min<qint64>(qint64(columns) * rows, std::numeric_limits<int>::max()));
-
-    // Settings of the run.
-    PageSettings page;
-    page.gridModel = s.index("pubPhotoGalleryModel") == 2;
-    page.baseName = baseName;
-    page.pageTitle = s.text("tfPageTitle");
-    page.heading = s.text("tvTitle");
-    page.gridWidth = s.text("tfGridWidth");
-    page.captionScript = s.integer("cbCaptionStatus") == 1;
-    page.showFileName = s.integer("btShowFileName") == 1;
-    page.showMetaData = s.isOn("cbPgShowMetaData");
-
-    GalleryImageSettings image;
+    GalleryImageSettings& image = g.image;
     image.destination = destination;
     image.thumbAction = s.index("pubThumbAction");
     image.thumb.cropWidth = s.integer("tfSmallCropWidth");
     image.thumb.cropHeight = s.integer("tfSmallCropHeight");
     image.thumb.size = std::max(image.thumb.cropWidth, image.thumb.cropHeight);
     image.thumb.cropPosition = s.integer("scImageCropThumbPos");
+    image.thumb.shiftX = s.integer("tfCropThumbXOffset");
+    image.thumb.shiftY = s.integer("tfCropThumbYOffset");
     image.thumb.frameColor = s.text("cwNSColorWellObjBsImage");
     image.thumb.frameWidth = s.integer("tfSmallFramingThickness");
     image.thumb.format = s.title("pbImageFormat");
@@ -456,66 +281,37 @@ GalleryResult cResponsiveDesign::hCreateResponsiveHTML(const QString& destinatio
     image.big.cropHeight = s.integer("tfBigCropHeight");
     image.big.size = std::max(image.big.cropWidth, image.big.cropHeight);
     image.big.cropPosition = s.integer("scImageCropBigPos");
+    image.big.shiftX = s.integer("tfCropBigXOffset");
+    image.big.shiftY = s.integer("tfCropBigYOffset");
     image.big.frameColor = s.text("cwNSColorWellObjBbImage");
     image.big.frameWidth = s.integer("tfBigFramingThickness");
     image.big.format = s.title("pbBIGImageFormat");
     image.big.compression = s.title("pbBIGJPGCompression");
-    page.thumbFormat = image.thumb.format;
-    page.bigFormat = image.big.format;
-    ui.progressStep(0.2);
 
-    if (image.big.size <= image.thumb.size)
-        ui.alert(QStringLiteral("Sorry, some wrong properties"),
-                 QStringLiteral("\r- Lightbox images are smaller than your thumbnails. "
-                                "(Thumbnail size: %1)")
-                     .arg(image.thumb.size),
-                 false);
-    ui.progressStep(0.2);
-
-    const QString patternFileName = QFileInfo(s.text("tfTbPatternPath")).fileName();
-    ui.progressStep(0.2);
-    hCreateFolderStructure(destination, patternFileName, s);
-
-    // Images on the workers; captions and progress here, in photo order.
-    const int count = int(photos.size());
-    const quint8 photoStep = quint8(98 / count);
-    QStringList captions;
-    {
-        DerivativeWorkers workers(photos, image, s,
-                                  threads > 0 ? threads : QThread::idealThreadCount());
-        mMeta meta;  // one reader for the whole run, used in photo order
-        for (int i = 0; i < count; ++i) {
-            captions.append(caption(photos[i], s, meta));
-            workers.waitFor(i);
-            ui.progressStep(photoStep);
-        }
-    }
-
-    ui.progressStep(0.2);
-    GalleryCssArgs css;
-    css.backgroundColor = "#" + s.text("tfHTMLbackgroundColor");
-    css.headingText = page.heading;
-    css.fileNameAlign = alignment(s.integer("scFilenameTxtAlign"));
-    css.headingWeight = weight(s.title("pbTitleFontWeight"));
+    GalleryCssArgs& css = g.css;
+    css.backgroundColor = PageText::hashColor(s.text("tfHTMLbackgroundColor"));
+    css.headingText = g.heading;
+    css.fileNameAlign = PageText::alignment(s.integer("scFilenameTxtAlign"));
+    css.headingWeight = PageText::weight(s.title("pbTitleFontWeight"));
     css.fileNameWeight = fileNameWeight(s.title("pbFileNameFontWeight"), css.headingWeight);
-    css.captionAlign = alignment(s.integer("scEXIFuserCommentTxtAlgin"));
-    css.captionWeight = weight(s.title("pbExifUserCommentFontWeight"));
+    css.captionAlign = PageText::alignment(s.integer("scEXIFuserCommentTxtAlgin"));
+    css.captionWeight = PageText::weight(s.title("pbExifUserCommentFontWeight"));
     css.headingFontSize = s.title("pbTitleFontSize");
     css.captionFontSize = s.title("pbExifUserCommentFontSize");
-    css.headingColor = "#" + s.text("tfHTMLTitleColor");
+    css.headingColor = PageText::hashColor(s.text("tfHTMLTitleColor"));
     css.destination = destination;
-    css.photoNameColor = "#" + s.text("tfHTMLPhotoNameColor");
+    css.photoNameColor = PageText::hashColor(s.text("tfHTMLPhotoNameColor"));
     css.fileNameFontSize = s.title("pbFileNameFontSize");
-    css.captionColor = "#" + s.text("tfHTMLUserExifCommentColor");
-    css.headingAlign = alignment(s.integer("scTitleTxtAlign"));
-    css.cellBackgroundColor = "#" + s.text("tfHTMLbackgroundColorCell");
+    css.captionColor = PageText::hashColor(s.text("tfHTMLUserExifCommentColor"));
+    css.headingAlign = PageText::alignment(s.integer("scTitleTxtAlign"));
+    css.cellBackgroundColor = PageText::hashColor(s.text("tfHTMLbackgroundColorCell"));
     css.fontFamily = s.title("pbFontFamily");
-    css.widthList = widthList(columns);
+    css.widthList = widthList(g.columns);
     css.thumbnailBorderThickness = s.text("tfThumbnailBorderThickness");
     css.thumbnailColor = s.text("tfHTMLThumbnailColor");
     css.thumbnailBorderRadius = s.text("tfThumbnailBorderRadius");
     css.patternOn = s.integer("cbTbShowPatternImage");
-    css.patternFileName = patternFileName;
+    css.patternFileName = g.patternFileName;
     css.patternScale = s.text("tfTbPatternScale");
     css.patternOpacity = s.title("pubTbPatternOpacity");
     css.thumbnailShadowThickness = QString::number(s.integer("tfThumbnailShadowThickness"));
@@ -536,88 +332,187 @@ GalleryResult cResponsiveDesign::hCreateResponsiveHTML(const QString& destinatio
     css.lightboxBackgroundOpacity =
         QString::number(s.integer("sliderLightboxRDBgColorOpacity") / 100.0);
     css.thumbnailAction = image.thumbAction;
-    ui.progressStep(0.2);
-    if (page.gridModel)
-        cCssCreate().hCreateCssGridMod2(css, columns);
+    return g;
+}
+
+GalleryTexts cResponsiveDesign::pageTexts(const GallerySettings& g, const QList<PhotoEntry>& photos,
+                                          const QStringList& captions) {
+    GalleryTexts texts;
+    texts.stylesheet = g.gridModel ? GalleryCss::hCreateCssGridMod2(g.css, g.columns)
+                                   : GalleryCss::hCreateCss(g.css);
+    const int count = int(photos.size());
+    const int perPage =
+        int(std::clamp<qint64>(qint64(g.columns) * g.rows, 1, std::numeric_limits<int>::max()));
+    const int pages = pageCount(count, perPage);
+    int next = 0;
+    for (int z = 1; z <= pages; ++z) {
+        QString blocks;
+        for (int onPage = 0; onPage < perPage && next < count; ++onPage, ++next) {
+            const QString name = QFileInfo(photos[next].url.toLocalFile()).completeBaseName();
+            blocks += photoBlock(g, name, captions.value(next));
+        }
+        texts.pages.append({pageFileName(g.baseName, z), pageText(g, pages, blocks)});
+    }
+    texts.index = indexRedirectText(g.baseName);
+    return texts;
+}
+
+QStringList cResponsiveDesign::hScaleImageMaxValueHTML(const QString& photoPath,
+                                                       const GalleryImageSettings& im) {
+    QStringList failures;
+    const QString base = QFileInfo(photoPath).completeBaseName();
+    const QString thumbFolder = im.destination + "KLimages_s/";
+    const QString bigFolder = im.destination + "KLimages_b/";
+    QString error;
+    int width = 0;
+    int height = 0;
+    if (!KLImageHandling::isSupportedSource(photoPath, &error) ||
+        !PhotoDecoder::uprightSize(photoPath, &width, &height, &error))
+        return {photoPath + QStringLiteral(": ") + error};
+
+    // Decoded once, shrunk to what the larger of the two derivatives needs.
+    double scale = 0;
+    auto need = [&](int size, int mode) {
+        KLImageHandling probe;
+        if (probe.computeTargetSize(width, height, size, mode))
+            scale =
+                std::max({scale, double(probe.newImgW) / width, double(probe.newImgH) / height});
+    };
+    if (im.thumbAction != 0) {
+        need(im.thumb.cropWidth, 6);
+        need(im.thumb.cropHeight, 7);
+    } else {
+        need(im.thumb.size, 4);
+    }
+    need(im.big.size, 5);
+    const Picture photo =
+        KLImageHandling::hWorkingCopy(PhotoDecoder::decode(photoPath, scale, &error));
+    if (photo.isNull()) return {photoPath + QStringLiteral(": ") + error};
+
+    KLImageHandling images(
+        CropShifts{im.thumb.shiftX, im.thumb.shiftY, im.big.shiftX, im.big.shiftY});
+    Picture thumb;
+    if (im.thumbAction != 0) {
+        // Both scale the photo itself, so the second result replaces the first: kept on purpose.
+        const Picture byWidth = images.resized(photo, im.thumb.cropWidth, 6);
+        const Picture byHeight = images.resized(photo, im.thumb.cropHeight, 7);
+        thumb = byHeight.isNull() ? byWidth : byHeight;
+    } else {
+        thumb = images.resized(photo, im.thumb.size, 4);
+    }
+    // Only the scale-and-crop action crops the thumbnail.
+    if (thumb.isNull())
+        failures.append(thumbFolder + base + u'.' + im.thumb.format + ": " + images.lastError);
     else
-        cCssCreate().hCreateCss(css);
+        finishDerivative(images, thumb, base, thumbFolder, im.thumb,
+                         im.thumbAction == 0 ? QStringLiteral("myCropThumb") : QString(),
+                         &failures);
+
+    const Picture big = images.resized(photo, im.big.size, 5);
+    if (big.isNull())
+        failures.append(bigFolder + base + u'.' + im.big.format + ": " + images.lastError);
+    else
+        finishDerivative(images, big, base, bigFolder, im.big, QStringLiteral("myCropBig"),
+                         &failures);
+    return failures;
+}
+
+RunResult cResponsiveDesign::hCreateResponsiveHTML(const QString& destination,
+                                                   const QList<PhotoEntry>& photos,
+                                                   const SettingsStore& snapshot, UserInterface& ui,
+                                                   int threads, bool openFirstPage) {
+    return run(photos, snapshot, ui, RunOptions{destination, threads, openFirstPage});
+}
+
+RunResult cResponsiveDesign::run(const QList<PhotoEntry>& photos, const SettingsStore& snapshot,
+                                 UserInterface& ui, const RunOptions& options) {
+    RunResult result;
+    // Snapshot.
+    SettingsStore s = snapshot;
+    ui.progressStart();
+    ui.progressStep(0.2);
+    hPhotoRatioCalc(s);
+    const GallerySettings g = readSettings(s, options.destination);
+    result.firstPage = options.destination + pageFileName(g.baseName, 1);
+    ui.progressStep(0.2);
+
+    if (photos.isEmpty()) {
+        ui.alert(QStringLiteral("Sorry, you forgot to select photos."),
+                 QStringLiteral("Please choose the photos."), true);
+        ui.progressStop();
+        return result;
+    }
+    if (g.columns <= 0 || g.rows <= 0) {
+        ui.alert(QStringLiteral("Sorry, the page layout is not possible."),
+                 QStringLiteral("Columns and rows must be at least 1 (columns: %1, rows: %2).")
+                     .arg(g.columns)
+                     .arg(g.rows),
+                 true);
+        ui.progressStop();
+        return result;
+    }
+    ui.progressStep(0.2);
+    if (g.image.big.size <= g.image.thumb.size)
+        ui.alert(QStringLiteral("Sorry, some wrong properties"),
+                 QStringLiteral("\r- Lightbox images are smaller than your thumbnails. "
+                                "(Thumbnail size: %1)")
+                     .arg(g.image.thumb.size),
+                 false);
+    ui.progressStep(0.2);
+
+    // Captions (read in photo order with one metadata reader) and the page texts.
+    QStringList captions;
+    if (g.showMetaData) {
+        CaptionBuilder builder(g.captionItems, g.captionSeparator,
+                               CaptionBuilder::FileName::WithExtension);
+        for (const PhotoEntry& photo : photos) captions.append(builder.caption(photo));
+    }
+    const GalleryTexts texts = pageTexts(g, photos, captions);
+    ui.progressStep(0.2);
+
+    // Output folder.
+    OutputFolder out(options.destination);
+    out.createFolders(folders());
+    out.copyLightboxFiles(QStringLiteral("KLovlightbox/"));
+    if (!g.patternSource.isEmpty())
+        out.copyPattern(g.patternSource, "KLovPatterns/" + g.patternFileName);
+
+    // Images, on every core; progress in photo order.
+    const int count = int(photos.size());
+    const quint8 photoStep = quint8(98 / count);
+    std::vector<QStringList> imageFailures(static_cast<size_t>(count));
+    {
+        QStringList keys;
+        for (const PhotoEntry& photo : photos)
+            keys.append(QFileInfo(photo.url.toLocalFile()).completeBaseName());
+        ImageWorkers workers(
+            keys, options.threads,
+            [&](int i) {
+                imageFailures[size_t(i)] =
+                    hScaleImageMaxValueHTML(photos[i].url.toLocalFile(), g.image);
+            },
+            ui);
+        for (int i = 0; i < count; ++i) {
+            if (!workers.waitFor(i)) result.unfinished.append(photos[i].url.toLocalFile());
+            ui.progressStep(photoStep);
+        }
+    }
+    for (const QStringList& failures : imageFailures) out.addFailures(failures);
 
     // Pages.
-    const int pages = pageCount(count, perPage);
-    page.fontLink = webFontLink(css.fontFamily);
-    const QString productPage = page.gridModel ? QStringLiteral("https://www.keldra.com/orvella")
-                                               : QStringLiteral("http://www.keldra.com/orvella");
-    const cNSFileHandling files;
-    int picCount = 0;
-    for (int z = 1; z <= pages; ++z) {
-        QString html = headPrologue();
-        html += "<title>" + page.pageTitle + "</title>\n";
-        html += page.gridModel ? QStringLiteral("<!-- Keldra: responsive design -->\n")
-                               : QStringLiteral("<!-- Keldra: responsive design - Begin -->\n");
-        html +=
-            "<link href=\"KLcss/klGScss.css\" rel=\"stylesheet\" type=\"text/css\">\n"
-            "<!-- Keldra: lightbox -->\n";
-        html += kJQuery + nl;
-        html += page.captionScript ? QStringLiteral(
-                                         "<script type=\"text/javascript\" "
-                                         "src=\"KLovlightbox/jquery02.lightbox.js\"></script>")
-                                   : QStringLiteral(
-                                         "<script type=\"text/javascript\" "
-                                         "src=\"KLovlightbox/jquery.lightbox.js\"></script>");
-        html += "\n\n<script>\n$(function() {\n$('.klOVimg a').lightbox();\n});\n</script>\n\n";
-        if (!page.gridModel) html += "<!-- Keldra: responsive design - End -->\n";
-        // The comment names Roboto whatever the family: kept as it always was.
-        html += "<!-- Keldra: Roboto, from Google fonts -->\n";
-        html += page.fontLink;
-        html +=
-            "</head>\n<body>\n<!-- Keldra: responsive design main container - Begin -->\n"
-            "<div class=\"KLovTableBased-container\">\n"
-            "<!-- Keldra: Background pattern - Begin -->\n<div class=\"klSsPatternBox\">\n";
-        html += "<div style=\"width:" + page.gridWidth + "%;margin: auto;\">" +
-                (page.gridModel ? "<!-- Keldra: grid - Begin -->\n"
-                                : "<!-- Keldra: responsive design grid - Begin -->\n");
-        if (pages != 1) {
-            html +=
-                "<div id=\"navBar\" class=\"klOVpageNav\" "
-                "style=\"width:100%;padding:6px;text-align:left;\">";
-            for (int k = 1; k <= pages; ++k) {
-                if (k == 1)
-                    html += "<a href=\"" + baseName + ".html\"> 1 </a>";
-                else
-                    html += "<a href=\"" + baseName + QString::number(k) + ".html\">" +
-                            QString::number(k) + " </a>";
-            }
-            html += "</div>";
-        }
-        html += "<div class=\"klOVtitle\">" + page.heading +
-                (page.gridModel ? "<br><br></div>\n<div class=\"klOVimages\">\n" : "</div>\n");
-        ui.progressStep(0.2);
-        for (int onPage = 0; onPage < perPage && picCount < count; ++onPage, ++picCount) {
-            const QString name = QFileInfo(photos[picCount].url.toLocalFile()).completeBaseName();
-            html += photoBlock(page, name, captions[picCount]);
-        }
-        if (page.gridModel) {
-            html += "</div><!-- Keldra: grid - End -->\n" +
-                    logoBlock(productPage, "</div><!-- Keldra: Background pattern - End -->\n") +
-                    "</div><!-- Keldra: responsive design main container - End -->\n"
-                    "</body>\n</html>";
-        } else {
-            html += logoBlock(productPage, "</div>\n") +
-                    "</div><!-- Keldra: grid - End -->\n"
-                    "</div><!-- Keldra: Background pattern - End -->\n"
-                    "</div><!-- Keldra: responsive design main container - End -->\n"
-                    "</body>\n</html>";
-        }
-        const QString path = destination + pageFileName(baseName, z);
-        files.hWritHTMLFile(path, html);
-        files.hAddIconToFile(path, QStringLiteral("klOrvella_HTMLicon"));
-    }
-
     ui.progressStep(0.2);
-    hCreateIndexRedirectHTML(baseName, destination);
-    if (openFirstPage) cToolBox(ui).hShowURL2("file:///" + destination + baseName + ".html");
+    out.writeText(QStringLiteral("KLcss/klGScss.css"), texts.stylesheet, false);
+    ui.progressStep(0.2);
+    for (const auto& [name, text] : texts.pages) out.writeText(name, text);
+    ui.progressStep(0.2);
+    // Written after the pages, so a page base name of "index" is replaced by it, as it always was.
+    out.writeText(QStringLiteral("index.html"), texts.index);
+
+    result.cancelled = !result.unfinished.isEmpty();
+    if (options.openFirstPage && !result.cancelled) out.openPage(pageFileName(g.baseName, 1), ui);
     ui.progressStep(0.2);
     ui.progressStop();
+    result.failures = out.failures();
     result.ok = true;
     return result;
 }

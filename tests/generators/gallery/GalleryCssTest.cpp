@@ -6,7 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include "generators/gallery/cCssCreate.h"
+#include "generators/common/PageText.h"
+#include "generators/gallery/GalleryCss.h"
 #include "generators/gallery/cResponsiveDesign.h"
 
 namespace {
@@ -135,11 +136,11 @@ QString gridBreakpoints(std::array<int, 5> k) {
 }  // namespace
 
 TEST(GalleryCss, WholeTextOfEachModel) {
-    EXPECT_EQ(cCssCreate::tableCssText(sampleArgs()).toStdString(),
+    EXPECT_EQ(GalleryCss::hCreateCss(sampleArgs()).toStdString(),
               (css(kContainer) + css(kTableHead) + css(kTextAndCell) + tableBreakpoints(false) +
                css(kNavigationAndLightbox))
                   .toStdString());
-    EXPECT_EQ(cCssCreate::gridCssText(sampleArgs(), 4).toStdString(),
+    EXPECT_EQ(GalleryCss::hCreateCssGridMod2(sampleArgs(), 4).toStdString(),
               (css(kContainer) + css(kGridHead) + css(kTextAndCell) +
                gridBreakpoints({2, 2, 3, 4, 4}) + css(kNavigationAndLightbox))
                   .toStdString());
@@ -199,7 +200,8 @@ TEST(GalleryCss, EachBranchChangesItsPiece) {
     for (const Case& c : cases) {
         GalleryCssArgs a = sampleArgs();
         c.change(a);
-        const QString text = c.grid ? cCssCreate::gridCssText(a, 4) : cCssCreate::tableCssText(a);
+        const QString text =
+            c.grid ? GalleryCss::hCreateCssGridMod2(a, 4) : GalleryCss::hCreateCss(a);
         EXPECT_TRUE(text.contains(c.present)) << c.label;
         EXPECT_FALSE(c.absent && text.contains(c.absent)) << c.label;
     }
@@ -219,7 +221,8 @@ TEST(GalleryCss, ColumnsSetWidthsAndGridBreakpoints) {
     const std::vector<std::pair<int, std::array<int, 5>>> grids = {
         {1, {1, 1, 1, 1, 1}}, {2, {2, 1, 2, 2, 2}}, {6, {2, 3, 4, 5, 6}}};
     for (const auto& [columns, k] : grids)
-        EXPECT_TRUE(cCssCreate::gridCssText(sampleArgs(), columns).contains(gridBreakpoints(k)))
+        EXPECT_TRUE(
+            GalleryCss::hCreateCssGridMod2(sampleArgs(), columns).contains(gridBreakpoints(k)))
             << columns;
 }
 
@@ -232,8 +235,8 @@ TEST(GalleryCss, FontLinesAndWeights) {
     const std::vector<std::pair<QString, QString>> weights = {{"Light", "300"},  {"Regular", "400"},
                                                               {"Medium", "500"}, {"Bold", "700"},
                                                               {"Black", "900"},  {"", "900"}};
-    for (const auto& [title, number] : weights) EXPECT_EQ(cResponsiveDesign::weight(title), number);
+    for (const auto& [title, number] : weights) EXPECT_EQ(PageText::weight(title), number);
     // The file-name weight "Bold" is tested against the mapped heading weight: always 900.
-    EXPECT_EQ(cResponsiveDesign::fileNameWeight("Bold", cResponsiveDesign::weight("Bold")), "900");
+    EXPECT_EQ(cResponsiveDesign::fileNameWeight("Bold", PageText::weight("Bold")), "900");
     EXPECT_EQ(cResponsiveDesign::fileNameWeight("Light", "700"), "300");
 }

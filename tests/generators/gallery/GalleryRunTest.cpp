@@ -71,9 +71,8 @@ const QStringList kSmall = {"tfSmallCropWidth=40", "pubPhotoRatio=0", "tfSmallCr
                             "tfBigCropWidth=80", "tfBigCropHeight=0"};
 
 // A run with small images (thumbnail 40 x 30, big 80) plus overrides; the first page is opened.
-GalleryResult run(const QString& dir, const QStringList& paths, const QStringList& set,
-                  RecordingUserInterface& ui, int threads = 2,
-                  const QStringList& descriptions = {}) {
+RunResult run(const QString& dir, const QStringList& paths, const QStringList& set,
+              RecordingUserInterface& ui, int threads = 2, const QStringList& descriptions = {}) {
     QList<PhotoEntry> photos;
     for (int i = 0; i < paths.size(); ++i)
         photos.append({QUrl::fromLocalFile(paths[i]), descriptions.value(i)});
@@ -253,30 +252,6 @@ TEST(GalleryRun, RefusedRuns) {
                     ui.alerts.size() == 1)
             << alerts(ui).toStdString();
         EXPECT_TRUE(ui.stops == 1 && QDir(dir).isEmpty());
-    }
-}
-
-TEST(GalleryRun, CaptionRules) {
-    const QString src = freshDir("gallery-captions-src");
-    const QString photo = makePhoto(src, "shot.jpg", 40, 30);
-    runProgram("exiftool", {"-q", "-overwrite_original", "-IPTC:City=Lyon", "-IPTC:Headline=Sunset",
-                            "-EXIF:DateTimeOriginal=2019:07:14 18:03:22", photo});
-    const QString bare = makePhoto(src, "bare.jpg", 40, 30);
-    // Show, items, separator, photo, description, caption.
-    const std::vector<std::array<QString, 6>> cases = {
-        {"1", "IPTC City;Show Filename", " - ", bare, "", "bare.jpg"},
-        {"1", "IPTC City;Show Filename", " - ", photo, "", "Lyon - shot.jpg"},
-        {"1", "EXIF User Comment;Nonsense;IPTC Headline", "|", photo, "Hello", "Hello|Sunset"},
-        {"1", "EXIF User Comment;EXIF Creation Date", ", ", photo, "", "2019:07:14 18:03:22"},
-        {"0", "Show Filename", "", bare, "x", ""},
-    };
-    for (const auto& [show, items, separator, path, description, caption] : cases) {
-        mMeta meta;
-        const SettingsStore settings =
-            store({"cbPgShowMetaData=" + show, "tfPgMetaDataToShow=" + items,
-                   "tfPgMetaDataValueSep=" + separator});
-        const PhotoEntry entry = {QUrl::fromLocalFile(path), description};
-        EXPECT_EQ(cResponsiveDesign::caption(entry, settings, meta), caption) << qPrintable(items);
     }
 }
 

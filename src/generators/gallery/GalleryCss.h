@@ -3,15 +3,7 @@
 #include <QString>
 #include <QStringList>
 
-// A colour as the stylesheet writer receives it: red, green and blue from 0 to 1.
-struct CssRgb {
-    double red = 0;
-    double green = 0;
-    double blue = 0;
-
-    // From a colour text of six hexadecimal digits ("" or anything unreadable gives black).
-    static CssRgb fromHex(const QString& hex);
-};
+#include "generators/common/cCssCreate.h"
 
 // The style settings of a Photo Gallery, in the order the stylesheet writers take them. Colours
 // marked "#" carry it in front; the others are bare hex digits.
@@ -26,7 +18,7 @@ struct GalleryCssArgs {
     QString captionFontSize;            // 8
     QString headingWeight;              // 9
     QString headingColor;               // 10, "#" + hex
-    QString destination;                // 11, ends with "/"
+    QString destination;                // 11, ends with "/" (not used by the text)
     QString photoNameColor;             // 12, "#" + hex
     QString fileNameFontSize;           // 13
     QString captionColor;               // 14, "#" + hex
@@ -60,17 +52,11 @@ struct GalleryCssArgs {
     int thumbnailAction = 0;            // 42
 };
 
-// Writes the stylesheet "KLcss/klGScss.css" of a Photo Gallery.
-class cCssCreate {
+// The stylesheet "KLcss/klGScss.css" of a Photo Gallery, in its two models.
+class GalleryCss {
   public:
     // Table-based model.
-    void hCreateCss(const GalleryCssArgs& args) const;
+    static QString hCreateCss(const GalleryCssArgs& args);
     // Grid model, with the column count.
-    void hCreateCssGridMod2(const GalleryCssArgs& args, int columns) const;
-
-    // The texts the two write.
-    static QString tableCssText(const GalleryCssArgs& args);
-    static QString gridCssText(const GalleryCssArgs& args, int columns);
-    // "font-family: '<family>', sans-serif;" + newline; unknown families give Trirong, serif.
-    static QString fontLine(const QString& family);
+    static QString hCreateCssGridMod2(const GalleryCssArgs& args, int columns);
 };

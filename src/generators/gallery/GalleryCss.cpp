@@ -1,13 +1,4 @@
-#include "generators/gallery/cCssCreate.h"
-
-#include "services/cNSColorHandling.h"
-#include "services/cNSFileHandling.h"
-
-CssRgb CssRgb::fromHex(const QString& hex) {
-    const QColor c = cNSColorHandling::colorFromHexRGB(hex);
-    // From the 8-bit values, in double precision: 128 must print as 128.000000.
-    return {c.red() / 255.0, c.green() / 255.0, c.blue() / 255.0};
-}
+#include "generators/gallery/GalleryCss.h"
 
 namespace {
 
@@ -74,8 +65,7 @@ QString navigationAndLightboxRules(const GalleryCssArgs& a, const QString& font)
     const CssRgb& c = a.lightboxBackgroundColor;
     s += "/* light box */\n.klOVlightbox{\ncursor: pointer;\nposition: fixed;\nwidth: 100%;\n"
          "height: 100%;\ntop: 0;\nleft: 0;\nbackground-color: rgba(" +
-         QString::asprintf("%f,%f,%f,", c.red * 255.0, c.green * 255.0, c.blue * 255.0) +
-         a.lightboxBackgroundOpacity +
+         cCssCreate::rgbComponents(c) + a.lightboxBackgroundOpacity +
          ");\n-webkit-filter: none !important;\nz-index: 9997;\n}\n\n";
     s += ".klOVlightbox img {\ndisplay: block;\nposition: absolute;\nborder: " + a.boxThickness +
          "px solid #" + a.boxColor + ";\nbox-shadow: " + a.boxShadowXOffset + "px " +
@@ -114,15 +104,8 @@ QString widthItem(const GalleryCssArgs& a, int i) {
 
 }  // namespace
 
-QString cCssCreate::fontLine(const QString& family) {
-    static const QStringList known = {"Catamaran", "Exo",    "Exo 2", "Kanit",  "Libre Franklin",
-                                      "Raleway",   "Roboto", "Rubik", "Taviraj"};
-    if (known.contains(family)) return "font-family: '" + family + "', sans-serif;\n";
-    return QStringLiteral("font-family: 'Trirong', serif;\n");
-}
-
-QString cCssCreate::tableCssText(const GalleryCssArgs& a) {
-    const QString font = fontLine(a.fontFamily);
+QString GalleryCss::hCreateCss(const GalleryCssArgs& a) {
+    const QString font = cCssCreate::fontLine(a.fontFamily);
     QString s = QStringLiteral("@charset \"UTF-8\"\n\n");
     s += ".KLovTableBased-container {\nheight: 100%;\nz-index: 2;\n}\n"
          ".KLovTableBased-container::after {\ncontent: \"\";\ntop: 0;\nleft: 0;\n"
@@ -182,8 +165,8 @@ QString cCssCreate::tableCssText(const GalleryCssArgs& a) {
     return s;
 }
 
-QString cCssCreate::gridCssText(const GalleryCssArgs& a, int columns) {
-    const QString font = fontLine(a.fontFamily);
+QString GalleryCss::hCreateCssGridMod2(const GalleryCssArgs& a, int columns) {
+    const QString font = cCssCreate::fontLine(a.fontFamily);
     QString s = QStringLiteral("@charset \"UTF-8\"\n\n");
     s += ".KLovTableBased-container {\nheight: 100%;\nz-index: 2;\n}\n"
          ".KLovTableBased-container::after {\ncontent: \"\";\n";
@@ -228,13 +211,4 @@ QString cCssCreate::gridCssText(const GalleryCssArgs& a, int columns) {
 
     s += navigationAndLightboxRules(a, font);
     return s;
-}
-
-void cCssCreate::hCreateCss(const GalleryCssArgs& args) const {
-    cNSFileHandling().hWritHTMLFile(args.destination + "KLcss/klGScss.css", tableCssText(args));
-}
-
-void cCssCreate::hCreateCssGridMod2(const GalleryCssArgs& args, int columns) const {
-    cNSFileHandling().hWritHTMLFile(args.destination + "KLcss/klGScss.css",
-                                    gridCssText(args, columns));
 }

@@ -1,0 +1,46 @@
+#include "generators/OutputKinds.h"
+
+#include "generators/gallery/cResponsiveDesign.h"
+#include "presets/ControlRegistry.h"
+
+namespace OutputKinds {
+
+const QList<OutputKind>& all() {
+    static const QList<OutputKind> kinds = {
+        {.name = QStringLiteral("gallery"),
+         .title = QStringLiteral("Photo Gallery"),
+         .action = QStringLiteral("Create Photo Gallery"),
+         .registerControls = &cResponsiveDesign::registerControls,
+         .run = &cResponsiveDesign::run,
+         .settingEdited = &cResponsiveDesign::settingEdited,
+         .captionItemControl = QStringLiteral("pubPgMetaData"),
+         .captionListControl = QStringLiteral("tfPgMetaDataToShow"),
+         .captionSection = QStringLiteral("Captions"),
+         .destinationControl = QStringLiteral("tfHTMLdestinationFolder"),
+         .usesHighlight = false},
+    };
+    return kinds;
+}
+
+const OutputKind* find(const QString& name) {
+    for (const OutputKind& kind : all())
+        if (kind.name == name) return &kind;
+    return nullptr;
+}
+
+QString names() {
+    QStringList list;
+    for (const OutputKind& kind : all()) list.append(kind.name);
+    return list.join(QStringLiteral(", "));
+}
+
+const ControlRegistry& registry() {
+    static const ControlRegistry registry = [] {
+        ControlRegistry r;
+        for (const OutputKind& kind : all()) kind.registerControls(r);
+        return r;
+    }();
+    return registry;
+}
+
+}  // namespace OutputKinds

@@ -1,0 +1,62 @@
+#include "generators/common/ImageWorkers.h"
+
+#include <QHash>
+#include <QThread>
+#include <algorithm>
+#include <exception>
+
+#include "services/Log.h"
+#include "services/UserInterface.h"
+
+ImageWorkers::ImageWorkers(const QStringList& outputKeys, int threads,
+                           std::function<void(int)> make, const UserInterface& ui)
+    : make_(std::move(make)), ui_(ui), state_(size_t(outputKeys.size()), 0) {
+    QHash<QString, int> chainOf;
+    for (int i = 0; i < outputKeys.size(); ++i) {
+        const QString key = outputKeys[i].toLower();
+        const auto it = chainOf.constFind(key);
+        if (it != chainOf.constEnd()) {
+            chains_[size_t(*it)].push_back(i);
+        } else {
+            chainOf.insert(key, int(chains_.size()));
+            chains_.push_back({i});
+        }
+    }
+    const int wanted = threads > 0 ? threads : QThread::idealThreadCount();
+    const int count = std::clamp(wanted, 1, std::max(1, int(chains_.size())));
+    for (int t = 0; t < count; ++t) workers_.emplace_back([this] { work(); });
+}
+
+ImageWorkers::~ImageWorkers() {
+    for (std::thread& t : workers_) t.join();
+}
+
+bool ImageWorkers::waitFor(int photo) {
+    std::unique_lock lock(mutex_);
+    changed_.wait(lock, [&] { return state_[size_t(photo)] != 0; });
+    return state_[size_t(photo)] == 1;
+}
+
+void ImageWorkers::work() {
+    for (;;) {
+        const size_t chain = next_.fetch_add(1);
+        if (chain >= chains_.size()) return;
+        for (const int photo : chains_[chain]) {
+            const bool skip = ui_.isCancelled();
+            if (!skip) {
+                try {
+                    make_(photo);
+                } catch (const std::exception& e) {
+                    klLog() << "image work failed for photo" << photo << e.what();
+                } catch (...) {
+                    klLog() << "image work failed for photo" << photo;
+                }
+            }
+            {
+                std::lock_guard lock(mutex_);
+                state_[size_t(photo)] = skip ? 2 : 1;
+            }
+            changed_.notify_all();
+        }
+    }
+}

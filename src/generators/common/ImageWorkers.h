@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QStringList>
+#include <atomic>
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+class UserInterface;
+
+// Makes the images of a run on every core while the calling thread waits for the photos in order.
+// Photos whose outputs could meet (equal output keys, in any case) form one chain made in photo
+// order by one worker, so the files are the same whatever the number of workers. Once the user
+// cancels, no further photo is started.
+class ImageWorkers {
+  public:
+    // `make(i)` makes the images of photo i on a worker thread. `threads` 0 means one per core.
+    ImageWorkers(const QStringList& outputKeys, int threads, std::function<void(int)> make,
+                 const UserInterface& ui);
+    // Waits for the workers.
+    ~ImageWorkers();
+
+    ImageWorkers(const ImageWorkers&) = delete;
+    ImageWorkers& operator=(const ImageWorkers&) = delete;
+
+    // Waits until photo i is made or skipped; false when it was skipped because of a cancel.
+    bool waitFor(int photo);
+
+  private:
+    void work();
+
+    std::function<void(int)> make_;
+    const UserInterface& ui_;
+    std::vector<std::vector<int>> chains_;
+    std::atomic<size_t> next_{0};
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    std::vector<char> state_;  // 0 waiting, 1 made, 2 skipped
+    std::vector<std::thread> workers_;
+};

@@ -1,0 +1,82 @@
+#include "generators/common/OutputFolder.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include "services/AtomicFile.h"
+#include "services/cNSFileHandling.h"
+#include "services/cToolBox.h"
+
+OutputFolder::OutputFolder(const QString& destination) : destination_(destination) {}
+
+const QStringList& OutputFolder::lightboxFiles() {
+    static const QStringList files = {"close.gif",   "loading.gif",        "klOrvella.png",
+                                      "overlay.png", "jquery.lightbox.js", "jquery02.lightbox.js",
+                                      "next.png",    "close.png",          "previous.png"};
+    return files;
+}
+
+void OutputFolder::addFailure(const QString& path, const QString& reason) {
+    failures_.append(path + QStringLiteral(": ") + reason);
+}
+
+void OutputFolder::createFolders(const QStringList& folders) {
+    const cNSFileHandling files;
+    for (const QString& folder : folders) {
+        const QString path = destination_ + folder;
+        if (files.hCreateDirectory(path) == u"FAILED")
+            addFailure(path, QStringLiteral("the folder cannot be created"));
+        files.hAddIconToFile(path, QStringLiteral("klOrvella_folderIcon2"));
+        AtomicFile::removeLeftovers(path);
+    }
+    AtomicFile::removeLeftovers(destination_);
+}
+
+namespace {
+
+// Copies through a temporary file, so a full disk leaves no half file; an existing target stays.
+bool copyKeeping(const QString& source, const QString& target, QString* error) {
+    if (QFileInfo::exists(target)) return true;
+    QFile in(source);
+    if (!in.open(QIODevice::ReadOnly)) {
+        *error = in.errorString();
+        return false;
+    }
+    const QByteArray bytes = in.readAll();
+    if (in.error() != QFileDevice::NoError) {
+        *error = in.errorString();
+        return false;
+    }
+    return AtomicFile::write(target, bytes, error);
+}
+
+}  // namespace
+
+void OutputFolder::copyLightboxFiles(const QString& folder) {
+    for (const QString& name : lightboxFiles()) {
+        QString error;
+        const QString target = destination_ + folder + name;
+        if (!copyKeeping(":/lightbox/" + name, target, &error)) addFailure(target, error);
+    }
+}
+
+void OutputFolder::copyPattern(const QString& source, const QString& folderAndFileName) {
+    QString error;
+    const QString target = destination_ + folderAndFileName;
+    if (!copyKeeping(source, target, &error)) addFailure(source, error);
+}
+
+bool OutputFolder::writeText(const QString& relativePath, const QString& text, bool pageIcon) {
+    const QString path = destination_ + relativePath;
+    QString error;
+    if (!AtomicFile::write(path, text.toUtf8(), &error)) {
+        addFailure(path, error);
+        return false;
+    }
+    if (pageIcon) cNSFileHandling().hAddIconToFile(path, QStringLiteral("klOrvella_HTMLicon"));
+    return true;
+}
+
+void OutputFolder::openPage(const QString& relativePath, UserInterface& ui) const {
+    cToolBox(ui).hShowURL2("file:///" + destination_ + relativePath);
+}

@@ -1,0 +1,51 @@
+#include <gtest/gtest.h>
+
+#include <QUrl>
+
+#include "generators/common/CaptionBuilder.h"
+#include "support/TestSupport.h"
+
+using testsupport::freshDir;
+
+namespace {
+
+QString makePhoto(const QString& dir, const QString& name) {
+    const QString path = dir + name;
+    testsupport::runProgram("vips", {"black", path + "[Q=90]", "40", "30"});
+    return path;
+}
+
+}  // namespace
+
+// Items in order, empty values and unknown names skipped, the separator between values; the file
+// name item is the name with its extension in the gallery and the base name in the other kinds.
+TEST(CaptionBuilder, ItemsInOrderSkippingEmptyValues) {
+    const QString src = freshDir("captions-src");
+    const QString photo = makePhoto(src, "shot.jpg");
+    testsupport::runProgram(
+        "exiftool", {"-q", "-overwrite_original", "-IPTC:City=Lyon", "-IPTC:Headline=Sunset",
+                     "-EXIF:DateTimeOriginal=2019:07:14 18:03:22", photo});
+    const QString bare = makePhoto(src, "bare.jpg");
+    using F = CaptionBuilder::FileName;
+    const struct {
+        QString items, separator, path, description;
+        F rule;
+        QString caption;
+    } cases[] = {
+        {"IPTC City;Show Filename", " - ", bare, "", F::WithExtension, "bare.jpg"},
+        {"IPTC City;Show Filename", " - ", photo, "", F::WithExtension, "Lyon - shot.jpg"},
+        {"Show Filename;IPTC City", " / ", photo, "", F::BaseName, "shot / Lyon"},
+        {"EXIF User Comment;Nonsense;IPTC Headline", "|", photo, "Hello", F::BaseName,
+         "Hello|Sunset"},
+        {"EXIF User Comment;EXIF Creation Date", ", ", photo, "", F::WithExtension,
+         "2019:07:14 18:03:22"},
+        {"", "-", photo, "Hello", F::WithExtension, ""},
+    };
+    for (const auto& c : cases) {
+        CaptionBuilder builder(c.items, c.separator, c.rule);
+        EXPECT_EQ(builder.caption({QUrl::fromLocalFile(c.path), c.description}), c.caption)
+            << qPrintable(c.items);
+    }
+    EXPECT_EQ(CaptionBuilder::withItem("", "IPTC City"), "IPTC City");
+    EXPECT_EQ(CaptionBuilder::withItem("IPTC City", "Show Filename"), "IPTC City;Show Filename");
+}
