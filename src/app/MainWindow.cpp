@@ -360,7 +360,7 @@ void MainWindow::runFinished() {
         statusBar()->showMessage(
             tr("Cancelled: %n photo(s) were not made.", nullptr, int(result.unfinished.size())));
         ui_->alert(tr("The %1 was cancelled.").arg(runKindTitle_),
-                   tr("These photos were not made; the pages link to them all:\n%1")
+                   tr("No page was written, and these photos were not made:\n%1")
                        .arg(result.unfinished.join(u'\n')),
                    false);
         return;

@@ -11,7 +11,8 @@ WindowUserInterface::WindowUserInterface(QWidget* window, QProgressBar* progress
 
 void WindowUserInterface::alert(const QString& title, const QString& description, bool stopsRun) {
     QMetaObject::invokeMethod(this, [this, title, description, stopsRun] {
-        // A sheet on the main window: modal to the window only, so a run that goes on is not held up.
+        // A sheet on the main window: modal to the window only, so a run that goes on is not held
+        // up.
         auto* box = new QMessageBox(stopsRun ? QMessageBox::Warning : QMessageBox::Information,
                                     title, title, QMessageBox::Ok, window_);
         box->setInformativeText(description.trimmed());

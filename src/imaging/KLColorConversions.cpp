@@ -7,6 +7,7 @@
 #include <vips/vips8>
 
 #include "imaging/ImageFileIo.h"
+#include "imaging/PictureData.h"
 #include "imaging/VipsRuntime.h"
 #include "services/Log.h"
 
@@ -253,7 +254,10 @@ QString KLColorConversions::run(const QString& path, const QString& folder,
     int height = 0;
     if (!ImageFileIo::pixelSize(filter->input, &width, &height)) return kOk;
     try {
-        const VImage source = ImageFileIo::toSrgb8(ImageFileIo::open(filter->input, true), true);
+        // Decoded once, upright, 8-bit sRGB, with its metadata.
+        const Picture photo = PhotoDecoder::decode(filter->input, 1.0);
+        if (photo.isNull()) return kOk;
+        const VImage source = photo.data().pixels;
         const bool alpha = source.bands() == 4;
         const VImage colour =
             alpha ? source.extract_band(0, VImage::option()->set("n", 3)) : source;

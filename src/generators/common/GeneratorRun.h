@@ -13,7 +13,8 @@ struct RunOptions {
 // The outcome of a run.
 struct RunResult {
     bool ok = false;         // false: an alert stopped the run before anything was written
-    bool cancelled = false;  // the user cancelled; `unfinished` names the photos not made
+    bool cancelled = false;  // the user cancelled: no page was written; `unfinished` names the
+                             // photos whose images were not made
     QString firstPage;       // the path of the page a browser opens first
     QStringList failures;    // "path: reason" for each file that could not be read or written
     QStringList unfinished;  // photos left out by a cancel

@@ -498,6 +498,13 @@ RunResult cResponsiveDesign::run(const QList<PhotoEntry>& photos, const Settings
         }
     }
     for (const QStringList& failures : imageFailures) out.addFailures(failures);
+    result.cancelled = !result.unfinished.isEmpty();
+    if (result.cancelled) {  // no page links to images that were never made
+        ui.progressStop();
+        result.failures = out.failures();
+        result.ok = true;
+        return result;
+    }
 
     // Pages.
     ui.progressStep(0.2);
@@ -508,8 +515,7 @@ RunResult cResponsiveDesign::run(const QList<PhotoEntry>& photos, const Settings
     // Written after the pages, so a page base name of "index" is replaced by it, as it always was.
     out.writeText(QStringLiteral("index.html"), texts.index);
 
-    result.cancelled = !result.unfinished.isEmpty();
-    if (options.openFirstPage && !result.cancelled) out.openPage(pageFileName(g.baseName, 1), ui);
+    if (options.openFirstPage) out.openPage(pageFileName(g.baseName, 1), ui);
     ui.progressStep(0.2);
     ui.progressStop();
     result.failures = out.failures();

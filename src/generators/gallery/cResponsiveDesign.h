@@ -20,10 +20,10 @@ struct DerivativeSettings {
     int cropPosition = 4;
     int shiftX = 0;  // the crop offset fields
     int shiftY = 0;
-    QString frameColor;  // hex
+    QString frameColor = {};  // hex
     int frameWidth = 0;
-    QString format;
-    QString compression;
+    QString format = {};
+    QString compression = {};
 };
 
 struct GalleryImageSettings {
