@@ -38,7 +38,9 @@ TEST(MetaReader, UserCommentsAgainstExiftool) {
         // A value shorter than its 8-byte character-code header is no comment; exiftool shows
         // its bytes as they are.
         const QString truth = exiftool(file, "UserComment");
-        if (raw.size() >= 8) EXPECT_EQ(truth.trimmed().isEmpty() ? QString() : truth, expected);
+        if (raw.size() >= 8) {
+            EXPECT_EQ(truth.trimmed().isEmpty() ? QString() : truth, expected);
+        }
     }
 }
 
