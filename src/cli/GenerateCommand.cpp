@@ -168,10 +168,10 @@ int generate(const OutputKind& kind, const QStringList& args, Io& io) {
 
     PhotoCollection collection;
     collection.setCellImageSize(0);
-    const int added = collection.appendPhotos(paths);
-    if (added < paths.size())
-        io.err << "warning: " << (paths.size() - added)
-               << " file(s) skipped: not readable images\n";
+    collection.appendPhotos(paths);
+    // A photo that could not be read is named, the run goes on, and the exit code tells.
+    for (const QString& skipped : collection.skippedPhotos())
+        io.err << "orvella generate: skipped " << skipped << "\n";
     if (sort == u"az") collection.setSortingModeAz();
     if (sort == u"za") collection.setSortingModezA();
 
@@ -211,7 +211,7 @@ int generate(const OutputKind& kind, const QStringList& args, Io& io) {
     for (const QString& failure : result.failures)
         io.err << "orvella generate: " << failure << "\n";
     io.out << result.firstPage << "\n";
-    return result.failures.isEmpty() ? kOk : kFailed;
+    return result.failures.isEmpty() && collection.skippedPhotos().isEmpty() ? kOk : kFailed;
 }
 
 }  // namespace

@@ -84,8 +84,10 @@ int tree(const QStringList& args, Io& io) {
 
 int setComment(const QStringList& args, Io& io) {
     if (args.size() != 2) return usage(io, QStringLiteral("set-comment needs a file and a text"));
-    const QString result = mMeta().hSetExifData(args[0], args[1]);
+    const mMeta meta;
+    const QString result = meta.hSetExifData(args[0], args[1]);
     io.out << result << "\n";
+    if (result != u"OK") io.err << "orvella meta: " << args[0] << ": " << meta.writeError << "\n";
     return result == u"OK" ? kOk : kFailed;
 }
 

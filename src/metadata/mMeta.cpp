@@ -1,19 +1,26 @@
 #include "metadata/mMeta.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <QByteArray>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QMap>
+#include <QScopeGuard>
 #include <QStringDecoder>
-#include <QTemporaryFile>
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <exiv2/exiv2.hpp>
 #include <filesystem>
 #include <mutex>
 #include <system_error>
 
+#include "services/AtomicFile.h"
 #include "services/Log.h"
 
 class mMeta::ImageSource {
@@ -311,67 +318,140 @@ qsizetype jpegScanStart(const QByteArray& data) {
 // Writing keeps the image data as it is, so a file cut short would stay broken with new
 // metadata in it; such files are refused. The end-of-image marker cannot occur inside
 // entropy-coded data, and a PNG ends with its IEND chunk.
+// Every strip or tile that the first image directory names lies inside the file.
+bool tiffDataInside(const Exiv2::ExifData& exif, qint64 fileSize) {
+    for (const auto& [offsetsKey, countsKey] :
+         {std::pair{"Exif.Image.StripOffsets", "Exif.Image.StripByteCounts"},
+          std::pair{"Exif.Image.TileOffsets", "Exif.Image.TileByteCounts"}}) {
+        const auto offsets = exif.findKey(Exiv2::ExifKey(offsetsKey));
+        const auto counts = exif.findKey(Exiv2::ExifKey(countsKey));
+        if (offsets == exif.end() || counts == exif.end()) continue;
+        if (offsets->count() != counts->count() || offsets->count() == 0) return false;
+        for (long i = 0; i < offsets->count(); ++i) {
+            const qint64 end = qint64(offsets->toLong(i)) + qint64(counts->toLong(i));
+            if (offsets->toLong(i) < 0 || counts->toLong(i) <= 0 || end > fileSize) return false;
+        }
+        return true;
+    }
+    return false;  // no image data at all
+}
+
 bool looksComplete(const QByteArray& data, const std::string& mimeType) {
     if (mimeType == "image/jpeg") {
         const qsizetype scan = jpegScanStart(data);
         return scan > 0 && data.indexOf("\xFF\xD9", scan) > scan;
     }
     if (mimeType == "image/png") return data.indexOf("IEND", 8) > 8;
+    if (mimeType == "image/tiff") {
+        try {
+            Exiv2::Image::AutoPtr image = Exiv2::ImageFactory::open(
+                reinterpret_cast<const Exiv2::byte*>(data.constData()), long(data.size()));
+            if (!image.get()) return false;
+            image->readMetadata();
+            return tiffDataInside(image->exifData(), data.size());
+        } catch (...) {
+            return false;
+        }
+    }
     return true;
 }
 
-// Writes the comment into a copy of the file beside it, then renames the copy over the file, so
-// that a failure at any point leaves the original untouched.
-bool writeUserComment(const QString& givenPath, const std::string& mimeType,
-                      const QString& comment) {
+// The longest comment a file can hold: the EXIF block of a JPEG must fit in one 64 KB segment,
+// and other formats are held to the same size so a comment moves between them.
+constexpr qsizetype kMaxCommentBytes = 60000;
+
+// Writes the comment into a copy of the file beside it, checks the copy, then puts it in place:
+// by a rename, or, for a file with other hard links, by rewriting the file's bytes so every link
+// sees it. A failure at any point leaves the original untouched.
+bool writeUserComment(const QString& givenPath, const std::string& mimeType, const QString& comment,
+                      QString* error) {
+    auto fail = [&](const QString& reason) {
+        *error = reason;
+        return false;
+    };
     // Through a symbolic link the photo it points at is rewritten; the link stays a link.
     const QFileInfo given(givenPath);
     const QString path = given.isSymLink() ? given.canonicalFilePath() : givenPath;
-    if (path.isEmpty()) return false;
+    if (path.isEmpty()) return fail(QStringLiteral("no such file"));
+    const bool ascii =
+        std::all_of(comment.cbegin(), comment.cend(), [](QChar c) { return c.unicode() < 128; });
+    const qsizetype bytes = ascii ? comment.size() : comment.size() * 2;
+    if (bytes > kMaxCommentBytes)
+        return fail(QStringLiteral("the comment is too long: %1 bytes, a photo holds at most %2")
+                        .arg(bytes)
+                        .arg(kMaxCommentBytes));
     QByteArray data;
     {
         QFile original(path);
-        if (!original.open(QIODevice::ReadOnly)) return false;
+        if (!original.open(QIODevice::ReadOnly)) return fail(original.errorString());
         data = original.readAll();
-        if (original.error() != QFile::NoError) return false;
+        if (original.error() != QFile::NoError) return fail(original.errorString());
     }
-    if (!looksComplete(data, mimeType)) return false;
+    if (!looksComplete(data, mimeType))
+        return fail(QStringLiteral("the file is incomplete or damaged"));
+    struct stat status {};
+    if (::stat(QFile::encodeName(path).constData(), &status) != 0)
+        return fail(QString::fromLocal8Bit(std::strerror(errno)));
 
-    const QFileInfo info(path);
-    QTemporaryFile temporary(info.absoluteDir().filePath(QStringLiteral(".") + info.fileName() +
-                                                         QStringLiteral(".XXXXXX")));
-    if (!temporary.open() || temporary.write(data) != data.size() || !temporary.flush())
-        return false;
-    temporary.close();
+    const QString temporary = AtomicFile::temporaryPathFor(path);
+    const auto removeTemporary = qScopeGuard([&] { QFile::remove(temporary); });
+    {
+        QFile copy(temporary);
+        if (!copy.open(QIODevice::WriteOnly | QIODevice::NewOnly) ||
+            copy.write(data) != data.size() || !copy.flush())
+            return fail(copy.errorString());
+    }
     data.clear();
-    temporary.setPermissions(QFile::permissions(path));
+    // The copy takes the original's permissions and owner before it replaces it.
+    const QByteArray temporaryName = QFile::encodeName(temporary);
+    if (::chmod(temporaryName.constData(), status.st_mode & 07777) != 0 ||
+        (::chown(temporaryName.constData(), status.st_uid, status.st_gid) != 0 &&
+         (status.st_uid != ::geteuid() || errno != EPERM)))
+        return fail(QString::fromLocal8Bit(std::strerror(errno)));
 
-    Exiv2::Image::AutoPtr image = openImage(temporary.fileName());
-    if (!image.get() || !writesExif(*image)) return false;
-    const bool ascii =
-        std::all_of(comment.cbegin(), comment.cend(), [](QChar c) { return c.unicode() < 128; });
     const std::string text =
         (ascii ? "charset=Ascii " : "charset=Unicode ") + comment.toStdString();
     try {
+        Exiv2::Image::AutoPtr image = openImage(temporary);
+        if (!image.get() || !writesExif(*image))
+            return fail(QStringLiteral("this file type holds no EXIF comment"));
         Exiv2::ExifData exif = image->exifData();
         Exiv2::CommentValue value;
-        if (value.read(text) != 0) return false;
+        if (value.read(text) != 0) return fail(QStringLiteral("the comment cannot be stored"));
         exif["Exif.Photo.UserComment"].setValue(&value);
         image->setExifData(exif);
         image->writeMetadata();
+        // Read back from the written copy: the whole comment must be there.
+        Exiv2::Image::AutoPtr check = openImage(temporary);
+        const Exiv2::ExifData& written = check.get() ? check->exifData() : Exiv2::ExifData();
+        const auto it = written.findKey(Exiv2::ExifKey("Exif.Photo.UserComment"));
+        if (it == written.end() || userCommentText(*it) != comment)
+            return fail(QStringLiteral("the comment did not read back whole"));
     } catch (const std::exception& e) {
         klLog() << "Metadata of" << path << "not written:" << e.what();
-        return false;
+        return fail(QString::fromLocal8Bit(e.what()));
     } catch (...) {
-        klLog() << "Metadata of" << path << "not written";
-        return false;
+        return fail(QStringLiteral("the metadata cannot be written"));
     }
-    image.reset();
+    {
+        const int fd = ::open(temporaryName.constData(), O_RDONLY | O_CLOEXEC);
+        const bool synced = fd >= 0 && ::fsync(fd) == 0;
+        if (fd >= 0) ::close(fd);
+        if (!synced) return fail(QString::fromLocal8Bit(std::strerror(errno)));
+    }
 
-    if (std::rename(QFile::encodeName(temporary.fileName()).constData(),
-                    QFile::encodeName(path).constData()) != 0)
-        return false;
-    temporary.setAutoRemove(false);
+    if (status.st_nlink > 1) {
+        QFile copy(temporary);
+        QFile target(path);
+        if (!copy.open(QIODevice::ReadOnly)) return fail(copy.errorString());
+        const QByteArray written = copy.readAll();
+        if (!target.open(QIODevice::WriteOnly | QIODevice::Truncate) ||
+            target.write(written) != written.size() || !target.flush())
+            return fail(target.errorString());
+        return true;
+    }
+    QString reason;
+    if (!AtomicFile::commit(temporary, path, &reason)) return fail(reason);
     return true;
 }
 
@@ -584,8 +664,12 @@ QByteArray mMeta::exifBlockUpright(const QByteArray& block) {
 }
 
 QString mMeta::hSetExifData(const QString& path, const QString& comment) const {
+    writeError.clear();
     const ImageSourcePtr source = getMyImageSource(path);
-    if (!source) return kFailed;
+    if (!source) {
+        writeError = QStringLiteral("not a readable image");
+        return kFailed;
+    }
     const std::string mimeType = source->image->mimeType();
-    return writeUserComment(path, mimeType, comment) ? kOk : kFailed;
+    return writeUserComment(path, mimeType, comment, &writeError) ? kOk : kFailed;
 }

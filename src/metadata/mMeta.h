@@ -59,7 +59,9 @@ class mMeta {
     QList<MetaTreeNode> hiDoNothing(const QString& path);
 
     // Writes the EXIF user comment into the file (creating the EXIF block when missing), through a
-    // temporary file and a rename. "OK" or "Failed".
+    // checked copy beside it. The file keeps its permissions, owner and hard links. "OK", or
+    // "Failed" with the reason in writeError: the file is then unchanged (also when it is
+    // incomplete, or the comment longer than a photo can hold).
     QString hSetExifData(const QString& path, const QString& comment) const;
     // Writes a whole EXIF block (as a JPEG carries it, "Exif\0\0" first) into the file in place,
     // keeping the file's own image structure tags. For writers that cannot store EXIF themselves.
@@ -69,6 +71,7 @@ class mMeta {
     static QByteArray exifBlockUpright(const QByteArray& block);
 
     QList<MetaTreeNode> myVarTree;
+    mutable QString writeError;
     QString tfExifUserComment;
     QString myIPTCKeyValue;
 };

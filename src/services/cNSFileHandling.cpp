@@ -167,6 +167,11 @@ void cNSFileHandling::hAddIconToFile(const QString&, const QString&) const {
     // Linux file managers have no custom icon per file or folder, so there is nothing to set.
 }
 
+bool cNSFileHandling::isPlainFileName(const QString& name) {
+    return !name.isEmpty() && name != u"." && name != u".." && !name.contains(u'/') &&
+           !name.contains(u'\\') && !name.contains(QChar(0));
+}
+
 void cNSFileHandling::hWritHTMLFile(const QString& path, const QString& text) const {
     if (!writeAtomically(path, text.toUtf8())) klLog() << "cannot write" << path;
 }

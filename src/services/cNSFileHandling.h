@@ -27,6 +27,10 @@ class cNSFileHandling {
     // (The conversion of an image file into an output format, hSaveAsFileType, is an imaging
     // operation: KLImageHandling::hSaveAsFileType.)
 
+    // True for a name that stays in the folder it is put in: not empty, no path separator, not
+    // "." or "..", no NUL. Names from settings, presets and projects must pass before use.
+    static bool isPlainFileName(const QString& name);
+
     // The file size as the platform formats it ("12.3 kB"); also kept in fileSize.
     QString getFileSize(const QString& path);
 

@@ -3,6 +3,7 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include "collection/PhotoCollection.h"
 #include "services/AtomicFile.h"
 #include "services/cNSFileHandling.h"
 #include "services/cToolBox.h"
@@ -14,6 +15,25 @@ const QStringList& OutputFolder::lightboxFiles() {
                                       "overlay.png", "jquery.lightbox.js", "jquery02.lightbox.js",
                                       "next.png",    "close.png",          "previous.png"};
     return files;
+}
+
+QString OutputFolder::photoInside(const QString& destination, const QStringList& folders,
+                                  const QList<PhotoEntry>& photos) {
+    QStringList roots;
+    for (const QString& folder : folders) {
+        const QString canonical = QFileInfo(destination + folder).canonicalFilePath();
+        if (!canonical.isEmpty()) roots.append(canonical + u'/');
+    }
+    for (const PhotoEntry& photo : photos) {
+        const QString path = QFileInfo(photo.url.toLocalFile()).canonicalFilePath();
+        for (const QString& root : roots)
+            if (path.startsWith(root))
+                return QStringLiteral(
+                           "The photo %1 lies in %2, where the output is written. Move "
+                           "it elsewhere or choose another output folder.")
+                    .arg(photo.url.toLocalFile(), root);
+    }
+    return {};
 }
 
 void OutputFolder::addFailure(const QString& path, const QString& reason) {

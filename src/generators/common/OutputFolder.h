@@ -1,9 +1,11 @@
 #pragma once
 
+#include <QList>
 #include <QString>
 #include <QStringList>
 
 class UserInterface;
+struct PhotoEntry;
 
 // The output folder of one run. It makes the kind's folders, copies the support files and the
 // pattern, and writes pages and stylesheets whole or not at all. Nothing is thrown: what could not
@@ -33,6 +35,11 @@ class OutputFolder {
     // Failures already in the form "path: reason".
     void addFailures(const QStringList& failures) { failures_ += failures; }
     const QStringList& failures() const { return failures_; }
+
+    // A message naming the first photo that lies inside one of `folders` of `destination` (the
+    // folders a run writes into), or "" when none does. Such a photo would be overwritten.
+    static QString photoInside(const QString& destination, const QStringList& folders,
+                               const QList<PhotoEntry>& photos);
 
     // The nine lightbox files, in the order they are copied.
     static const QStringList& lightboxFiles();

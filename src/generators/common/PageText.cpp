@@ -87,6 +87,13 @@ QString escapeAttribute(const QString& text) {
         .replace(u'\t', QStringLiteral("&#9;"));
 }
 
+QString cssValue(const QString& text) {
+    QString value;
+    for (const QChar c : text)
+        if (!QStringView(u";{}<>\"'\\").contains(c) && c.unicode() >= 0x20) value.append(c);
+    return value;
+}
+
 QString urlSegment(const QString& name) {
     return QString::fromLatin1(QUrl::toPercentEncoding(name));
 }

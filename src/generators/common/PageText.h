@@ -40,6 +40,10 @@ QString escapeText(const QString& text);
 // Text for a double- or single-quoted attribute value.
 QString escapeAttribute(const QString& text);
 
+// A value put into a stylesheet declaration: the characters that could end the declaration or
+// the rule (; { } < > quotes, backslash, line breaks) are left out.
+QString cssValue(const QString& text);
+
 // One path segment of a relative URL: every byte but letters, digits, "-", "_", "." and "~"
 // percent-encoded as UTF-8, so any file name a file system allows can be linked.
 QString urlSegment(const QString& name);

@@ -14,6 +14,7 @@
 #include "presets/SettingsStore.h"
 #include "services/UserInterface.h"
 #include "services/cNSColorHandling.h"
+#include "services/cNSFileHandling.h"
 
 namespace {
 
@@ -57,7 +58,7 @@ QString logoBlock(const QString& productPage, const QString& closing) {
 
 QString pageText(const GallerySettings& g, int pages, const QString& photos) {
     QString html = PageText::headPrologue();
-    html += "<title>" + g.pageTitle + "</title>\n";
+    html += "<title>" + PageText::escapeText(g.pageTitle) + "</title>\n";
     html += g.gridModel ? QStringLiteral("<!-- Keldra: responsive design -->\n")
                         : QStringLiteral("<!-- Keldra: responsive design - Begin -->\n");
     html +=
@@ -79,7 +80,8 @@ QString pageText(const GallerySettings& g, int pages, const QString& photos) {
         "</head>\n<body>\n<!-- Keldra: responsive design main container - Begin -->\n"
         "<div class=\"KLovTableBased-container\">\n"
         "<!-- Keldra: Background pattern - Begin -->\n<div class=\"klSsPatternBox\">\n";
-    html += "<div style=\"width:" + g.gridWidth + "%;margin: auto;\">" +
+    html += "<div style=\"width:" + PageText::escapeAttribute(PageText::cssValue(g.gridWidth)) +
+            "%;margin: auto;\">" +
             (g.gridModel ? "<!-- Keldra: grid - Begin -->\n"
                          : "<!-- Keldra: responsive design grid - Begin -->\n");
     if (pages != 1) {
@@ -307,12 +309,12 @@ GallerySettings cResponsiveDesign::readSettings(const SettingsStore& s,
     css.cellBackgroundColor = PageText::hashColor(s.text("tfHTMLbackgroundColorCell"));
     css.fontFamily = s.title("pbFontFamily");
     css.widthList = widthList(g.columns);
-    css.thumbnailBorderThickness = s.text("tfThumbnailBorderThickness");
+    css.thumbnailBorderThickness = PageText::cssValue(s.text("tfThumbnailBorderThickness"));
     css.thumbnailColor = s.text("tfHTMLThumbnailColor");
-    css.thumbnailBorderRadius = s.text("tfThumbnailBorderRadius");
+    css.thumbnailBorderRadius = PageText::cssValue(s.text("tfThumbnailBorderRadius"));
     css.patternOn = s.integer("cbTbShowPatternImage");
-    css.patternFileName = g.patternFileName;
-    css.patternScale = s.text("tfTbPatternScale");
+    css.patternFileName = PageText::urlSegment(g.patternFileName);
+    css.patternScale = PageText::cssValue(s.text("tfTbPatternScale"));
     css.patternOpacity = s.title("pubTbPatternOpacity");
     css.thumbnailShadowThickness = QString::number(s.integer("tfThumbnailShadowThickness"));
     css.thumbnailShadowXOffset = QString::number(s.integer("tfThumbnailShadowXOffset"));
@@ -448,6 +450,22 @@ RunResult cResponsiveDesign::run(const QList<PhotoEntry>& photos, const Settings
                      .arg(g.columns)
                      .arg(g.rows),
                  true);
+        ui.progressStop();
+        return result;
+    }
+    // Nothing may be written outside the output folder, nor over a photo of the run.
+    if (!cNSFileHandling::isPlainFileName(g.baseName)) {
+        ui.alert(QStringLiteral("Sorry, the page name is not possible."),
+                 QStringLiteral("The page name \"%1\" must be a plain file name, without \"/\" "
+                                "and not \"..\".")
+                     .arg(g.baseName),
+                 true);
+        ui.progressStop();
+        return result;
+    }
+    const QString inside = OutputFolder::photoInside(options.destination, folders(), photos);
+    if (!inside.isEmpty()) {
+        ui.alert(QStringLiteral("Sorry, a photo lies where the gallery is written."), inside, true);
         ui.progressStop();
         return result;
     }

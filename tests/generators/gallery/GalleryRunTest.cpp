@@ -137,7 +137,7 @@ TEST(GalleryRun, PageTextsOfBothModels) {
         R"(width="auto" height="auto">|</a>|</div>|<div class="klOVphotoname">a</div>|)"
         R"(<div class="klOVdescription">&lt;i&gt; &amp; &quot;q&quot; / a.png</div>|</div>|)";
     const QString tableText =
-        page(kPage, {"T & T", " - Begin", "jquery", "<!-- Keldra: responsive design - End -->|",
+        page(kPage, {"T &amp; T", " - Begin", "jquery", "<!-- Keldra: responsive design - End -->|",
                      "Kanit", "80", "responsive design grid", photo, "http",
                      "</div>|</div><!-- Keldra: grid - End -->|"});
     EXPECT_EQ(readText(table + "myIndex.html").toStdString(), tableText.toStdString());
