@@ -24,6 +24,7 @@
 #include "app/PhotoCellDelegate.h"
 #include "app/PhotoGridView.h"
 #include "app/SettingsForm.h"
+#include "app/ToolsWindow.h"
 #include "app/WindowUserInterface.h"
 #include "imaging/CellImage.h"
 
@@ -54,6 +55,7 @@ MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent) {
     file->addAction(tr("Add Photos…"), QKeySequence::Open, this, &MainWindow::choosePhotos);
     file->addSeparator();
     file->addAction(tr("Quit"), QKeySequence::Quit, this, &QWidget::close);
+    addToolsMenu(this);
     resize(1200, 780);
 }
 

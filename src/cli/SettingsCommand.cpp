@@ -7,10 +7,12 @@ namespace {
 
 const char* const kHelp =
     "Usage: orvella settings gallery\n"
+    "       orvella settings watermark\n"
     "\n"
     "Lists every setting of the output kind, one per line, tab-separated:\n"
     "  name, aliases (comma-separated), kind, default, items (\" | \"-separated).\n"
-    "Any name or alias can be given to `orvella generate gallery --set NAME=VALUE`.\n";
+    "Any name or alias can be given to `orvella generate gallery --set NAME=VALUE` (or\n"
+    "`orvella watermark ... --set NAME=VALUE`).\n";
 
 // Tabs and line breaks inside a value would break the columns.
 QString cell(QString text) {
@@ -24,7 +26,7 @@ QString cell(QString text) {
 Command settingsCommand() {
     return {QStringLiteral("settings"), QStringLiteral("list the settings of an output kind"),
             QString::fromUtf8(kHelp), [](const QStringList& args, Io& io) {
-                if (args.size() != 1 || args.first() != u"gallery") {
+                if (args.size() != 1 || (args.first() != u"gallery" && args.first() != u"watermark")) {
                     io.err << kHelp;
                     return int(kUsage);
                 }

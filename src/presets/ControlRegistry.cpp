@@ -24,6 +24,7 @@ const ControlRegistry& ControlRegistry::standard() {
     static const ControlRegistry registry = [] {
         ControlRegistry r;
         registerGalleryControls(r);
+        registerWatermarkControls(r);
         return r;
     }();
     return registry;

@@ -65,3 +65,4 @@ private:
 
 // Filled in by each output kind's own source file.
 void registerGalleryControls(ControlRegistry& registry);
+void registerWatermarkControls(ControlRegistry& registry);
