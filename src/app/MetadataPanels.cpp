@@ -174,9 +174,8 @@ void MetadataEditorPanel::show(const Shown& shown) {
     tfExifUserComment->setText(shown.comment);
     if (shown.applied) {
         addLogRow(themMetaLogTable, MetaLogRow::forFile(shown.path, shown.status));
-        status_->setText(shown.status == u"OK"
-                             ? tr("The comment was written.")
-                             : tr("Not written: %1.").arg(shown.reason));
+        status_->setText(shown.status == u"OK" ? tr("The comment was written.")
+                                               : tr("Not written: %1.").arg(shown.reason));
         if (shown.status != u"OK") return;  // the tree of the file stays as it was
     }
     mTree->clear();
@@ -273,7 +272,8 @@ bool BatchCommentPanel::runBatch(const QStringList& files) {
             const int written = self->lastProgressValue;
             QString text = tr("%n file(s) written.", nullptr, written);
             if (!self->failures_.isEmpty())
-                text += u' ' + tr("Not written: %1.").arg(self->failures_.join(QStringLiteral(", ")));
+                text +=
+                    u' ' + tr("Not written: %1.").arg(self->failures_.join(QStringLiteral(", ")));
             self->status->setText(text);
             Q_EMIT self->finished();
         });

@@ -30,6 +30,7 @@ class MetadataEditorPanel : public QWidget {
     // Writes the comment field into the active file, shows it again and logs the outcome.
     void btApplyExifUserComment();
     bool isRunning() const { return watcher_.isRunning(); }
+    // Waits for the reading or writing and shows its results.
     void waitForFinished();
 
     QLineEdit* tfActiveFilePath = nullptr;
@@ -70,6 +71,7 @@ class BatchCommentPanel : public QWidget {
     // The batch over a list of files (already chosen); false when one is still running.
     bool runBatch(const QStringList& files);
     bool isRunning() const { return watcher_.isRunning(); }
+    // Waits for the batch and shows its results.
     void waitForFinished();
 
     QLineEdit* tfEMDuserCommentField = nullptr;

@@ -2,6 +2,7 @@
 
 #include <QButtonGroup>
 #include <QComboBox>
+#include <QCoreApplication>
 #include <QDir>
 #include <QDoubleValidator>
 #include <QFileDialog>
@@ -103,6 +104,11 @@ PhotoBatchBox::~PhotoBatchBox() {
     watcher_.waitForFinished();
 }
 
+void PhotoBatchBox::waitForFinished() {
+    watcher_.waitForFinished();
+    QCoreApplication::processEvents();
+}
+
 QStringList PhotoBatchBox::photos() const {
     QStringList list;
     for (int i = 0; i < photos_->count(); ++i) list.append(photos_->item(i)->text());
@@ -142,8 +148,8 @@ void PhotoBatchBox::chooseFolder() {
 }
 
 void PhotoBatchBox::refuse(const QString& reason) {
-    status_->setText(QStringLiteral("<span style='color:#b00020'>%1</span>")
-                         .arg(reason.toHtmlEscaped()));
+    status_->setText(
+        QStringLiteral("<span style='color:#b00020'>%1</span>").arg(reason.toHtmlEscaped()));
 }
 
 bool PhotoBatchBox::run(const Work& work) {
@@ -213,8 +219,8 @@ void PositionGrid::refresh() {
 
 WatermarkPanel::WatermarkPanel(QWidget* parent) : QWidget(parent) {
     form_ = new SettingsForm(QStringLiteral("watermark"), store_);
-    for (const auto& [section, name] : {std::pair{"Text", "scWaterMarkPos"},
-                                        std::pair{"Image", "scImageWaterMarkPos"}}) {
+    for (const auto& [section, name] :
+         {std::pair{"Text", "scWaterMarkPos"}, std::pair{"Image", "scImageWaterMarkPos"}}) {
         auto* grid = new PositionGrid(QString::fromLatin1(name), store_);
         grids_.append(grid);
         form_->addToSection(QString::fromLatin1(section), grid);
@@ -261,9 +267,9 @@ void WatermarkPanel::hChooseWatermarkImage() {
     for (const QString& extension : KLWatermark::watermarkImageExtensions())
         patterns << QStringLiteral("*.") + extension;
     const QString current = store_.text(QStringLiteral("tfWaterMarkImageFilePath"));
-    const QString path = QFileDialog::getOpenFileName(
-        this, tr("Choose the watermark image"), QFileInfo(current).path(),
-        tr("Images (%1)").arg(patterns.join(u' ')));
+    const QString path = QFileDialog::getOpenFileName(this, tr("Choose the watermark image"),
+                                                      QFileInfo(current).path(),
+                                                      tr("Images (%1)").arg(patterns.join(u' ')));
     if (path.isEmpty()) return;
     store_.setText(QStringLiteral("tfWaterMarkImageFilePath"), path);
     form_->refresh();
@@ -310,14 +316,14 @@ bool WatermarkPanel::stamp(bool text) {
 // ---- ColorEffectsPanel ----
 
 QStringList ColorEffectsPanel::effectTitles() {
-    return {tr("Noir"),    tr("Mono"),    tr("Sepia (light)"), tr("Sepia (medium)"),
-            tr("Sepia"),   tr("Chrome"),  tr("Invert"),        tr("Process"),
-            tr("Instant"), tr("Transfer"), tr("Fade"),         tr("Invert (again)")};
+    return {tr("Noir"),    tr("Mono"),     tr("Sepia (light)"), tr("Sepia (medium)"),
+            tr("Sepia"),   tr("Chrome"),   tr("Invert"),        tr("Process"),
+            tr("Instant"), tr("Transfer"), tr("Fade"),          tr("Invert (again)")};
 }
 
 QStringList ColorEffectsPanel::enhancementTitles() {
-    return {tr("Brightness"), tr("Exposure"), tr("Gamma"),   tr("Hue"),
-            tr("Pixellate"),  tr("Mosaic"),   tr("Blocks"),  tr("Process"),
+    return {tr("Brightness"), tr("Exposure"), tr("Gamma"),  tr("Hue"),
+            tr("Pixellate"),  tr("Mosaic"),   tr("Blocks"), tr("Process"),
             tr("Instant"),    tr("Transfer"), tr("Fade")};
 }
 

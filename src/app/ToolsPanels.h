@@ -35,7 +35,8 @@ class PhotoBatchBox : public QWidget {
     // refused.
     bool run(const Work& work);
     bool isRunning() const { return watcher_.isRunning(); }
-    void waitForFinished() { watcher_.waitForFinished(); }
+    // Waits for the run and shows its results.
+    void waitForFinished();
     QStringList logLines() const;
 
   Q_SIGNALS:

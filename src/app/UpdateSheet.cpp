@@ -18,8 +18,9 @@ class UpdateCheckThread : public QObject {
     explicit UpdateCheckThread(QWidget* window) : QObject(window) {
         updater_ = new cAppUpdater;
         updater_->moveToThread(&thread_);
-        QObject::connect(&thread_, &QThread::started, updater_,
-                         [updater = updater_] { updater->getAppVersion(cAppUpdater::currentBuild()); });
+        QObject::connect(&thread_, &QThread::started, updater_, [updater = updater_] {
+            updater->getAppVersion(cAppUpdater::currentBuild());
+        });
         QObject::connect(updater_, &cAppUpdater::finished, &thread_, &QThread::quit);
         QObject::connect(&thread_, &QThread::finished, updater_, &QObject::deleteLater);
         QPointer<QWidget> target(window);

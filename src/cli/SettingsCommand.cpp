@@ -26,7 +26,8 @@ QString cell(QString text) {
 Command settingsCommand() {
     return {QStringLiteral("settings"), QStringLiteral("list the settings of an output kind"),
             QString::fromUtf8(kHelp), [](const QStringList& args, Io& io) {
-                if (args.size() != 1 || (args.first() != u"gallery" && args.first() != u"watermark")) {
+                const QString kind = args.value(0);
+                if (args.size() != 1 || (kind != u"gallery" && kind != u"watermark")) {
                     io.err << kHelp;
                     return int(kUsage);
                 }

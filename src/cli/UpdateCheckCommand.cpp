@@ -52,10 +52,9 @@ Command updateCheckCommand() {
                 }
                 QEventLoop loop;
                 QObject::connect(&updater, &cAppUpdater::finished, &loop, &QEventLoop::quit);
-                QObject::connect(&updater, &cAppUpdater::newVersion,
-                                 [&io](const QString& announcement) {
-                                     io.out << announcement << "\n";
-                                 });
+                QObject::connect(
+                    &updater, &cAppUpdater::newVersion,
+                    [&io](const QString& announcement) { io.out << announcement << "\n"; });
                 updater.getAppVersion(build);
                 if (updater.isRunning()) loop.exec();
                 return int(kOk);

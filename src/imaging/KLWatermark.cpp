@@ -11,6 +11,7 @@
 
 #include "imaging/ImageFileIo.h"
 #include "imaging/KLImageHandling.h"
+#include "metadata/cXif.h"
 #include "services/Log.h"
 #include "services/OutputFolders.h"
 
@@ -114,7 +115,8 @@ VImage stamped(const VImage& photo, const Stamp& s) {
     const VImage alpha = placed(s.coverage, mark) * s.opacity;
     const VImage colour = s.picture ? placed(*s.picture, mark) : solid(alpha, s.colour);
     result = over(result, colour, alpha);
-    const VImage clamped = (result > 255.0).ifthenelse(255.0, (result < 0.0).ifthenelse(0.0, result));
+    const VImage clamped =
+        (result > 255.0).ifthenelse(255.0, (result < 0.0).ifthenelse(0.0, result));
     return photo.insert(clamped.round(VIPS_OPERATION_ROUND_RINT).cast(VIPS_FORMAT_UCHAR), area.x,
                         area.y);
 }
@@ -128,21 +130,32 @@ VImage turned(const VImage& coverage, double degrees) {
     const double w = coverage.width(), h = coverage.height();
     const int bw = std::max(1, int(std::lround(std::abs(w * c) + std::abs(h * s))));
     const int bh = std::max(1, int(std::lround(std::abs(w * s) + std::abs(h * c))));
+    // Pixel centres sit at whole coordinates: the centre of a w-pixel row is at (w - 1) / 2.
     return coverage.affine({c, s, -s, c},
                            VImage::option()
                                ->set("interpolate", vips::VInterpolate::new_from_name("bilinear"))
                                ->set("oarea", std::vector<int>{0, 0, bw, bh})
-                               ->set("idx", -w / 2.0)
-                               ->set("idy", -h / 2.0)
-                               ->set("odx", bw / 2.0)
-                               ->set("ody", bh / 2.0)
+                               ->set("idx", -(w - 1) / 2.0)
+                               ->set("idy", -(h - 1) / 2.0)
+                               ->set("odx", (bw - 1) / 2.0)
+                               ->set("ody", (bh - 1) / 2.0)
                                ->set("extend", VIPS_EXTEND_BLACK));
 }
 
 // The photo turned upright by its EXIF orientation, as 8-bit sRGB (with its alpha when it has
-// one). A colour profile that no longer fits the pixels (grey, CMYK) is dropped.
+// one), carrying its EXIF block. A colour profile that no longer fits the pixels (grey, CMYK) is
+// dropped.
 VImage uprightPhoto(const QString& path) {
     VImage photo = ImageFileIo::open(path, false);
+    if (photo.get_typeof("exif-data") == 0) {
+        // The TIFF reader gives no EXIF: it is read from the file itself.
+        const QByteArray block = cXif::exifBlockOf(path);
+        if (!block.isEmpty()) {
+            photo = photo.copy();
+            vips_image_set_blob_copy(photo.get_image(), "exif-data", block.constData(),
+                                     size_t(block.size()));
+        }
+    }
     const bool rgbSource = photo.bands() - (photo.has_alpha() ? 1 : 0) >= 3 &&
                            photo.interpretation() != VIPS_INTERPRETATION_CMYK;
     if (photo.get_typeof("orientation") != 0 && photo.get_int("orientation") > 1)
@@ -275,10 +288,9 @@ QString KLWatermark::setWatermarkText(const QString& photo, const QString& folde
                                      .arg(usedFont.isEmpty() ? QStringLiteral("Sans") : usedFont)
                                      .arg(int(myFontSize));
             // The box the text's ink fills: its size places the text on the grid.
-            const VImage ink = VImage::text(pangoMarkup(s.text).toUtf8().constData(),
-                                            VImage::option()
-                                                ->set("font", font.toUtf8().constData())
-                                                ->set("dpi", 72));
+            const VImage ink = VImage::text(
+                pangoMarkup(s.text).toUtf8().constData(),
+                VImage::option()->set("font", font.toUtf8().constData())->set("dpi", 72));
             const double tw = ink.width();
             const double th = ink.height();
             int x = 0;
@@ -327,9 +339,10 @@ QString KLWatermark::setWatermarkImage(const QString& photo, const QString& fold
         const double W = canvas.width();
         const double H = canvas.height();
         KLImageHandling rotation;
-        const QImage mark = rotation.hRotatePictureBase(
-            ImageFileIo::toQImage(ImageFileIo::toSrgb8(ImageFileIo::open(s.imagePath, false), true)),
-            QString::number(myImageWMAngle));
+        const QImage mark =
+            rotation.hRotatePictureBase(ImageFileIo::toQImage(ImageFileIo::toSrgb8(
+                                            ImageFileIo::open(s.imagePath, false), true)),
+                                        QString::number(myImageWMAngle));
         if (mark.isNull()) {
             klLog() << "watermark image not usable:" << s.imagePath;
             return kFailed;
@@ -347,16 +360,16 @@ QString KLWatermark::setWatermarkImage(const QString& photo, const QString& fold
                 : rgba.thumbnail_image(
                       tw, VImage::option()->set("height", th)->set("size", VIPS_SIZE_FORCE));
         // Exactly the rectangle, whatever rounding the resampler did.
-        const VImage fitted = scaled.embed(0, 0, tw, th, VImage::option()->set("extend",
-                                                                              VIPS_EXTEND_COPY));
+        const VImage fitted =
+            scaled.embed(0, 0, tw, th, VImage::option()->set("extend", VIPS_EXTEND_COPY));
         int x = 0;
         int y = 0;
         if (anchor(s.imagePosition, W, H, tw, th, s.imageXOffset, s.imageYOffset, s.imageAngle, &x,
                    &y)) {
             Stamp stamp;
             stamp.coverage = fitted[3].cast(VIPS_FORMAT_FLOAT) / 255.0;
-            stamp.picture = fitted.extract_band(0, VImage::option()->set("n", 3))
-                                .cast(VIPS_FORMAT_FLOAT);
+            stamp.picture =
+                fitted.extract_band(0, VImage::option()->set("n", 3)).cast(VIPS_FORMAT_FLOAT);
             stamp.left = x;
             stamp.top = int(H) - y - th;
             stamp.opacity = myImageTransparancy;

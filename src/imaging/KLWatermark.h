@@ -9,10 +9,10 @@
 // by KLWatermark itself.
 struct WatermarkSettings {
     // Text stamp.
-    QString text;           // the text to stamp, several lines allowed
-    QStringList fontList;   // the font names of the list, in order; empty: the system's families
-    QString font;           // the chosen font; "" when nothing is chosen (the second one is used)
-    int fontSize = 0;       // points; 0 (or less) means 24. Also the size of the image stamp.
+    QString text;          // the text to stamp, several lines allowed
+    QStringList fontList;  // the font names of the list, in order; empty: the system's families
+    QString font;          // the chosen font; "" when nothing is chosen (the second one is used)
+    int fontSize = 0;      // points; 0 (or less) means 24. Also the size of the image stamp.
     QColor fontColor = QColor(255, 255, 255);
     int fontTransparency = 0;  // percent, see KLWatermark::opacity
     int position = 4;          // 0..8, row by row from the top left; anything else stamps nothing

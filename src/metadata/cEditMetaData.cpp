@@ -59,8 +59,7 @@ bool cEditMetaData::isWritableByUser(const QString& path) {
     return ::access(native.constData(), W_OK) == 0;
 }
 
-QString cEditMetaData::hWriteComment(const QString& path, const QString& comment,
-                                     QString* reason) {
+QString cEditMetaData::hWriteComment(const QString& path, const QString& comment, QString* reason) {
     auto failed = [&](const QString& why) {
         if (reason) *reason = why;
         return QStringLiteral("Failed");

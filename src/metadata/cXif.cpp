@@ -3,7 +3,9 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
+#include <algorithm>
 #include <exiv2/exiv2.hpp>
+#include <iterator>
 
 #include "metadata/mMeta.h"
 #include "services/Log.h"
@@ -26,8 +28,10 @@ Exiv2::Value::AutoPtr completion(const Exiv2::ExifKey& key, const Exiv2::Image& 
         text = std::to_string(image.pixelWidth());
     else if (name == "PixelYDimension")
         text = std::to_string(image.pixelHeight());
-    Exiv2::Value::AutoPtr value = Exiv2::Value::create(key.defaultTypeId());
-    if (key.defaultTypeId() == Exiv2::comment) text = "charset=Ascii ";
+    const Exiv2::TypeId type = key.defaultTypeId();
+    if (type == Exiv2::unsignedRational || type == Exiv2::signedRational) text = "0/1";
+    if (type == Exiv2::comment) text = "charset=Ascii ";
+    Exiv2::Value::AutoPtr value = Exiv2::Value::create(type);
     value->read(text);
     return value;
 }
@@ -40,6 +44,62 @@ bool sameFile(const QString& a, const QString& b) {
 }
 
 }  // namespace
+
+QByteArray cXif::exifBlockOf(const QString& path) {
+    const mMeta exiv2;  // sets Exiv2 up once for the process
+    try {
+        Exiv2::Image::AutoPtr image =
+            Exiv2::ImageFactory::open(QFile::encodeName(path).toStdString());
+        if (!image.get() || !image->good()) return {};
+        image->readMetadata();
+        Exiv2::ExifData exif;
+        for (const Exiv2::Exifdatum& datum : image->exifData()) {
+            // The strips, tiles, sizes and compression belong to the image data of this file;
+            // the pixels are handed over upright.
+            const std::string group = datum.groupName();
+            if (group == "Image" || group == "Photo" || group == "GPSInfo" || group == "Iop") {
+                static const char* const structural[] = {"ImageWidth",
+                                                         "ImageLength",
+                                                         "BitsPerSample",
+                                                         "Compression",
+                                                         "PhotometricInterpretation",
+                                                         "StripOffsets",
+                                                         "SamplesPerPixel",
+                                                         "RowsPerStrip",
+                                                         "StripByteCounts",
+                                                         "PlanarConfiguration",
+                                                         "TileWidth",
+                                                         "TileLength",
+                                                         "TileOffsets",
+                                                         "TileByteCounts",
+                                                         "SampleFormat",
+                                                         "ExtraSamples",
+                                                         "Predictor",
+                                                         "InterColorProfile",
+                                                         "XMLPacket",
+                                                         "IPTCNAA",
+                                                         "ImageResources",
+                                                         "Orientation"};
+                const std::string name = datum.tagName();
+                if (std::find(std::begin(structural), std::end(structural), name) !=
+                    std::end(structural))
+                    continue;
+                exif.add(datum);
+            }
+        }
+        if (exif.empty()) return {};
+        Exiv2::Blob blob;
+        Exiv2::ExifParser::encode(blob, Exiv2::littleEndian, exif);
+        if (blob.empty()) return {};
+        return QByteArrayLiteral("Exif\0\0") +
+               QByteArray(reinterpret_cast<const char*>(blob.data()), qsizetype(blob.size()));
+    } catch (const std::exception& e) {
+        klLog() << "EXIF of" << path << "not readable:" << e.what();
+    } catch (...) {
+        klLog() << "EXIF of" << path << "not readable";
+    }
+    return {};
+}
 
 QStringList cXif::keys() {
     return {"ExposureTime",

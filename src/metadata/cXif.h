@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 #include <QStringList>
 
@@ -12,6 +13,12 @@ class cXif {
     // written, "Failed" when the input is not an image whose EXIF can be written, the output is
     // the input itself, or writing failed.
     QString writeXif(const QString& input, const QString& output);
+
+    // The EXIF block of a photo as a JPEG carries it ("Exif\0\0", then the TIFF structure),
+    // without the tags that describe the file's own image data and without the orientation (the
+    // pixels are taken upright); empty when it has none. For writers that are handed pixels
+    // without the source's EXIF (the TIFF reader gives none).
+    static QByteArray exifBlockOf(const QString& path);
 
     // The EXIF tags completed, in order (Exiv2's names of the "Exif.Photo" group).
     static QStringList keys();

@@ -12,8 +12,8 @@ namespace {
 const QString kWatermark = QStringLiteral("watermark");
 
 QStringList positions() {
-    return {"top left",    "top",    "top right",    "left", "centre", "right",
-            "bottom left", "bottom", "bottom right"};
+    return {"top left", "top",         "top right", "left",        "centre",
+            "right",    "bottom left", "bottom",    "bottom right"};
 }
 
 struct Registrar {
@@ -49,8 +49,7 @@ void registerWatermarkControls(ControlRegistry& registry) {
 
     r.section = "Text";
     // The panel's single-line field edits the same text.
-    r.add("tvWaterMarkText", "Text", K::TextView, QStringLiteral("© Orvella"),
-          {"tfWaterMarkText"});
+    r.add("tvWaterMarkText", "Text", K::TextView, QStringLiteral("© Orvella"), {"tfWaterMarkText"});
     r.add("cbFontList", "Font", K::PopupTitle, "", {}, KLWatermark::fontFamilies());
     // Also the width of the image stamp.
     r.add("tfFontSize", "Size (points; image width)", K::Number, "24");

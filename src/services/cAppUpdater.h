@@ -37,7 +37,7 @@ class cAppUpdater : public QObject {
     };
     static Offer hReadVersionFile(const QString& text, int currentBuild);
 
-    QUrl url;                 // the version file; versionFileUrl() unless set
+    QUrl url;  // the version file; versionFileUrl() unless set
     int timeoutMs = 20000;
     QString html;  // the last downloaded text
     QString err;   // the last network error, for the diagnostic log
