@@ -31,7 +31,7 @@ int usage(Io& io, const QString& problem) {
     return kUsage;
 }
 
-int run(const QStringList& args, Io& io) {
+int stampFiles(const QStringList& args, Io& io) {
     const QString verb = args.value(0);
     if (verb != u"text" && verb != u"image") return usage(io, QStringLiteral("text or image?"));
     SettingsStore store;
@@ -87,7 +87,7 @@ int run(const QStringList& args, Io& io) {
 Command watermarkCommand() {
     return {QStringLiteral("watermark"),
             QStringLiteral("stamp a text or an image onto copies of photos"),
-            QString::fromUtf8(kHelp), run};
+            QString::fromUtf8(kHelp), stampFiles};
 }
 
 }  // namespace cli
