@@ -8,6 +8,7 @@ BUILD_RELEASE ?= build-release
 JOBS ?= $(shell nproc)
 
 DEB_PACKAGES := cmake g++ ninja-build pkg-config qt6-base-dev libvips-dev libvips-tools \
+	libfontconfig-dev fonts-dejavu-core \
 	libexiv2-dev libsqlite3-dev libgtest-dev libimage-exiftool-perl mate-backgrounds \
 	chromium time
 

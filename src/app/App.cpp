@@ -3,6 +3,7 @@
 #include <QApplication>
 
 #include "app/MainWindow.h"
+#include "app/UpdateSheet.h"
 
 int runApp(int argc, char** argv) {
     QApplication app(argc, argv);
@@ -10,5 +11,6 @@ int runApp(int argc, char** argv) {
     QApplication::setOrganizationName(QStringLiteral("KeldraCom"));
     MainWindow window;
     window.show();
+    startUpdateCheck(&window);
     return app.exec();
 }

@@ -26,6 +26,7 @@
 #include "app/PhotoCellDelegate.h"
 #include "app/PhotoGridView.h"
 #include "app/SettingsForm.h"
+#include "app/ToolsWindow.h"
 #include "app/WindowUserInterface.h"
 #include "generators/common/CaptionBuilder.h"
 #include "imaging/CellImage.h"
@@ -67,6 +68,7 @@ MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), settings_(OutputK
     file->addAction(tr("Add Photos…"), QKeySequence::Open, this, &MainWindow::choosePhotos);
     file->addSeparator();
     file->addAction(tr("Quit"), QKeySequence::Quit, this, &QWidget::close);
+    addToolsMenu(this);
     resize(1200, 780);
 }
 

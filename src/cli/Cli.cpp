@@ -3,8 +3,9 @@
 namespace cli {
 
 const std::vector<Command>& commands() {
-    static const std::vector<Command> all = {metaCommand(), imageCommand(), generateCommand(),
-                                             settingsCommand()};
+    static const std::vector<Command> all = {metaCommand(),      imageCommand(),
+                                             generateCommand(),  settingsCommand(),
+                                             watermarkCommand(), updateCheckCommand()};
     return all;
 }
 
@@ -16,7 +17,7 @@ void printUsage(QTextStream& s) {
       << "       orvella COMMAND [ARGS...]     run a command\n"
       << "       orvella COMMAND --help        describe a command\n\n"
       << "Commands:\n";
-    for (const Command& c : commands()) s << "  " << c.name.leftJustified(10) << c.summary << "\n";
+    for (const Command& c : commands()) s << "  " << c.name.leftJustified(13) << c.summary << "\n";
     s << "\nOptions:\n  --verbose   also print the diagnostic log on stderr\n";
 }
 

@@ -31,6 +31,12 @@ Command metaCommand();
 Command imageCommand();
 Command generateCommand();
 Command settingsCommand();
+Command watermarkCommand();
+Command updateCheckCommand();
+
+// The batch and EXIF-completion verbs of `orvella meta` (args after the verb).
+int metaBatch(const QStringList& args, Io& io);
+int metaComplete(const QStringList& args, Io& io);
 
 const std::vector<Command>& commands();
 

@@ -1,9 +1,9 @@
-#include <QDir>
 #include <QFileInfo>
 
 #include "cli/Cli.h"
 #include "imaging/KLColorConversions.h"
 #include "imaging/KLImageHandling.h"
+#include "services/OutputFolders.h"
 #include "services/TextValues.h"
 
 namespace cli {
@@ -63,24 +63,6 @@ bool parse(const QStringList& args, int positionalCount, Parsed* parsed, QString
     return error->isEmpty();
 }
 
-// The output folder with a trailing separator, or "" (with the reason) when it is refused.
-QString outputFolder(const QString& out, const QStringList& files, QString* error) {
-    if (!QDir().mkpath(out)) {
-        *error = QStringLiteral("cannot create the output folder ") + out;
-        return {};
-    }
-    const QString canonical = QFileInfo(out).canonicalFilePath();
-    for (const QString& file : files) {
-        const QString folder = QFileInfo(QFileInfo(file).absolutePath()).canonicalFilePath();
-        if (!folder.isEmpty() && folder == canonical) {
-            *error = QStringLiteral("the output folder is the folder of ") + file +
-                     QStringLiteral("; choose another folder, originals are never overwritten");
-            return {};
-        }
-    }
-    return canonical + u'/';
-}
-
 int run(const QString& verb, const QStringList& args, Io& io) {
     const int positionalCount = verb == u"effect" ? 1 : 2;
     Parsed parsed;
@@ -89,7 +71,7 @@ int run(const QString& verb, const QStringList& args, Io& io) {
         io.err << "orvella image " << verb << ": " << error << "\n\n" << kHelp;
         return kUsage;
     }
-    const QString folder = outputFolder(parsed.out, parsed.files, &error);
+    const QString folder = OutputFolders::prepare(parsed.out, parsed.files, &error);
     if (folder.isEmpty()) {
         io.err << "orvella image " << verb << ": " << error << "\n";
         return kUsage;

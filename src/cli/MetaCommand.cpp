@@ -11,6 +11,8 @@ const char* const kHelp =
     "Usage: orvella meta get FILE NAME [NAME...]\n"
     "       orvella meta tree FILE\n"
     "       orvella meta set-comment FILE TEXT\n"
+    "       orvella meta batch --comment TEXT FILE|FOLDER...\n"
+    "       orvella meta complete IN OUT\n"
     "\n"
     "Reads and writes the photo metadata used in captions.\n"
     "\n"
@@ -32,8 +34,19 @@ const char* const kHelp =
     "                         that cannot be read.\n"
     "  set-comment FILE TEXT  write TEXT as the EXIF user comment of FILE (creating the\n"
     "                         EXIF block when missing); print \"OK\" or \"Failed\".\n"
+    "  batch --comment TEXT FILE|FOLDER...\n"
+    "                         write TEXT as the EXIF user comment of each FILE, and of the\n"
+    "                         jpg, jpeg, tif, tiff, JPG, JPEG, TIF and TIFF files of each\n"
+    "                         FOLDER (not its subfolders). One log line per file written,\n"
+    "                         tab-separated: LogDate, LogProcess, LogAction, LogStatus, LogI,\n"
+    "                         LogO, LogIpath, LogOpath. Read-only files and files that cannot\n"
+    "                         be written are reported on stderr and left as they are.\n"
+    "  complete IN OUT        write a copy of IN to OUT whose EXIF block holds every common\n"
+    "                         EXIF key (0 where IN had none), the user comment \"Keldra\" and\n"
+    "                         the gamma 99.999; print \"Keldra\". OUT must not be IN.\n"
     "\n"
-    "Exit status: 0 done, 1 set-comment failed, 2 wrong usage.\n";
+    "Exit status: 0 done, 1 set-comment, batch or complete failed for some file, 2 wrong\n"
+    "usage.\n";
 
 int usage(Io& io, const QString& problem) {
     io.err << "orvella meta: " << problem << "\n\n" << kHelp;
@@ -103,6 +116,8 @@ Command metaCommand() {
                 if (verb == u"get") return get(rest, io);
                 if (verb == u"tree") return tree(rest, io);
                 if (verb == u"set-comment") return setComment(rest, io);
+                if (verb == u"batch") return metaBatch(rest, io);
+                if (verb == u"complete") return metaComplete(rest, io);
                 return usage(io, QStringLiteral("unknown verb \"%1\"").arg(verb));
             }};
 }

@@ -8,10 +8,12 @@ namespace {
 
 const char* const kHelp =
     "Usage: orvella settings KIND\n"
+    "       orvella settings watermark\n"
     "\n"
     "Lists every setting of the output kind, one per line, tab-separated:\n"
     "  name, aliases (comma-separated), kind, default, items (\" | \"-separated).\n"
-    "Any name or alias can be given to `orvella generate KIND --set NAME=VALUE`.\n";
+    "Any name or alias can be given to `orvella generate KIND --set NAME=VALUE` (or\n"
+    "`orvella watermark ... --set NAME=VALUE`).\n";
 
 // Tabs and line breaks inside a value would break the columns.
 QString cell(QString text) {
@@ -25,7 +27,8 @@ QString cell(QString text) {
 Command settingsCommand() {
     return {QStringLiteral("settings"), QStringLiteral("list the settings of an output kind"),
             QString::fromUtf8(kHelp), [](const QStringList& args, Io& io) {
-                if (args.size() != 1 || !OutputKinds::find(args.first())) {
+                const QString kind = args.value(0);
+                if (args.size() != 1 || (!OutputKinds::find(kind) && kind != u"watermark")) {
                     io.err << kHelp << "KIND is one of: " << OutputKinds::names() << "\n";
                     return int(kUsage);
                 }

@@ -2,6 +2,7 @@
 
 #include "generators/gallery/cResponsiveDesign.h"
 #include "presets/ControlRegistry.h"
+#include "presets/WatermarkControls.h"
 
 namespace OutputKinds {
 
@@ -38,6 +39,8 @@ const ControlRegistry& registry() {
     static const ControlRegistry registry = [] {
         ControlRegistry r;
         for (const OutputKind& kind : all()) kind.registerControls(r);
+        // The watermark panel's controls: a fourth kind of settings, though not an output kind.
+        registerWatermarkControls(r);
         return r;
     }();
     return registry;

@@ -38,7 +38,7 @@ const QList<OutputKind>& all();
 const OutputKind* find(const QString& name);
 // The names, joined for messages: "gallery, slideshow, grid".
 QString names();
-// The registry holding the controls of every kind.
+// The registry holding the controls of every kind, and those of the watermark panel.
 const ControlRegistry& registry();
 
 }  // namespace OutputKinds

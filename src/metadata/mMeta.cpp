@@ -392,6 +392,9 @@ bool writeUserComment(const QString& givenPath, const std::string& mimeType, con
     struct stat status {};
     if (::stat(QFile::encodeName(path).constData(), &status) != 0)
         return fail(QString::fromLocal8Bit(std::strerror(errno)));
+    // A read-only photo stays as it is, even where the folder would let a rename replace it.
+    if ((status.st_mode & 0222) == 0 || ::access(QFile::encodeName(path).constData(), W_OK) != 0)
+        return fail(QStringLiteral("the file is read-only"));
 
     const QString temporary = AtomicFile::temporaryPathFor(path);
     const auto removeTemporary = qScopeGuard([&] { QFile::remove(temporary); });
