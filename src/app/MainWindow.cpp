@@ -9,6 +9,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
+#include <QMessageBox>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QSplitter>
@@ -54,6 +55,9 @@ MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent) {
     file->addAction(tr("Add Photos…"), QKeySequence::Open, this, &MainWindow::choosePhotos);
     file->addSeparator();
     file->addAction(tr("Quit"), QKeySequence::Quit, this, &QWidget::close);
+    QMenu* help = menuBar()->addMenu(tr("&Help"));
+    help->addAction(tr("About Orvella"), this, &MainWindow::showAbout)
+        ->setObjectName(QStringLiteral("actionAbout"));
     resize(1200, 780);
 }
 
@@ -187,6 +191,42 @@ void MainWindow::choosePhotos() {
     // Names, captions and sizes come from the headers at once; the cell images follow.
     collection_->appendPhotos(files, ui_);
     makeCellImages(files);
+}
+
+int MainWindow::openFiles(const QStringList& paths) {
+    QList<QUrl> photos;
+    for (const QString& path : paths) {
+        if (path.endsWith(QStringLiteral(".orvprj"), Qt::CaseInsensitive))
+            openProject(path);
+        else
+            photos.append(QUrl::fromLocalFile(path));
+    }
+    const QStringList files = CollectionDragModel::photoFilesFromUrls(photos);
+    if (files.isEmpty()) return 0;
+    const int added = collection_->appendPhotos(files, ui_);
+    makeCellImages(files);
+    return added;
+}
+
+void MainWindow::openProject(const QString& file) {
+    // Opening a project from the desktop or the command line starts here, once projects can be
+    // opened; until then the user is told.
+    ui_->alert(tr("The project cannot be opened."),
+               tr("%1\n\nThis version of Orvella cannot open projects yet.")
+                   .arg(QDir::toNativeSeparators(file)),
+               false);
+}
+
+void MainWindow::showAbout() {
+    auto* box = new QMessageBox(QMessageBox::NoIcon, tr("About Orvella"),
+                                QStringLiteral("orvella " ORVELLA_VERSION), QMessageBox::Ok, this);
+    box->setObjectName(QStringLiteral("aboutBox"));
+    box->setIconPixmap(windowIcon().pixmap(64, 64));
+    box->setInformativeText(
+        tr("Turns a selection of photos into a small static web site.\n\n"
+           "Run orvella --help in a terminal for the command line."));
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->open();
 }
 
 void MainWindow::makeCellImages(const QStringList& files) {

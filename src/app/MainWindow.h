@@ -22,10 +22,16 @@ class MainWindow : public QMainWindow {
   public:
     explicit MainWindow(QWidget* parent = nullptr);
 
+    // Files given on the command line or handed over by a later start: photos and folders are
+    // added as a drop adds them, projects are opened. Returns the number of photos added.
+    int openFiles(const QStringList& paths);
+
   private:
     QWidget* makeCollectionPanel();
     QWidget* makeGalleryTab();
     void choosePhotos();
+    void openProject(const QString& file);
+    void showAbout();
     // Cell images of added photos are made on a worker and arrive one by one.
     void makeCellImages(const QStringList& files);
     void removeSelected();
