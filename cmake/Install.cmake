@@ -60,10 +60,11 @@ set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
 set(CPACK_PACKAGE_VENDOR "KeldraCom")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "photo web gallery creator")
 set(CPACK_PACKAGE_DESCRIPTION
-    "Orvella turns a photographer's selection of photos into a small static web site, ready to\n"
-    "open locally or upload to any web server: a paged photo gallery with a lightbox. Photos are\n"
-    "gathered and captioned (from EXIF and IPTC metadata or your own text), the output is styled\n"
-    "(fonts, colours, frames, shadows, patterns) and the site is written as HTML, CSS and resized\n"
+    "Orvella turns a photographer's selection of photos into a small static web\n"
+    "site, ready to open locally or upload to any web server: a paged photo\n"
+    "gallery with a lightbox. Photos are gathered and captioned (from EXIF and\n"
+    "IPTC metadata or your own text), the output is styled (fonts, colours,\n"
+    "frames, shadows, patterns) and the site is written as HTML, CSS and resized\n"
     "images. A Qt window, with a command line beside it.")
 string(REPLACE ";" "" CPACK_PACKAGE_DESCRIPTION "${CPACK_PACKAGE_DESCRIPTION}")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
