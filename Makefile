@@ -1,18 +1,23 @@
 # make test   installs what is missing, builds with sanitizers and runs every test
 # make demo   builds and writes a Photo Gallery of Debian's mate-backgrounds photos to demo/gallery/
 # make bench  runs the benchmarks in bench/
+# make install [PREFIX=/usr/local] [DESTDIR=]   installs the program, desktop entry, icon, manual
+# make uninstall [DESTDIR=]                     removes exactly what the last install put there
+# make package builds the Debian package build-release/orvella_VERSION_ARCH.deb
 
 SHELL := /bin/bash
 BUILD_TEST ?= build
 BUILD_RELEASE ?= build-release
 JOBS ?= $(shell nproc)
+PREFIX ?= /usr/local
 
 DEB_PACKAGES := cmake g++ ninja-build pkg-config qt6-base-dev libvips-dev libvips-tools \
 	libfontconfig-dev fonts-dejavu-core \
 	libexiv2-dev libsqlite3-dev libgtest-dev libimage-exiftool-perl mate-backgrounds \
-	chromium time
+	chromium time python3 desktop-file-utils man-db groff-base dpkg-dev file shared-mime-info
 
-.PHONY: all test demo bench deps npm-deps build-test build-release clean format
+.PHONY: all test demo bench deps npm-deps build-test build-release clean format install uninstall \
+	package
 
 all: build-release
 
@@ -49,6 +54,18 @@ demo: build-release
 	rm -rf demo/gallery
 	@# The photos sit in subfolders; orvella prints the path of the first page.
 	$(BUILD_RELEASE)/orvella generate gallery --out demo/gallery /usr/share/backgrounds/mate/*/
+
+# The whole release build: the program and its manual page and completion, made from its help.
+install: build-release
+	cmake --build $(BUILD_RELEASE) -j $(JOBS)
+	DESTDIR="$(DESTDIR)" cmake --install $(BUILD_RELEASE) --prefix "$(PREFIX)"
+
+uninstall:
+	DESTDIR="$(DESTDIR)" cmake --build $(BUILD_RELEASE) --target uninstall
+
+package: build-release
+	cmake --build $(BUILD_RELEASE) -j $(JOBS)
+	cd $(BUILD_RELEASE) && cpack -G DEB
 
 bench: build-release
 	@set -e; for b in bench/*; do if [ -x "$$b" ]; then echo "== $$b"; "$$b" $(BUILD_RELEASE)/orvella; fi; done

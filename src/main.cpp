@@ -1,4 +1,5 @@
 #include <QCoreApplication>
+#include <QFileInfo>
 #include <QTextStream>
 #include <cstdio>
 #ifdef __GLIBC__
@@ -20,6 +21,17 @@ void quietMessages(QtMsgType type, const QMessageLogContext& context, const QStr
     std::fprintf(stderr, "%s\n", qPrintable(message));
 }
 
+// No arguments, or photos, folders and projects that exist: the window. A command, an option or
+// anything else: the command line, which names what it does not know.
+bool opensWindow(int argc, char** argv) {
+    if (argc <= 1) return true;
+    const QString first = QString::fromLocal8Bit(argv[1]);
+    if (first.startsWith(u'-') || first == u"help") return false;
+    for (const cli::Command& command : cli::commands())
+        if (command.name == first) return false;
+    return QFileInfo::exists(first);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -29,8 +41,7 @@ int main(int argc, char** argv) {
     // which made a gallery run hold about 60% more memory than it uses.
     mallopt(M_MMAP_THRESHOLD, 1 << 20);
 #endif
-    // No arguments: the window. Anything else: the command line.
-    if (argc <= 1) return runApp(argc, argv);
+    if (opensWindow(argc, argv)) return runApp(argc, argv);
 
     qInstallMessageHandler(quietMessages);
     QCoreApplication app(argc, argv);

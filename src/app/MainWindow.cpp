@@ -69,6 +69,9 @@ MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), settings_(OutputK
     file->addSeparator();
     file->addAction(tr("Quit"), QKeySequence::Quit, this, &QWidget::close);
     addToolsMenu(this);
+    QMenu* help = menuBar()->addMenu(tr("&Help"));
+    help->addAction(tr("About Orvella"), this, &MainWindow::showAbout)
+        ->setObjectName(QStringLiteral("actionAbout"));
     resize(1200, 780);
 }
 
@@ -210,7 +213,11 @@ void MainWindow::addPhotos(const QStringList& paths) {
         else
             files.append(path);
     }
-    if (files.isEmpty() || adding_) return;
+    if (files.isEmpty()) return;
+    if (adding_) {  // one reader at a time: these follow when it is done
+        pendingFiles_ += files;
+        return;
+    }
     // Headers are read on workers, hundreds at a time; the records join the grid in order.
     using Read = std::pair<bool, cCollectionViewItem>;
     auto* reader = new QFutureWatcher<Read>(this);
@@ -242,6 +249,7 @@ void MainWindow::addPhotos(const QStringList& paths) {
                 : tr("%n photo(s) added; not readable: %1", nullptr, int(added.size()))
                       .arg(skipped.join(QStringLiteral(", "))));
         makeCellImages(added);
+        if (!pendingFiles_.isEmpty()) addPhotos(std::exchange(pendingFiles_, {}));
     });
     reader->setFuture(QtConcurrent::mapped(files, [](const QString& path) {
         Read read;
@@ -249,6 +257,41 @@ void MainWindow::addPhotos(const QStringList& paths) {
         read.first = PhotoCollection::readRecord(path, 0, &read.second, &reason);
         return read;
     }));
+}
+
+int MainWindow::openFiles(const QStringList& paths) {
+    QList<QUrl> photos;
+    for (const QString& path : paths) {
+        if (path.endsWith(QStringLiteral(".orvprj"), Qt::CaseInsensitive))
+            openProject(path);
+        else
+            photos.append(QUrl::fromLocalFile(path));
+    }
+    const QStringList files = CollectionDragModel::photoFilesFromUrls(photos);
+    // Their headers are read off the window's thread; they join the grid when read.
+    addPhotos(files);
+    return int(files.size());
+}
+
+void MainWindow::openProject(const QString& file) {
+    // Opening a project from the desktop or the command line starts here, once projects can be
+    // opened; until then the user is told.
+    ui_->alert(tr("The project cannot be opened."),
+               tr("%1\n\nThis version of Orvella cannot open projects yet.")
+                   .arg(QDir::toNativeSeparators(file)),
+               false);
+}
+
+void MainWindow::showAbout() {
+    auto* box = new QMessageBox(QMessageBox::NoIcon, tr("About Orvella"),
+                                QStringLiteral("orvella " ORVELLA_VERSION), QMessageBox::Ok, this);
+    box->setObjectName(QStringLiteral("aboutBox"));
+    box->setIconPixmap(windowIcon().pixmap(64, 64));
+    box->setInformativeText(
+        tr("Turns a selection of photos into a small static web site.\n\n"
+           "Run orvella --help in a terminal for the command line."));
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->open();
 }
 
 void MainWindow::makeCellImages(const QStringList& files) {

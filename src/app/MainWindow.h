@@ -29,6 +29,10 @@ class MainWindow : public QMainWindow {
     // Asks the running generation to stop at the next photo.
     void cancelRun();
 
+    // Files given on the command line or handed over by a later start: photos and folders are
+    // added as a drop adds them, projects are opened. Returns the number of photo files taken.
+    int openFiles(const QStringList& paths);
+
   protected:
     void closeEvent(QCloseEvent* event) override;
 
@@ -36,6 +40,8 @@ class MainWindow : public QMainWindow {
     QWidget* makeCollectionPanel();
     QWidget* makeKindTab(const OutputKind& kind);
     void choosePhotos();
+    void openProject(const QString& file);
+    void showAbout();
     // Cell images of added photos are made on a worker and arrive one by one.
     void makeCellImages(const QStringList& files);
     void removeSelected();
@@ -63,4 +69,5 @@ class MainWindow : public QMainWindow {
     QFutureWatcher<RunResult> run_;
     QString runKindTitle_;
     QObject* adding_ = nullptr;  // the header reader of photos being added
+    QStringList pendingFiles_;   // photos to add once it is done
 };

@@ -218,8 +218,7 @@ void PositionGrid::refresh() {
 
 // ---- WatermarkPanel ----
 
-WatermarkPanel::WatermarkPanel(QWidget* parent)
-    : QWidget(parent), store_(OutputKinds::registry()) {
+WatermarkPanel::WatermarkPanel(QWidget* parent) : QWidget(parent), store_(OutputKinds::registry()) {
     form_ = new SettingsForm(QStringLiteral("watermark"), store_);
     for (const auto& [section, name] :
          {std::pair{"Text", "scWaterMarkPos"}, std::pair{"Image", "scImageWaterMarkPos"}}) {

@@ -13,12 +13,15 @@ namespace {
 
 void printUsage(QTextStream& s) {
     s << "Orvella " ORVELLA_VERSION " turns a selection of photos into a small static web site.\n\n"
-      << "Usage: orvella                       open the window\n"
-      << "       orvella COMMAND [ARGS...]     run a command\n"
-      << "       orvella COMMAND --help        describe a command\n\n"
+      << "Usage: orvella [PHOTO|FOLDER|PROJECT]...   open the window, with these photos added\n"
+      << "       orvella COMMAND [ARGS...]           run a command\n"
+      << "       orvella COMMAND --help              describe a command\n\n"
       << "Commands:\n";
-    for (const Command& c : commands()) s << "  " << c.name.leftJustified(13) << c.summary << "\n";
-    s << "\nOptions:\n  --verbose   also print the diagnostic log on stderr\n";
+    for (const Command& c : commands()) s << "  " << c.name.leftJustified(14) << c.summary << "\n";
+    s << "\nOptions:\n"
+      << "  --help      print this help\n"
+      << "  --version   print the version\n"
+      << "  --verbose   also print the diagnostic log on stderr\n";
 }
 
 }  // namespace

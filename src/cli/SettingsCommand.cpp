@@ -6,14 +6,26 @@ namespace cli {
 
 namespace {
 
-const char* const kHelp =
-    "Usage: orvella settings KIND\n"
-    "       orvella settings watermark\n"
-    "\n"
-    "Lists every setting of the output kind, one per line, tab-separated:\n"
-    "  name, aliases (comma-separated), kind, default, items (\" | \"-separated).\n"
-    "Any name or alias can be given to `orvella generate KIND --set NAME=VALUE` (or\n"
-    "`orvella watermark ... --set NAME=VALUE`).\n";
+// The kinds of settings: every output kind, then the watermark panel's.
+QStringList settingKinds() {
+    QStringList kinds;
+    for (const OutputKind& kind : OutputKinds::all()) kinds.append(kind.name);
+    kinds.append(QStringLiteral("watermark"));
+    return kinds;
+}
+
+QString help() {
+    QString text;
+    for (const QString& kind : settingKinds())
+        text += (text.isEmpty() ? "Usage: orvella settings " : "       orvella settings ") + kind +
+                "\n";
+    return text +
+           "\n"
+           "Lists every setting of the output kind, one per line, tab-separated:\n"
+           "  name, aliases (comma-separated), kind, default, items (\" | \"-separated).\n"
+           "Any name or alias can be given to `orvella generate KIND --set NAME=VALUE` (or\n"
+           "`orvella watermark ... --set NAME=VALUE`).\n";
+}
 
 // Tabs and line breaks inside a value would break the columns.
 QString cell(QString text) {
@@ -26,10 +38,9 @@ QString cell(QString text) {
 
 Command settingsCommand() {
     return {QStringLiteral("settings"), QStringLiteral("list the settings of an output kind"),
-            QString::fromUtf8(kHelp), [](const QStringList& args, Io& io) {
-                const QString kind = args.value(0);
-                if (args.size() != 1 || (!OutputKinds::find(kind) && kind != u"watermark")) {
-                    io.err << kHelp << "KIND is one of: " << OutputKinds::names() << "\n";
+            help(), [](const QStringList& args, Io& io) {
+                if (args.size() != 1 || !settingKinds().contains(args.first())) {
+                    io.err << help();
                     return int(kUsage);
                 }
                 io.out << "name\taliases\tkind\tdefault\titems\n";

@@ -1,7 +1,7 @@
 #include <QFileInfo>
 
-#include "generators/OutputKinds.h"
 #include "cli/Cli.h"
+#include "generators/OutputKinds.h"
 #include "imaging/KLWatermark.h"
 #include "presets/SettingsStore.h"
 #include "presets/WatermarkControls.h"
