@@ -101,6 +101,24 @@ TEST(FileSafety, FileSizeLimitGivesNamedFailuresAndNoBrokenFile) {
     expectWholeFiles(out);
 }
 
+// Temporary files a killed run left in the output are removed by the next run; others stay.
+TEST(FileSafety, LeftoversOfAKilledRunAreRemoved) {
+    const QString src = freshDir("safety-leftovers-src");
+    const QString out = freshDir("safety-leftovers");
+    QDir().mkpath(out + "KLimages_b");
+    for (const QString name : {"KLimages_b/.orvella-tmp-1f2e-a.jpeg",
+                               ".orvella-tmp-99-myIndex.html", "KLimages_b/mine.jpeg"}) {
+        QFile file(out + name);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write("half") == 4);
+    }
+    EXPECT_EQ(orvella(kGallery + QStringList{"--out", out, makeNoisyPhoto(src, "a.jpg", 90, 60)}),
+              0);
+    EXPECT_FALSE(QFile::exists(out + "KLimages_b/.orvella-tmp-1f2e-a.jpeg"));
+    EXPECT_FALSE(QFile::exists(out + ".orvella-tmp-99-myIndex.html"));
+    EXPECT_TRUE(QFile::exists(out + "KLimages_b/mine.jpeg"));
+    expectWholeFiles(out);
+}
+
 // An image folder that is a file: its images fail, are named, and the exit code says so.
 TEST(FileSafety, UnwritableFolderGivesNamedFailures) {
     const QString src = freshDir("safety-blocked-src");
