@@ -1,5 +1,7 @@
 #include "cli/Cli.h"
 
+#include "presets/SettingsStore.h"
+
 namespace cli {
 
 const std::vector<Command>& commands() {
@@ -25,6 +27,25 @@ void printUsage(QTextStream& s) {
 }
 
 }  // namespace
+
+bool applySetting(SettingsStore& settings, const QString& kind, const QString& assignment,
+                  QString* error) {
+    const qsizetype eq = assignment.indexOf(u'=');
+    if (eq <= 0) {
+        *error = "--set needs NAME=VALUE, not \"" + assignment + "\"";
+        return false;
+    }
+    const QString name = assignment.left(eq);
+    const ControlSpec* control = settings.registry().find(name);
+    if (!control || control->outputKind != kind) {
+        const QStringList near = settings.registry().nearestNames(name, kind);
+        *error = "unknown setting " + name +
+                 (near.isEmpty() ? QString("; `orvella settings %1` lists them").arg(kind)
+                                 : "; did you mean " + near.first() + "?");
+        return false;
+    }
+    return settings.set(name, assignment.mid(eq + 1), error);
+}
 
 int run(const QStringList& arguments, Io& io) {
     if (arguments.isEmpty() || arguments.first() == u"--help" || arguments.first() == u"-h" ||

@@ -8,6 +8,8 @@
 
 // The command line: `orvella COMMAND [ARGS...]`. It parses arguments, builds settings and calls
 // the core, nothing more.
+class SettingsStore;
+
 namespace cli {
 
 struct Io {
@@ -39,6 +41,12 @@ int metaBatch(const QStringList& args, Io& io);
 int metaComplete(const QStringList& args, Io& io);
 
 const std::vector<Command>& commands();
+
+// Applies one `--set NAME=VALUE` to settings of `kind`. False with the message to print when the
+// text is not NAME=VALUE, the name is no setting of the kind (the nearest names are suggested:
+// "unknown setting tfBigCropWidht; did you mean tfBigCropWidth?") or the value does not fit.
+bool applySetting(SettingsStore& settings, const QString& kind, const QString& assignment,
+                  QString* error);
 
 // Runs the command line on argv[1..]; returns the exit code.
 int run(const QStringList& arguments, Io& io);

@@ -123,14 +123,8 @@ int generate(const OutputKind& kind, const QStringList& args, Io& io) {
             return usage(io, a + " is not available yet");
         } else if (a == u"--set") {
             if (!value(&v)) return usage(io, "--set needs NAME=VALUE");
-            const qsizetype eq = v.indexOf(u'=');
-            if (eq <= 0) return usage(io, "--set needs NAME=VALUE, not \"" + v + "\"");
-            const QString name = v.left(eq);
-            const ControlSpec* control = settings.registry().find(name);
-            if (!control || control->outputKind != kind.name)
-                return usage(io, "unknown " + kind.name + " setting \"" + name + "\"");
             QString error;
-            if (!settings.set(name, v.mid(eq + 1), &error)) return usage(io, error);
+            if (!applySetting(settings, kind.name, v, &error)) return usage(io, error);
         } else if (a == u"--sort") {
             if (!value(&sort) || (sort != u"az" && sort != u"za"))
                 return usage(io, "--sort takes az or za");

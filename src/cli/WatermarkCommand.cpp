@@ -46,14 +46,9 @@ int stampFiles(const QStringList& args, Io& io) {
                 out = value;
                 continue;
             }
-            const QString name = value.section(u'=', 0, 0);
-            const ControlSpec* control = store.registry().find(name);
-            if (!value.contains(u'=') || !control || control->outputKind != u"watermark")
-                return usage(io, QStringLiteral("\"%1\" is not NAME=VALUE with a "
-                                                "watermark setting")
-                                     .arg(value));
             QString error;
-            if (!store.set(name, value.section(u'=', 1), &error)) return usage(io, error);
+            if (!applySetting(store, QStringLiteral("watermark"), value, &error))
+                return usage(io, error);
         } else {
             files.append(args[i]);
         }

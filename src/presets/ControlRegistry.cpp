@@ -1,6 +1,8 @@
 #include "presets/ControlRegistry.h"
 
 #include <QRegularExpression>
+#include <algorithm>
+#include <vector>
 
 #include "services/TextValues.h"
 
@@ -28,6 +30,45 @@ QString controlKindName(ControlKind kind) {
             return QStringLiteral("path");
     }
     return {};
+}
+
+namespace {
+
+// Edits (insert, delete, replace, case counts half) from a to b.
+double editDistance(const QString& a, const QString& b) {
+    std::vector<double> previous(size_t(b.size()) + 1), current(size_t(b.size()) + 1);
+    for (qsizetype j = 0; j <= b.size(); ++j) previous[size_t(j)] = double(j);
+    for (qsizetype i = 1; i <= a.size(); ++i) {
+        current[0] = double(i);
+        for (qsizetype j = 1; j <= b.size(); ++j) {
+            const QChar x = a[i - 1], y = b[j - 1];
+            const double replace = x == y ? 0.0 : x.toLower() == y.toLower() ? 0.5 : 1.0;
+            current[size_t(j)] = std::min({previous[size_t(j)] + 1, current[size_t(j - 1)] + 1,
+                                           previous[size_t(j - 1)] + replace});
+        }
+        std::swap(previous, current);
+    }
+    return previous[size_t(b.size())];
+}
+
+}  // namespace
+
+QStringList ControlRegistry::nearestNames(const QString& name, const QString& outputKind) const {
+    QList<std::pair<double, QString>> scored;
+    const double limit = std::max(2.0, double(name.size()) / 4.0);
+    for (const ControlSpec& control : controls_) {
+        if (control.outputKind != outputKind) continue;
+        for (const QString& candidate : QStringList{control.name} + control.aliases) {
+            const double d = editDistance(name, candidate);
+            if (d <= limit) scored.append({d, candidate});
+        }
+    }
+    std::stable_sort(scored.begin(), scored.end(),
+                     [](const auto& a, const auto& b) { return a.first < b.first; });
+    QStringList names;
+    for (const auto& [d, candidate] : scored)
+        if (names.size() < 3) names.append(candidate);
+    return names;
 }
 
 void ControlRegistry::add(const ControlSpec& control) {

@@ -50,6 +50,9 @@ class ControlRegistry {
     // Every control of one output kind, in registration order.
     QList<const ControlSpec*> controls(const QString& outputKind) const;
     QList<const ControlSpec*> all() const;
+    // The names and aliases of `outputKind` closest to a name that is not one of them (a few
+    // letters off), nearest first.
+    QStringList nearestNames(const QString& name, const QString& outputKind) const;
 
     // Checks and normalises a text value for a control (popup indexes to titles for "pb", colour
     // digits to upper case, ...). Returns false and an explanation when it does not fit.
