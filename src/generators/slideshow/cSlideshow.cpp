@@ -327,7 +327,7 @@ RunResult cSlideshow::generate(bool slider, const QList<PhotoEntry>& photos,
         return result;
     }
     if (!slider && !p.autorun && !p.buttons)
-        ui.alert(QStringLiteral("The slides do not change by themselves."),
+        ui.alert(QStringLiteral("The slides do not change by themselves"),
                  p.dots ? QStringLiteral("Autorun and the previous and next buttons are off: "
                                          "only the dots move between the slides.")
                         : QStringLiteral("Autorun, the buttons and the dots are off: the show "

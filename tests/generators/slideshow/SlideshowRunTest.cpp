@@ -303,10 +303,10 @@ TEST(SlideshowRun, RefusalsWarningsAndPattern) {
         QString alert;
     } warned[] = {
         {{"cbSsAutorun=0", "cbSsShowNavigationBtn=0", "cbSsShowDots=1", "tfSsInterval=x"},
-         "The slides do not change by themselves.|Autorun and the previous and next buttons are "
+         "The slides do not change by themselves|Autorun and the previous and next buttons are "
          "off: only the dots move between the slides.\n"},
         {{"cbSsAutorun=0", "cbSsShowNavigationBtn=0", "cbSsShowDots=0"},
-         "The slides do not change by themselves.|Autorun, the buttons and the dots are off: the "
+         "The slides do not change by themselves|Autorun, the buttons and the dots are off: the "
          "show stays on its first slide.\n"},
         {{"cbSsAutorun=0", "cbSsShowNavigationBtn=0", "pubSsTemplateChoice=2"}, ""},
         {{"cbSsShowPatternImage=1", "tfSsPatternPath=" + pattern}, ""},
