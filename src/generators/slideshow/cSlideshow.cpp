@@ -11,6 +11,7 @@
 #include "generators/common/OutputFolder.h"
 #include "generators/common/PageText.h"
 #include "imaging/KLImageHandling.h"
+#include "imaging/Picture.h"
 #include "presets/SettingsStore.h"
 #include "services/TextValues.h"
 #include "services/UserInterface.h"
@@ -262,16 +263,19 @@ QStringList cSlideshow::hMakeSlide(const QString& photoPath, const QString& boxW
         !images.computeSlideSize(photoWidth, photoHeight, TextValues::intValue(boxWidth),
                                  TextValues::intValue(boxHeight)))
         reason = QStringLiteral("no slide of %1 x %2 can be made of it").arg(boxWidth, boxHeight);
-    // Decoded once, shrunk while decoding to what the scaled slide needs.
+    // Read once, shrunk while decoding to what the scaled slide needs, and streamed into the
+    // slide as it is written: the whole photo is never held.
     Picture slide;
     if (reason.isEmpty())
         slide = images.slide(
-            PhotoDecoder::decode(photoPath, double(images.newImgW) / photoWidth, &reason), boxWidth,
-            boxHeight);
+            PhotoDecoder::decodeForOneUse(photoPath, double(images.newImgW) / photoWidth, &reason),
+            boxWidth, boxHeight);
     if (slide.isNull())
         return {photoPath + QStringLiteral(": ") + (reason.isEmpty() ? images.lastError : reason)};
+    // A photo damaged past its header fails while the slide is written: both files are named.
     if (images.hSaveToNewImageFile(outputPath, QStringLiteral("public.jpeg"), slide) != u"OK")
-        return {outputPath + QStringLiteral(": ") + images.lastError};
+        return {outputPath + QStringLiteral(": ") + images.lastError + QStringLiteral(" (from ") +
+                photoPath + u')'};
     return {};
 }
 
