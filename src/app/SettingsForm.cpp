@@ -18,6 +18,7 @@
 #include <algorithm>
 
 #include "presets/SettingsStore.h"
+#include "services/cNSColorHandling.h"
 
 namespace {
 
@@ -166,7 +167,7 @@ QWidget* SettingsForm::makeEditor(const ControlSpec& control) {
                 const QColor chosen =
                     QColorDialog::getColor(QColor(u'#' + store_.text(name)), this);
                 if (!chosen.isValid()) return;
-                store(name, chosen.name().mid(1));
+                store(name, cNSColorHandling::getHEXValue(chosen));  // truncated, upper case
                 refreshers_[name]();
             });
             refreshers_[name] = [this, well, hex, name] {

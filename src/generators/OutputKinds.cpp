@@ -1,6 +1,7 @@
 #include "generators/OutputKinds.h"
 
 #include "generators/gallery/cResponsiveDesign.h"
+#include "generators/slideshow/cSlideshow.h"
 #include "presets/ControlRegistry.h"
 #include "presets/WatermarkControls.h"
 
@@ -17,6 +18,18 @@ const QList<OutputKind>& all() {
          .captionItemControl = QStringLiteral("pubPgMetaData"),
          .captionListControl = QStringLiteral("tfPgMetaDataToShow"),
          .captionSection = QStringLiteral("Captions"),
+         .destinationControl = QStringLiteral("tfHTMLdestinationFolder"),
+         .usesHighlight = false},
+        {.name = QStringLiteral("slideshow"),
+         .title = QStringLiteral("Slideshow"),
+         .action = QStringLiteral("Create Slideshow"),
+         .registerControls = &cSlideshow::registerControls,
+         .run = &cSlideshow::run,
+         .settingEdited = &cSlideshow::settingEdited,
+         .captionItemControl = QStringLiteral("pubSsMetaData"),
+         .captionListControl = QStringLiteral("tfSsMetaDataToShow"),
+         .captionSection = QStringLiteral("Captions"),
+         // The output folder setting is one for every kind, as the preset layouts store it.
          .destinationControl = QStringLiteral("tfHTMLdestinationFolder"),
          .usesHighlight = false},
     };

@@ -117,7 +117,9 @@ bool uprightSize(const QString& path, int* width, int* height, QString* error) {
     return false;
 }
 
-Picture decode(const QString& path, double scale, QString* error) {
+namespace {
+
+Picture decodeKeeping(const QString& path, double scale, bool wholeInMemory, QString* error) {
     int width = 0;
     int height = 0;
     if (!uprightSize(path, &width, &height, error)) return {};
@@ -135,7 +137,8 @@ Picture decode(const QString& path, double scale, QString* error) {
         VImage image = VImage::new_from_file(QFile::encodeName(path).constData(), options);
         const int orientation =
             image.get_typeof(VIPS_META_ORIENTATION) != 0 ? image.get_int(VIPS_META_ORIENTATION) : 1;
-        image = ImageFileIo::toSrgb8(image, true).copy_memory();
+        image = ImageFileIo::toSrgb8(image, true);
+        if (wholeInMemory || orientation != 1) image = image.copy_memory();
         if (orientation != 1) {
             image = image.autorot().copy_memory();
             markUpright(image);
@@ -153,6 +156,16 @@ Picture decode(const QString& path, double scale, QString* error) {
         if (error) *error = reason;
         return {};
     }
+}
+
+}  // namespace
+
+Picture decode(const QString& path, double scale, QString* error) {
+    return decodeKeeping(path, scale, true, error);
+}
+
+Picture decodeForOneUse(const QString& path, double scale, QString* error) {
+    return decodeKeeping(path, scale, false, error);
 }
 
 }  // namespace PhotoDecoder

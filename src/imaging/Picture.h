@@ -40,4 +40,10 @@ bool uprightSize(const QString& path, int* width, int* height, QString* error = 
 // `error`) when it cannot be decoded, also when it is damaged or truncated.
 Picture decode(const QString& path, double scale, QString* error = nullptr);
 
+// The same for a photo that makes one derivative only: its pixels are read from the file while
+// that derivative is written, so no copy of the whole photo is held (a photo that must be turned
+// upright is still read whole). The picture serves one operation and one write; a photo damaged
+// past its header fails at that write.
+Picture decodeForOneUse(const QString& path, double scale, QString* error = nullptr);
+
 }  // namespace PhotoDecoder

@@ -37,6 +37,23 @@ bool ImageWorkers::waitFor(int photo) {
     return state_[size_t(photo)] == 1;
 }
 
+QStringList ImageWorkers::makeAll(const QStringList& outputKeys, const QStringList& paths,
+                                  int threads, const std::function<QStringList(int)>& make,
+                                  UserInterface& ui, double step, QStringList* unfinished) {
+    std::vector<QStringList> failures(size_t(outputKeys.size()));
+    {
+        ImageWorkers workers(
+            outputKeys, threads, [&](int i) { failures[size_t(i)] = make(i); }, ui);
+        for (int i = 0; i < outputKeys.size(); ++i) {
+            if (!workers.waitFor(i)) unfinished->append(paths.value(i));
+            ui.progressStep(step);
+        }
+    }
+    QStringList all;
+    for (const QStringList& photoFailures : failures) all += photoFailures;
+    return all;
+}
+
 void ImageWorkers::work() {
     for (;;) {
         const size_t chain = next_.fetch_add(1);

@@ -28,6 +28,14 @@ class ImageWorkers {
     // Waits until photo i is made or skipped; false when it was skipped because of a cancel.
     bool waitFor(int photo);
 
+    // The whole image stage of a run: makes the images of every photo (`make(i)` returns what
+    // failed for photo i as "path: reason") and waits for them in photo order, stepping the
+    // progress by `step` after each. Returns the failures in photo order; the paths of photos a
+    // cancel left out are appended to `unfinished`.
+    static QStringList makeAll(const QStringList& outputKeys, const QStringList& paths, int threads,
+                               const std::function<QStringList(int)>& make, UserInterface& ui,
+                               double step, QStringList* unfinished);
+
   private:
     void work();
 
