@@ -1,6 +1,7 @@
 #include "generators/OutputKinds.h"
 
 #include "generators/gallery/cResponsiveDesign.h"
+#include "generators/grid/cResponsiveGrid.h"
 #include "presets/ControlRegistry.h"
 
 namespace OutputKinds {
@@ -18,6 +19,16 @@ const QList<OutputKind>& all() {
          .captionSection = QStringLiteral("Captions"),
          .destinationControl = QStringLiteral("tfHTMLdestinationFolder"),
          .usesHighlight = false},
+        {.name = QStringLiteral("grid"),
+         .title = QStringLiteral("Responsive Grid"),
+         .action = QStringLiteral("Create Responsive Grid"),
+         .registerControls = &cResponsiveGrid::registerControls,
+         .run = &cResponsiveGrid::run,
+         .captionItemControl = QStringLiteral("pubRgMetaData"),
+         .captionListControl = QStringLiteral("tfRgMetaDataToShow"),
+         .captionSection = QStringLiteral("Captions"),
+         .destinationControl = QStringLiteral("tfHTMLdestinationFolder"),
+         .usesHighlight = true},
     };
     return kinds;
 }
