@@ -36,10 +36,11 @@ export function makePhotos(dir, count) {
     });
 }
 
-// Runs `orvella generate gallery` and returns the output folder.
-export function generate(out, settings, photos) {
+// Runs `orvella generate KIND` (gallery unless told) with more options if given, and returns the
+// output folder.
+export function generate(out, settings, photos, { kind = 'gallery', options = [] } = {}) {
     const sets = Object.entries(settings).flatMap(([name, value]) => ['--set', `${name}=${value}`]);
-    execFileSync(process.env.ORVELLA_BINARY, ['generate', 'gallery', '--out', out, ...sets,
+    execFileSync(process.env.ORVELLA_BINARY, ['generate', kind, '--out', out, ...sets, ...options,
         ...photos.map((p) => p.file)], { stdio: ['ignore', 'pipe', 'pipe'] });
     return out;
 }
