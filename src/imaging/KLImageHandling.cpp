@@ -117,7 +117,11 @@ bool uprightSize(const QString& path, int* width, int* height, QString* error) {
     return false;
 }
 
-Picture decode(const QString& path, double scale, QString* error) {
+namespace {
+
+// Decodes the photo, shrinking a JPEG while decoding by the largest power of two (up to 8) that
+// leaves at least `margin` times the pixels `scale` asks for.
+Picture decodeShrunk(const QString& path, double scale, double margin, QString* error) {
     int width = 0;
     int height = 0;
     if (!uprightSize(path, &width, &height, error)) return {};
@@ -127,9 +131,8 @@ Picture decode(const QString& path, double scale, QString* error) {
         auto* options = VImage::option()
                             ->set("access", VIPS_ACCESS_SEQUENTIAL)
                             ->set("fail_on", VIPS_FAIL_ON_TRUNCATED);
-        // Shrink while decoding, leaving at least twice the pixels for the final resampling.
-        const double factor = scale > 0 ? 1.0 / scale : 1.0;
-        const int shrink = factor >= 16 ? 8 : factor >= 8 ? 4 : factor >= 4 ? 2 : 1;
+        const double factor = scale > 0 ? 1.0 / (scale * margin) : 1.0;
+        const int shrink = factor >= 8 ? 8 : factor >= 4 ? 4 : factor >= 2 ? 2 : 1;
         if (shrink > 1 && header.get_string("vips-loader") == std::string("jpegload"))
             options->set("shrink", shrink);
         VImage image = VImage::new_from_file(QFile::encodeName(path).constData(), options);
@@ -153,6 +156,17 @@ Picture decode(const QString& path, double scale, QString* error) {
         if (error) *error = reason;
         return {};
     }
+}
+
+}  // namespace
+
+Picture decode(const QString& path, double scale, QString* error) {
+    // Twice the pixels for the final resampling.
+    return decodeShrunk(path, scale, 2.0, error);
+}
+
+Picture decodeAtLeast(const QString& path, double scale, QString* error) {
+    return decodeShrunk(path, scale, 1.0, error);
 }
 
 }  // namespace PhotoDecoder

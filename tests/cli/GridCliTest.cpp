@@ -90,8 +90,7 @@ TEST(GridCli, SettingsListing) {
              {"tfRGBackgroundColor", "tfRgBackgroundColor,cwRGBackgroundColor", "F4F3EF"},
              {"cbRgShowMetaData", "cbRgExifUC", "1"},
              {"tfRgMetaDataFontColor", "tfRgFileNameFontColor,cwRgCaption", "FFFFFF"},
-             {"ascNSColorWellObjRGLightboxBgColor", "tfNSColorWellObjRGLightboxBgColor",
-              "1E1E1E"},
+             {"ascNSColorWellObjRGLightboxBgColor", "tfNSColorWellObjRGLightboxBgColor", "1E1E1E"},
              {"tfRGMaxColumns", "", "6"}}) {
         const QStringList columns = row(name);
         ASSERT_EQ(columns.size(), 5) << name.toStdString();

@@ -65,8 +65,7 @@ void cResponsiveGrid::registerControls(ControlRegistry& registry) {
 
     // Kept in presets and passed along, but the page does not change with them.
     r.section = "Extras (no effect on the page)";
-    r.add("pubRespLightboxBg", "Lightbox backdrop", K::PopupIndex, "0", {},
-          {"Colour and opacity"});
+    r.add("pubRespLightboxBg", "Lightbox backdrop", K::PopupIndex, "0", {}, {"Colour and opacity"});
     r.add("pubRespGridMode", "Grid mode", K::PopupIndex, "0", {}, {"Dense"});
     r.add("pubRespDesignTemplateChoice", "Template", K::PopupIndex, "0", {}, {"Responsive grid"});
     r.add("tfmaxNumberOfPhotosPerPage", "Photos per page", K::Number, "0");

@@ -78,14 +78,15 @@ QString GridCss::hCreateResponsiveGridCss(const GridCssArgs& a) {
     s += "body, html {\nheight: 100%;\n;\n}\n\n";
     s += "body.blurred > * {\n-webkit-filter: blur(2px);\n}\n\n";
     s += ".klovlGrid {\ndisplay: grid;\ngrid-template-columns: repeat(auto-fill, minmax(" +
-         a.columnWidth + "px, 1fr));\ngrid-template-rows: repeat(auto-fill, minmax(" +
-         a.rowHeight + "px, 1fr));\ngrid-gap: 6px;\ngrid-auto-flow: row dense;\n}\n\n";
+         a.columnWidth + "px, 1fr));\ngrid-template-rows: repeat(auto-fill, minmax(" + a.rowHeight +
+         "px, 1fr));\ngrid-gap: 6px;\ngrid-auto-flow: row dense;\n}\n\n";
     s += ".klovlImage {\nposition: relative;\n}\n\n"
          ".klovlImage, .klovlImage img {\nwidth: 100%;\nheight: 100%;\n}\n\n";
     // Highlighted portrait photos cover 2 x 2 tracks, highlighted landscape ones 3 x 3.
-    s += ".klovlImageVertical {\nposition: relative;\ngrid-row: span 2;\ngrid-column: span 2;\n}\n\n"
-         ".klovlImageVertical, .klovlImageVertical img {\nwidth: 100%;\nheight: 100%;\n}\n\n"
-         ".klovlImageVertical img {\nobject-fit: cover;\n}\n\n";
+    s +=
+        ".klovlImageVertical {\nposition: relative;\ngrid-row: span 2;\ngrid-column: span 2;\n}\n\n"
+        ".klovlImageVertical, .klovlImageVertical img {\nwidth: 100%;\nheight: 100%;\n}\n\n"
+        ".klovlImageVertical img {\nobject-fit: cover;\n}\n\n";
     s += ".klovlImage4 {\nposition: relative;\ngrid-row: span 3;\ngrid-column: span 3;\n}\n\n"
          ".klovlImage4, .klovlImage4 img {\nwidth: 100%;\nheight: 100%;\n}\n\n";
     s += "/* Caption text */\n.klSsText {\n" + font + "font-weight:" + a.captionWeight +

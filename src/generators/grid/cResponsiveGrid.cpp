@@ -48,14 +48,16 @@ QString pageText(const GridSettings& g, const QString& cells) {
         "src=\"https://ajax.googleapis.com/ajax/libs/jquery/1.9.1/jquery.min.js\"></script>"
         "<script type=\"text/javascript\" src=\"KLovlightbox/jquery.lightbox.js\">\n"
         "</script>\n";
-    html += lightboxCall(QStringLiteral("klovlImage")) + lightboxCall(QStringLiteral("klovlImage4"));
+    html +=
+        lightboxCall(QStringLiteral("klovlImage")) + lightboxCall(QStringLiteral("klovlImage4"));
     html += "<!-- Keldra: lightbox - End -->\n</head>\n<body>\n";
     // The pattern box is always there; only the stylesheet shows the pattern or not.
     html += "<!-- Keldra: Pattern background: Begin -->\n<div class=\"klSsPatternBox\">\n";
     html +=
         "<!-- Keldra: Responsive Grid container: Begin -->\n"
         "<div class=\"klovlResponsiveGrid-container\">\n";
-    if (g.showDescription) html += "<div class=\"klovlRgDescription\">" + g.description + "</div>\n";
+    if (g.showDescription)
+        html += "<div class=\"klovlRgDescription\">" + g.description + "</div>\n";
     html += "<!-- Keldra: Responsive photo grid - begins -->\n<div class=\"klovlGrid\"> \n";
     html += cells;
     html +=
@@ -169,9 +171,11 @@ QStringList cResponsiveGrid::hMakeGridImage(const QString& photoPath, const QStr
         return {photoPath + QStringLiteral(": ") + error};
     KLImageHandling images;
     if (!images.computeGridSize(width, height, kGridImageWidth.toInt()))
-        return {output + QStringLiteral(": no grid image of a %1 x %2 photo").arg(width).arg(height)};
-    // Decoded once, shrunk to what the grid image needs.
-    const Picture photo = PhotoDecoder::decode(photoPath, double(images.newImgW) / width, &error);
+        return {output +
+                QStringLiteral(": no grid image of a %1 x %2 photo").arg(width).arg(height)};
+    // Decoded once; a JPEG shrunk while decoding as far as it stays at least the grid image's size.
+    const Picture photo =
+        PhotoDecoder::decodeAtLeast(photoPath, double(images.newImgW) / width, &error);
     if (photo.isNull()) return {photoPath + QStringLiteral(": ") + error};
     const Picture grid = images.gridImage(photo, kGridImageWidth);
     if (grid.isNull()) return {output + QStringLiteral(": ") + images.lastError};

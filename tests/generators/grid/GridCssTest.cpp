@@ -12,10 +12,11 @@ namespace {
 
 // The 21 style settings in their call order.
 GridCssArgs sampleArgs(int patternOn, int hover) {
-    return {"/nowhere/", "Exo 2",  "24px",  "300",   "#101010", "center",
-            "500",       "14px",   "right", "#202020", "#303030", "1",
-            patternOn,   "p.png",  "30",    "0.4",   "300",     "225",
-            hover,       CssRgb::fromHex("FFFFFF"),  "0.8"};
+    // clang-format off
+    return {"/nowhere/", "Exo 2", "24px", "300", "#101010", "center", "500", "14px", "right",
+            "#202020", "#303030", "1", patternOn, "p.png", "30", "0.4", "300", "225", hover,
+            CssRgb::fromHex("FFFFFF"), "0.8"};
+    // clang-format on
 }
 
 // "|" stands for a line feed and "[f]" for the font line of the family "Exo 2".
@@ -123,18 +124,27 @@ TEST(GridCss, ValuesFromTheSettings) {
     const Case cases[] = {
         {{"tfRGMaxColumns=4", "ascNSColorWellObjRGLightboxBgColor=FFFFFF",
           "sliderLightboxRGBgColorOpacity=80"},
-         "300", "225", "rgba(255.000000,255.000000,255.000000,0.8);"},
+         "300",
+         "225",
+         "rgba(255.000000,255.000000,255.000000,0.8);"},
         {{"tfRGMaxColumns=7", "tfNSColorWellObjRGLightboxBgColor=800040",
           "sliderLightboxRGBgColorOpacity=37"},
-         "171", "128", "rgba(128.000000,0.000000,64.000000,0.37);"},
-        {{"tfRGMaxColumns= 1 ", "sliderLightboxRGBgColorOpacity=100"}, "1200", "900",
+         "171",
+         "128",
+         "rgba(128.000000,0.000000,64.000000,0.37);"},
+        {{"tfRGMaxColumns= 1 ", "sliderLightboxRGBgColorOpacity=100"},
+         "1200",
+         "900",
          "rgba(30.000000,30.000000,30.000000,1);"},
-        {{"tfRGMaxColumns=1200", "sliderLightboxRGBgColorOpacity=0"}, "1", "0",
+        {{"tfRGMaxColumns=1200", "sliderLightboxRGBgColorOpacity=0"},
+         "1",
+         "0",
          "rgba(30.000000,30.000000,30.000000,0);"},
     };
     for (const Case& c : cases) {
         std::vector<std::pair<QString, QString>> overrides;
-        for (const QString& s : c.set) overrides.push_back({s.section('=', 0, 0), s.section('=', 1)});
+        for (const QString& s : c.set)
+            overrides.push_back({s.section('=', 0, 0), s.section('=', 1)});
         const GridSettings g =
             cResponsiveGrid::readSettings(testsupport::settingsWith(overrides), "/out/");
         const QString text = GridCss::hCreateResponsiveGridCss(g.css);

@@ -109,9 +109,9 @@ QString cell(const QString& cls, const QString& href, const QString& title) {
 TEST(GridRun, PageTextsCellsAndFiles) {
     const QString src = freshDir("grid-page-src");
     const QStringList paths = {
-        makePhoto(src, "wide.png", 400, 300),       makePhoto(src, "tall.png", 300, 400),
-        makePhoto(src, "square.png", 200, 200),     makePhoto(src, "plain.png", 400, 300),
-        makePhoto(src, "hidden.png", 400, 300),     makePhoto(src, "my photo#1.png", 300, 400)};
+        makePhoto(src, "wide.png", 400, 300),   makePhoto(src, "tall.png", 300, 400),
+        makePhoto(src, "square.png", 200, 200), makePhoto(src, "plain.png", 400, 300),
+        makePhoto(src, "hidden.png", 400, 300), makePhoto(src, "my photo#1.png", 300, 400)};
     const QList<PhotoEntry> photos =
         published(paths, {0, 1, 2, 4}, {4}, {R"(<i> & "q")", "", "", "", "", ""});
     ASSERT_EQ(photos.size(), 5);
@@ -147,12 +147,15 @@ TEST(GridRun, PageTextsCellsAndFiles) {
                   ", " + header(on + "KLovImages/square.jpeg"),
               "960x720 jpegload, 960x1280 jpegload, 960x960 jpegload");
     QStringList expected = {"KLResponsiveGridCss/klovlResponsiveGrid.css",
-                            "KLovImages/my photo#1.jpeg", "KLovImages/plain.jpeg",
-                            "KLovImages/square.jpeg",     "KLovImages/tall.jpeg",
-                            "KLovImages/wide.jpeg",       "index.html"};
-    for (const char* name : {"close.gif", "loading.gif", "klOrvella.png", "overlay.png",
-                             "jquery.lightbox.js", "jquery02.lightbox.js", "next.png", "close.png",
-                             "previous.png"})
+                            "KLovImages/my photo#1.jpeg",
+                            "KLovImages/plain.jpeg",
+                            "KLovImages/square.jpeg",
+                            "KLovImages/tall.jpeg",
+                            "KLovImages/wide.jpeg",
+                            "index.html"};
+    for (const char* name :
+         {"close.gif", "loading.gif", "klOrvella.png", "overlay.png", "jquery.lightbox.js",
+          "jquery02.lightbox.js", "next.png", "close.png", "previous.png"})
         expected.append(QStringLiteral("KLovlightbox/") + name);
     expected.sort();
     EXPECT_EQ(filesUnder(on), expected);
@@ -247,8 +250,8 @@ TEST(GridImages, WholePercentStepFormatAndName) {
     const QString src = freshDir("grid-images-src");
     const QString out = freshDir("grid-images");
     const std::tuple<const char*, int, int, const char*> cases[] = {
-        {"a.jpg", 4000, 3000, "960x720"},    {"b.png", 3999, 2000, "960x480"},
-        {"c.tif", 4096, 3072, "960x706"},    {"d.e.png", 1000, 3000, "960x2880"},
+        {"a.jpg", 4000, 3000, "960x720"},  {"b.png", 3999, 2000, "960x480"},
+        {"c.tif", 4096, 3072, "960x706"},  {"d.e.png", 1000, 3000, "960x2880"},
         {"small.png", 100, 70, "960x672"},
     };
     for (const auto& [name, w, h, size] : cases) {
@@ -269,25 +272,28 @@ TEST(GridRun, ExifOrientedPhotoIsUpright) {
     runProgram("vips", {"linear", src + "b.v", src + "red.v", "1 1 1", "220 0 0", "--uchar"});
     runProgram("vips", {"linear", src + "b.v", src + "blue.v", "1 1 1", "0 0 220", "--uchar"});
     runProgram("vips", {"join", src + "red.v", src + "blue.v", src + "turned.jpg", "horizontal"});
-    ASSERT_EQ(runProgram("exiftool", {"-overwrite_original", "-Orientation#=6", src + "turned.jpg"}),
-              0);
+    ASSERT_EQ(
+        runProgram("exiftool", {"-overwrite_original", "-Orientation#=6", src + "turned.jpg"}), 0);
     const QList<PhotoEntry> photos = published({src + "turned.jpg"}, {0});
     ASSERT_EQ(photos.size(), 1);
     EXPECT_EQ(cResponsiveGrid::cellClass(photos[0]), "klovlImage klovlImageVertical");
 
     const QString dir = freshDir("grid-exif");
     RecordingUserInterface ui;
-    ASSERT_TRUE(cResponsiveGrid::hCreateResponsiveGrid(dir, photos, store({}), ui).failures.isEmpty());
-    EXPECT_TRUE(readText(dir + "index.html").contains("<div class=\"klovlImage klovlImageVertical\">"));
+    ASSERT_TRUE(
+        cResponsiveGrid::hCreateResponsiveGrid(dir, photos, store({}), ui).failures.isEmpty());
+    EXPECT_TRUE(
+        readText(dir + "index.html").contains("<div class=\"klovlImage klovlImageVertical\">"));
     const QString image = dir + "KLovImages/turned.jpeg";
     EXPECT_EQ(header(image), "960x1280 jpegload");  // 300 x 400 upright: 320 %
     auto colour = [&](int x, int y) {
         QString out;
         runProgram("vips", {"getpoint", image, QString::number(x), QString::number(y)}, &out);
         const QStringList v = out.simplified().split(' ');
-        return v.size() < 3 ? QString("?") : v[0].toInt() > 150 && v[2].toInt() < 70 ? "red"
-                                         : v[2].toInt() > 150 && v[0].toInt() < 70 ? "blue"
-                                                                                     : out;
+        return v.size() < 3                              ? QString("?")
+               : v[0].toInt() > 150 && v[2].toInt() < 70 ? "red"
+               : v[2].toInt() > 150 && v[0].toInt() < 70 ? "blue"
+                                                         : out;
     };
     EXPECT_EQ(colour(480, 100) + " " + colour(480, 1180), "red blue");
     const QString orientation = testsupport::exiftool(image, "Orientation");
@@ -297,10 +303,8 @@ TEST(GridRun, ExifOrientedPhotoIsUpright) {
 
 TEST(GridRun, CellClasses) {
     const std::tuple<QString, int, const char*> cases[] = {
-        {"H", 1, "klovlImage4"},
-        {"V", 1, "klovlImage klovlImageVertical"},
-        {"H", 0, "klovlImage"},
-        {"V", 0, "klovlImage"},
+        {"H", 1, "klovlImage4"}, {"V", 1, "klovlImage klovlImageVertical"},
+        {"H", 0, "klovlImage"},  {"V", 0, "klovlImage"},
         {"V", 2, "klovlImage"},
     };
     for (const auto& [orientation, highlight, cls] : cases)
