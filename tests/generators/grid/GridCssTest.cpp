@@ -109,6 +109,12 @@ TEST(GridCss, WholeTextForEachPatternAndHover) {
         EXPECT_EQ(GridCss::hCreateResponsiveGridCss(sampleArgs(pattern, hover)).toStdString(),
                   (css(kHead) + middle + rest).toStdString())
             << "pattern " << pattern << ", hover " << hover;
+    // At most 7 columns: tracks of at least 171 x 128 pixels.
+    GridCssArgs seven = sampleArgs(0, 0);
+    seven.columnWidth = QString::number(GridCss::columnWidth(7));
+    seven.rowHeight = QString::number(GridCss::rowHeight(GridCss::columnWidth(7)));
+    EXPECT_EQ(GridCss::hCreateResponsiveGridCss(seven).toStdString(),
+              (css(kHead) + css(kRest).arg("171", "128")).toStdString());
 }
 
 // The values the run computes from the settings: track sizes from the column count (the row a
