@@ -2,6 +2,7 @@
 
 #include "generators/gallery/cResponsiveDesign.h"
 #include "generators/slideshow/cSlideshow.h"
+#include "generators/grid/cResponsiveGrid.h"
 #include "presets/ControlRegistry.h"
 #include "presets/WatermarkControls.h"
 
@@ -32,6 +33,16 @@ const QList<OutputKind>& all() {
          // The output folder setting is one for every kind, as the preset layouts store it.
          .destinationControl = QStringLiteral("tfHTMLdestinationFolder"),
          .usesHighlight = false},
+        {.name = QStringLiteral("grid"),
+         .title = QStringLiteral("Responsive Grid"),
+         .action = QStringLiteral("Create Responsive Grid"),
+         .registerControls = &cResponsiveGrid::registerControls,
+         .run = &cResponsiveGrid::run,
+         .captionItemControl = QStringLiteral("pubRgMetaData"),
+         .captionListControl = QStringLiteral("tfRgMetaDataToShow"),
+         .captionSection = QStringLiteral("Captions"),
+         .destinationControl = QStringLiteral("tfHTMLdestinationFolder"),
+         .usesHighlight = true},
     };
     return kinds;
 }

@@ -119,7 +119,11 @@ bool uprightSize(const QString& path, int* width, int* height, QString* error) {
 
 namespace {
 
-Picture decodeKeeping(const QString& path, double scale, bool wholeInMemory, QString* error) {
+// Decodes the photo, shrinking a JPEG while decoding by the largest power of two (up to 8) that
+// leaves at least `margin` times the pixels `scale` asks for. Without `wholeInMemory` the pixels
+// are read from the file as they are used (once).
+Picture decodeShrunk(const QString& path, double scale, double margin, bool wholeInMemory,
+                     QString* error) {
     int width = 0;
     int height = 0;
     if (!uprightSize(path, &width, &height, error)) return {};
@@ -129,9 +133,8 @@ Picture decodeKeeping(const QString& path, double scale, bool wholeInMemory, QSt
         auto* options = VImage::option()
                             ->set("access", VIPS_ACCESS_SEQUENTIAL)
                             ->set("fail_on", VIPS_FAIL_ON_TRUNCATED);
-        // Shrink while decoding, leaving at least twice the pixels for the final resampling.
-        const double factor = scale > 0 ? 1.0 / scale : 1.0;
-        const int shrink = factor >= 16 ? 8 : factor >= 8 ? 4 : factor >= 4 ? 2 : 1;
+        const double factor = scale > 0 ? 1.0 / (scale * margin) : 1.0;
+        const int shrink = factor >= 8 ? 8 : factor >= 4 ? 4 : factor >= 2 ? 2 : 1;
         if (shrink > 1 && header.get_string("vips-loader") == std::string("jpegload"))
             options->set("shrink", shrink);
         VImage image = VImage::new_from_file(QFile::encodeName(path).constData(), options);
@@ -161,11 +164,16 @@ Picture decodeKeeping(const QString& path, double scale, bool wholeInMemory, QSt
 }  // namespace
 
 Picture decode(const QString& path, double scale, QString* error) {
-    return decodeKeeping(path, scale, true, error);
+    // Twice the pixels for the final resampling.
+    return decodeShrunk(path, scale, 2.0, true, error);
 }
 
 Picture decodeForOneUse(const QString& path, double scale, QString* error) {
-    return decodeKeeping(path, scale, false, error);
+    return decodeShrunk(path, scale, 2.0, false, error);
+}
+
+Picture decodeAtLeast(const QString& path, double scale, QString* error) {
+    return decodeShrunk(path, scale, 1.0, true, error);
 }
 
 }  // namespace PhotoDecoder

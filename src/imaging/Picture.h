@@ -39,6 +39,10 @@ bool uprightSize(const QString& path, int* width, int* height, QString* error = 
 // leaves at least twice those pixels; 1 or more decodes the whole photo. A null picture (and
 // `error`) when it cannot be decoded, also when it is damaged or truncated.
 Picture decode(const QString& path, double scale, QString* error = nullptr);
+// The same, shrinking a JPEG while decoding as far as it stays at least `scale` of its upright
+// size (as vipsthumbnail does): for a derivative made by one downscale to exactly that size,
+// where the decoder's own shrinking is sharp enough.
+Picture decodeAtLeast(const QString& path, double scale, QString* error = nullptr);
 
 // The same for a photo that makes one derivative only: its pixels are read from the file while
 // that derivative is written, so no copy of the whole photo is held (a photo that must be turned

@@ -36,10 +36,12 @@ export function makePhotos(dir, count) {
     });
 }
 
-// Runs `orvella generate KIND` (gallery unless given) and returns the output folder.
-export function generate(out, settings, photos, kind = 'gallery') {
+// Runs `orvella generate KIND` (gallery unless told; the fourth argument is the kind or
+// { kind, options }) with more options if given, and returns the output folder.
+export function generate(out, settings, photos, how = {}) {
+    const { kind = 'gallery', options = [] } = typeof how === 'string' ? { kind: how } : how;
     const sets = Object.entries(settings).flatMap(([name, value]) => ['--set', `${name}=${value}`]);
-    execFileSync(process.env.ORVELLA_BINARY, ['generate', kind, '--out', out, ...sets,
+    execFileSync(process.env.ORVELLA_BINARY, ['generate', kind, '--out', out, ...sets, ...options,
         ...photos.map((p) => p.file)], { stdio: ['ignore', 'pipe', 'pipe'] });
     return out;
 }

@@ -69,7 +69,7 @@ TEST(SlideshowCli, RefusalsAndFailures) {
         int code;
         QString message;
     } cases[] = {
-        {{"--set", "tfPageTitle=x", a}, 2, "unknown slideshow setting \"tfPageTitle\""},
+        {{"--set", "tfPageTitle=x", a}, 2, "unknown setting tfPageTitle"},
         {{"--set", "pubSsTemplateChoice=5", a}, 2, "pubSsTemplateChoice"},
         {{"--unpublish", "a.png", a},
          2,

@@ -1,0 +1,275 @@
+#include "generators/grid/cResponsiveGrid.h"
+
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <vector>
+
+#include "generators/common/CaptionBuilder.h"
+#include "generators/common/ImageWorkers.h"
+#include "generators/common/OutputFolder.h"
+#include "generators/common/PageText.h"
+#include "imaging/KLImageHandling.h"
+#include "presets/SettingsStore.h"
+#include "services/UserInterface.h"
+
+namespace {
+
+// Every grid image has this width, whatever the settings.
+const QString kGridImageWidth = QStringLiteral("960");
+const QString kImages = QStringLiteral("KLovImages");
+const QString kStylesheet = QStringLiteral("KLResponsiveGridCss/klovlResponsiveGrid.css");
+
+// One lightbox script block for the anchors of `cellClass`.
+QString lightboxCall(const QString& cellClass) {
+    return "<script>\n$(function() {\n$('." + cellClass + " a').lightbox();\n});\n</script>\n";
+}
+
+QString cellText(const PhotoEntry& photo, const QString& caption) {
+    // The link is percent-encoded, so any file name works in a browser; the caption comes from
+    // the photo's file name and metadata, so it is escaped and cannot add markup.
+    const QString image = PageText::urlPath(kImages, cResponsiveGrid::outputName(photo));
+    return "<div class=\"" + cResponsiveGrid::cellClass(photo) + "\"> \n<a href=\"" + image +
+           "\" rel=\"klOVlightbox\" title=\"" + PageText::escapeAttribute(caption) +
+           "\"> <img src=\"" + image + "\" style=\"width:100%\">\n</a>\n</div>\n\n";
+}
+
+QString pageText(const GridSettings& g, const QString& cells) {
+    QString html = PageText::headPrologue();
+    if (g.showTitle) html += "<title>" + PageText::escapeText(g.title) + "</title>\n";
+    html +=
+        "<!-- Keldra: Responsive grid creation - Begin -->\n"
+        "<link href=\"KLResponsiveGridCss/klovlResponsiveGrid.css\" rel=\"stylesheet\" "
+        "type=\"text/css\">\n"
+        "<!-- Keldra: Responsive grid creation - End -->\n";
+    html += PageText::webFontLink(g.css.fontFamily);
+    html +=
+        "<!-- Keldra: lightbox - Begin -->\n"
+        "<script type=\"text/javascript\" "
+        "src=\"https://ajax.googleapis.com/ajax/libs/jquery/1.9.1/jquery.min.js\"></script>"
+        "<script type=\"text/javascript\" src=\"KLovlightbox/jquery.lightbox.js\">\n"
+        "</script>\n";
+    html +=
+        lightboxCall(QStringLiteral("klovlImage")) + lightboxCall(QStringLiteral("klovlImage4"));
+    html += "<!-- Keldra: lightbox - End -->\n</head>\n<body>\n";
+    // The pattern box is always there; only the stylesheet shows the pattern or not.
+    html += "<!-- Keldra: Pattern background: Begin -->\n<div class=\"klSsPatternBox\">\n";
+    html +=
+        "<!-- Keldra: Responsive Grid container: Begin -->\n"
+        "<div class=\"klovlResponsiveGrid-container\">\n";
+    if (g.showDescription)
+        html += "<div class=\"klovlRgDescription\">" + g.description + "</div>\n";
+    html += "<!-- Keldra: Responsive photo grid - begins -->\n<div class=\"klovlGrid\"> \n";
+    html += cells;
+    html +=
+        "</div>\n\n</div>\n\n<!-- Keldra: Responsive grid container: End-->\n</div>\n"
+        "<!-- Keldra: Pattern background: End -->\n<br>\n</body>\n</html>\n";
+    return html;
+}
+
+bool isUsableName(const QString& name) {
+    return !name.trimmed().isEmpty() && !name.contains(u'/') && !name.contains(u'\\') &&
+           !name.contains(QStringLiteral(".."));
+}
+
+}  // namespace
+
+void cResponsiveGrid::hRgAddMetaDataValue(SettingsStore& settings) {
+    settings.setText("tfRgMetaDataToShow",
+                     CaptionBuilder::withItem(settings.text("tfRgMetaDataToShow"),
+                                              settings.title("pubRgMetaData")));
+}
+
+void cResponsiveGrid::hRgClearMetaDataValue(SettingsStore& settings) {
+    settings.setText("tfRgMetaDataToShow", QString());
+}
+
+const QStringList& cResponsiveGrid::folders() {
+    static const QStringList list = {"KLovImages/", "KLovPatterns/", "KLovlightbox/",
+                                     "KLResponsiveGridCss/"};
+    return list;
+}
+
+int cResponsiveGrid::columnCount(const QString& text) {
+    static const QRegularExpression whole(QStringLiteral("^\\s*\\+?(\\d+)\\s*$"));
+    const QRegularExpressionMatch match = whole.match(text);
+    if (!match.hasMatch()) return 0;
+    bool ok = false;
+    const qlonglong value = match.captured(1).toLongLong(&ok);
+    // More columns than pixels in the 1200-pixel container would give tracks of no width.
+    return ok && value >= 1 && value <= 1200 ? int(value) : 0;
+}
+
+QString cResponsiveGrid::cellClass(const PhotoEntry& photo) {
+    if (photo.highlight != 1) return QStringLiteral("klovlImage");
+    return photo.orientation == u"V" ? QStringLiteral("klovlImage klovlImageVertical")
+                                     : QStringLiteral("klovlImage4");
+}
+
+QString cResponsiveGrid::outputName(const PhotoEntry& photo) {
+    return QFileInfo(photo.url.toLocalFile()).completeBaseName() + QStringLiteral(".jpeg");
+}
+
+GridSettings cResponsiveGrid::readSettings(const SettingsStore& s, const QString& destination) {
+    GridSettings g;
+    g.pageName = s.text("tfRgPageName");
+    g.showTitle = s.isOn("cbRgWebPageTitle");
+    g.title = s.text("tfRgWebPageTitle");
+    g.showDescription = s.isOn("cbRgDescription");
+    g.description = s.text("tfRgDescription");
+    g.columnsText = s.text("tfRGMaxColumns");
+    g.columns = columnCount(g.columnsText);
+    g.showCaptions = s.isOn("cbRgShowMetaData");
+    g.captionItems = s.text("tfRgMetaDataToShow");
+    g.captionSeparator = s.text("tfRgMetaDataValueSep");
+    const QString patternPath = s.text("tfRgPatternPath");
+    g.patternFileName = QFileInfo(patternPath).fileName();
+    if (s.isOn("cbRgShowPatternImage") && !patternPath.isEmpty()) g.patternSource = patternPath;
+
+    GridCssArgs& css = g.css;
+    css.destination = destination;
+    css.fontFamily = s.title("pubRgHTMLDescriptionFontFamily");
+    css.descriptionFontSize = s.title("pubRgHTMLDescriptionFontSize");
+    css.descriptionWeight = PageText::weight(s.title("pubRgHTMLDescriptionFontStyle"));
+    css.descriptionColor = PageText::hashColor(s.text("tfRgHTMLDescriptionFontColor"));
+    css.descriptionAlign = PageText::alignment(s.integer("scRgHTMLDescriptionTxtAlign"));
+    css.captionWeight = PageText::weight(s.title("pubRgMetaDataWeight"));
+    css.captionFontSize = s.title("pubRgMetaDataSize");
+    css.captionAlign = PageText::alignment(s.integer("scRgMetaDataTxtAlign"));
+    css.captionColor = PageText::hashColor(s.text("tfRgMetaDataFontColor"));
+    css.backgroundColor = PageText::hashColor(s.text("tfRGBackgroundColor"));
+    css.lightboxBackground = QString::number(s.index("pubRespLightboxBg"));
+    css.patternOn = s.integer("cbRgShowPatternImage");
+    css.patternFileName = g.patternFileName;
+    css.patternScale = s.text("tfRgPatternScale");
+    css.patternOpacity = s.title("pubRgPatternOpacity");
+    const int columnWidth = GridCss::columnWidth(g.columns);
+    css.columnWidth = QString::number(columnWidth);
+    css.rowHeight = QString::number(GridCss::rowHeight(columnWidth));
+    css.magnifyOnHover = s.integer("cbMagnifyHooverEffect");
+    css.lightboxBackgroundColor = CssRgb::fromHex(s.text("ascNSColorWellObjRGLightboxBgColor"));
+    css.lightboxBackgroundOpacity =
+        GridCss::opacityText(s.integer("sliderLightboxRGBgColorOpacity"));
+    return g;
+}
+
+GridTexts cResponsiveGrid::pageTexts(const GridSettings& g, const QList<PhotoEntry>& photos,
+                                     const QStringList& captions) {
+    QString cells;
+    for (int i = 0; i < photos.size(); ++i) cells += cellText(photos[i], captions.value(i));
+    return {g.pageName + QStringLiteral(".html"), pageText(g, cells),
+            GridCss::hCreateResponsiveGridCss(g.css)};
+}
+
+QStringList cResponsiveGrid::hMakeGridImage(const QString& photoPath, const QString& folder,
+                                            const QString& outputName) {
+    const QString output = folder + outputName;
+    QString error;
+    int width = 0;
+    int height = 0;
+    if (!KLImageHandling::isSupportedSource(photoPath, &error) ||
+        !PhotoDecoder::uprightSize(photoPath, &width, &height, &error))
+        return {photoPath + QStringLiteral(": ") + error};
+    KLImageHandling images;
+    if (!images.computeGridSize(width, height, kGridImageWidth.toInt()))
+        return {output +
+                QStringLiteral(": no grid image of a %1 x %2 photo").arg(width).arg(height)};
+    // Decoded once; a JPEG shrunk while decoding as far as it stays at least the grid image's size.
+    const Picture photo =
+        PhotoDecoder::decodeAtLeast(photoPath, double(images.newImgW) / width, &error);
+    if (photo.isNull()) return {photoPath + QStringLiteral(": ") + error};
+    const Picture grid = images.gridImage(photo, kGridImageWidth);
+    if (grid.isNull()) return {output + QStringLiteral(": ") + images.lastError};
+    if (images.hSaveToNewImageFile(output, QStringLiteral("public.jpeg"), grid) != u"OK")
+        return {output + QStringLiteral(": ") + images.lastError};
+    return {};
+}
+
+RunResult cResponsiveGrid::hCreateResponsiveGrid(const QString& destination,
+                                                 const QList<PhotoEntry>& photos,
+                                                 const SettingsStore& snapshot, UserInterface& ui,
+                                                 int threads, bool openPage) {
+    return run(photos, snapshot, ui, RunOptions{destination, threads, openPage});
+}
+
+RunResult cResponsiveGrid::run(const QList<PhotoEntry>& photos, const SettingsStore& snapshot,
+                               UserInterface& ui, const RunOptions& options) {
+    RunResult result;
+    ui.progressStart();
+    ui.progressStep(0.2);
+    const GridSettings g = readSettings(snapshot, options.destination);
+    result.firstPage = options.destination + g.pageName + QStringLiteral(".html");
+    ui.progressStep(0.2);
+
+    // Refusals, before anything is written.
+    auto refuse = [&](const QString& title, const QString& text) {
+        ui.alert(title, text, true);
+        ui.progressStop();
+        return result;
+    };
+    if (photos.isEmpty())
+        return refuse(QStringLiteral("Sorry, you forgot to select photos."),
+                      QStringLiteral("Please choose the photos."));
+    if (g.columns == 0)
+        return refuse(QStringLiteral("Sorry, the grid layout is not possible."),
+                      QStringLiteral("The maximum number of columns must be a whole number from 1 "
+                                     "to 1200 (now: \"%1\").")
+                          .arg(g.columnsText));
+    if (!isUsableName(g.pageName))
+        return refuse(QStringLiteral("Sorry, the page name is not possible."),
+                      QStringLiteral("Please give the page a name without \"/\", \"\\\" or "
+                                     "\"..\" (now: \"%1\").")
+                          .arg(g.pageName));
+    ui.progressStep(0.2);
+
+    // Captions (read in photo order with one metadata reader) and the texts.
+    QStringList captions;
+    if (g.showCaptions) {
+        CaptionBuilder builder(g.captionItems, g.captionSeparator,
+                               CaptionBuilder::FileName::BaseName);
+        for (const PhotoEntry& photo : photos) captions.append(builder.caption(photo));
+    }
+    const GridTexts texts = pageTexts(g, photos, captions);
+    ui.progressStep(0.2);
+
+    // Output folder.
+    OutputFolder out(options.destination);
+    out.createFolders(folders());
+    out.copyLightboxFiles(QStringLiteral("KLovlightbox/"));
+    if (!g.patternSource.isEmpty())
+        out.copyPattern(g.patternSource, "KLovPatterns/" + g.patternFileName);
+
+    // Images, on every core; progress in photo order.
+    const int count = int(photos.size());
+    const double photoStep = double(98 / count);
+    std::vector<QStringList> imageFailures(static_cast<size_t>(count));
+    {
+        QStringList keys;
+        for (const PhotoEntry& photo : photos) keys.append(outputName(photo));
+        const QString folder = options.destination + kImages + u'/';
+        ImageWorkers workers(
+            keys, options.threads,
+            [&](int i) {
+                imageFailures[size_t(i)] =
+                    hMakeGridImage(photos[i].url.toLocalFile(), folder, keys[i]);
+            },
+            ui);
+        for (int i = 0; i < count; ++i) {
+            if (!workers.waitFor(i)) result.unfinished.append(photos[i].url.toLocalFile());
+            ui.progressStep(photoStep);
+        }
+    }
+    for (const QStringList& failures : imageFailures) out.addFailures(failures);
+
+    // Stylesheet and page.
+    ui.progressStep(0.2);
+    out.writeText(kStylesheet, texts.stylesheet, false);
+    out.writeText(texts.pageFileName, texts.page);
+    ui.progressStep(0.2);
+
+    result.cancelled = !result.unfinished.isEmpty();
+    if (options.openFirstPage && !result.cancelled) out.openPage(texts.pageFileName, ui);
+    ui.progressStop();
+    result.failures = out.failures();
+    result.ok = true;
+    return result;
+}
