@@ -5,7 +5,8 @@ namespace cli {
 const std::vector<Command>& commands() {
     static const std::vector<Command> all = {metaCommand(),      imageCommand(),
                                              generateCommand(),  settingsCommand(),
-                                             watermarkCommand(), updateCheckCommand()};
+                                             watermarkCommand(), updateCheckCommand(),
+                                             presetCommand(),    supportCommand()};
     return all;
 }
 

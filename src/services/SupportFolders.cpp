@@ -94,7 +94,11 @@ bool importNeedsRoot(bool watermarks) {
 }
 
 QStringList importImages(bool watermarks, const QStringList& files, QStringList* failures) {
-    const QString destination = watermarks ? watermarksPath() : patternsPath();
+    return importImagesInto(watermarks ? watermarksPath() : patternsPath(), files, failures);
+}
+
+QStringList importImagesInto(const QString& destination, const QStringList& files,
+                             QStringList* failures) {
     const QStringList suffixes = importImageSuffixes();
     const cNSFileHandling fileHandling;
     QStringList written;

@@ -5,8 +5,8 @@
 
 // The support folder tree the user chooses once: ROOT/Keldra_SupportFiles with "Patterns" (filled
 // from the program's own patterns when first made) and "Watermarks" (made empty). Remembered in
-// the application's settings under three keys: the root as a bookmark (KLbookmarks, base64 is not
-// needed there: the settings keep bytes), the two subfolders as plain paths. The window and the
+// the application's settings under three keys: the root as bookmark data (KLbookmarks), the two
+// subfolders as plain paths. The window and the
 // command line ask the user; this is what they call.
 namespace SupportFolders {
 
@@ -45,6 +45,9 @@ bool importNeedsRoot(bool watermarks);
 // Copies image files (png, jpg, jpeg) into the patterns or watermarks folder, keeping their names.
 // Returns the paths written; each file that could not be copied is named in `failures`.
 QStringList importImages(bool watermarks, const QStringList& files, QStringList* failures);
+// The same into a folder read earlier (the window reads it before it may ask for a new root).
+QStringList importImagesInto(const QString& destination, const QStringList& files,
+                             QStringList* failures);
 
 // Where a pattern chooser starts, by the index of its start-folder popup: 0 nowhere in
 // particular (""), 1 the watermarks folder, any other the patterns folder.
