@@ -310,7 +310,9 @@ void MainWindow::openProject(const QString& file) {
                false);
 }
 
-void MainWindow::askForSupportRoot() { SupportDialogs::askForRootIfUnset(this, ui_); }
+void MainWindow::askForSupportRoot() {
+    SupportDialogs::askForRootIfUnset(this, ui_);
+}
 
 void MainWindow::showPreferences() {
     auto* sheet = new PreferencesDialog(ui_, this);

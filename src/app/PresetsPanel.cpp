@@ -78,9 +78,8 @@ void PresetsPanel::refreshList() {
 void PresetsPanel::addPreset() {
     if (!layout_) return;
     QString stored, message;
-    const auto outcome =
-        cPresetManager(dbPath_).addPresetValuesToDB(settings_, *layout_, name_->text(), &stored,
-                                                    &message);
+    const auto outcome = cPresetManager(dbPath_).addPresetValuesToDB(
+        settings_, *layout_, name_->text(), &stored, &message);
     if (outcome != cPresetManager::Outcome::Ok) {
         ui_.alert(tr("The preset was not saved."), message, false);
         return;
@@ -148,9 +147,8 @@ void PresetsPanel::exportPreset() {
     if (!layout_) return;
     QString suggested = name_->text().trimmed();
     if (suggested.isEmpty()) suggested = layout_->fileWord;
-    QString file = QFileDialog::getSaveFileName(this, tr("Export the preset"),
-                                                suggested + QStringLiteral(".orvpreset"),
-                                                kFileFilter);
+    QString file = QFileDialog::getSaveFileName(
+        this, tr("Export the preset"), suggested + QStringLiteral(".orvpreset"), kFileFilter);
     if (!file.isEmpty()) exportTo(file);
 }
 

@@ -122,10 +122,10 @@ void PatternChooser::choose() {
     QStringList patterns;
     for (const QString& suffix : SupportFolders::patternImageSuffixes())
         patterns.append(QStringLiteral("*.") + suffix);
-    const QString file = QFileDialog::getOpenFileName(
-        this, tr("Choose a pattern image"),
-        SupportFolders::chooserStartFolder(lookUp_->currentIndex()),
-        tr("Images (%1)").arg(patterns.join(u' ')));
+    const QString file =
+        QFileDialog::getOpenFileName(this, tr("Choose a pattern image"),
+                                     SupportFolders::chooserStartFolder(lookUp_->currentIndex()),
+                                     tr("Images (%1)").arg(patterns.join(u' ')));
     if (!file.isEmpty()) setPattern(file);
 }
 

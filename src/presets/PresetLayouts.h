@@ -5,19 +5,19 @@
 
 // How one preset field holds its control's value.
 enum class FieldEncoding {
-    Text,          // text field, colour hex text: as it stands
-    Number,        // text field read as a whole number: "%d"
-    Flag,          // checkbox or button read as a number: "0"/"1", "%d"
-    State,         // checkbox read by state: "0"/"1", "%ld"
-    Title,         // popup by title: the title
-    Index,         // popup by index: "%ld"
-    IndexD,        // popup by index written with "%d" (same text)
-    Segment,       // segmented control: "%ld"
-    TextView,      // text view: as typed, line breaks included
-    Slider,        // slider: the fraction dropped
-    FolderMark,    // folder path: a bookmark string, "" for an empty path
-    ImageMark,     // pattern image path: a bookmark string, "" for an empty path
-    Zero,          // no control: always "0"
+    Text,        // text field, colour hex text: as it stands
+    Number,      // text field read as a whole number: "%d"
+    Flag,        // checkbox or button read as a number: "0"/"1", "%d"
+    State,       // checkbox read by state: "0"/"1", "%ld"
+    Title,       // popup by title: the title
+    Index,       // popup by index: "%ld"
+    IndexD,      // popup by index written with "%d" (same text)
+    Segment,     // segmented control: "%ld"
+    TextView,    // text view: as typed, line breaks included
+    Slider,      // slider: the fraction dropped
+    FolderMark,  // folder path: a bookmark string, "" for an empty path
+    ImageMark,   // pattern image path: a bookmark string, "" for an empty path
+    Zero,        // no control: always "0"
 };
 
 // One field of a preset row that a control fills.

@@ -22,7 +22,9 @@ namespace {
 constexpr int kFields = dbViewController::kFieldCount;
 const QString kKeyPrefix = QStringLiteral("mySqlVal");
 
-QString key(int field) { return kKeyPrefix + QString::number(field); }
+QString key(int field) {
+    return kKeyPrefix + QString::number(field);
+}
 
 const ControlSpec* knownControl(const SettingsStore& settings, const QString& name) {
     const ControlSpec* control = settings.registry().find(name);
@@ -134,7 +136,9 @@ void apply(SettingsStore& settings, const PresetLayout& layout, const PresetFiel
     }
 }
 
-QString kindTitle(const PresetLayout& layout) { return layout.kind; }
+QString kindTitle(const PresetLayout& layout) {
+    return layout.kind;
+}
 
 }  // namespace
 
@@ -153,7 +157,8 @@ QStringList cPresetManager::presetFields(const SettingsStore& settings, const Pr
 void cPresetManager::applyPresetFields(SettingsStore& settings, const PresetLayout& layout,
                                        const QStringList& fields) {
     for (const PresetField& field : layout.fields)
-        apply(settings, layout, field, field.field < fields.size() ? fields[field.field] : QString());
+        apply(settings, layout, field,
+              field.field < fields.size() ? fields[field.field] : QString());
 }
 
 cPresetManager::Outcome cPresetManager::storePresetFields(QStringList fields, QString* storedName,
@@ -193,13 +198,13 @@ cPresetManager::Outcome cPresetManager::storePresetFields(QStringList fields, QS
 cPresetManager::Outcome cPresetManager::addPresetValuesToDB(const SettingsStore& settings,
                                                             const PresetLayout& layout,
                                                             const QString& name,
-                                                            QString* storedName,
-                                                            QString* message) {
+                                                            QString* storedName, QString* message) {
     return storePresetFields(presetFields(settings, layout, name), storedName, message);
 }
 
-QList<cPresetManager::ListEntry> cPresetManager::hUpdateLoadPresetsTableView(
-    const QString& table, const QString& column, const QString& value) {
+QList<cPresetManager::ListEntry> cPresetManager::hUpdateLoadPresetsTableView(const QString& table,
+                                                                             const QString& column,
+                                                                             const QString& value) {
     QList<ListEntry> entries;
     {
         dbViewController link(dbPath_);
@@ -242,9 +247,8 @@ cPresetManager::Outcome cPresetManager::hRemovePreset(const QString& name, QStri
         }
     }
     dbViewController db(dbPath_);
-    const bool existed = !db.rowsWhere(QStringLiteral("Presets"), QStringLiteral("NameOfPreset"),
-                                       name)
-                              .isEmpty();
+    const bool existed =
+        !db.rowsWhere(QStringLiteral("Presets"), QStringLiteral("NameOfPreset"), name).isEmpty();
     db.removePresetFromDatabase(QStringLiteral("Presets"), QStringLiteral("NameOfPreset"), name);
     if (!existed) {
         if (message) *message = QStringLiteral("No preset is named \"%1\".").arg(name);
@@ -280,7 +284,8 @@ cPresetManager::Outcome cPresetManager::loadPresetFromDB(SettingsStore& settings
 cPresetManager::Outcome cPresetManager::loadPreset(SettingsStore& settings,
                                                    const PresetLayout& layout,
                                                    const QString& nameOrFile, QString* message) {
-    if (!QFileInfo::exists(nameOrFile)) return loadPresetFromDB(settings, layout, nameOrFile, message);
+    if (!QFileInfo::exists(nameOrFile))
+        return loadPresetFromDB(settings, layout, nameOrFile, message);
     PresetDictionary dictionary;
     if (!readPresetFile(nameOrFile, &dictionary, message)) return Outcome::Refused;
     const PresetLayout* fileLayout = layoutOf(dictionary);
@@ -357,8 +362,9 @@ bool cPresetManager::writePresetFile(const QString& path, const PresetDictionary
         const QString value = dictionary.value(key(field));
         if (!isXmlText(value)) {
             if (message)
-                *message = QStringLiteral("%1: field %2 holds characters a preset file cannot "
-                                          "carry; nothing was written")
+                *message = QStringLiteral(
+                               "%1: field %2 holds characters a preset file cannot "
+                               "carry; nothing was written")
                                .arg(path)
                                .arg(field);
             return false;
@@ -399,9 +405,8 @@ bool cPresetManager::readPresetFile(const QString& path, PresetDictionary* dicti
 
     QXmlStreamReader xml(bytes);
     auto xmlError = [&] {
-        return refuse(QStringLiteral("not XML (%1, line %2)")
-                          .arg(xml.errorString())
-                          .arg(xml.lineNumber()));
+        return refuse(
+            QStringLiteral("not XML (%1, line %2)").arg(xml.errorString()).arg(xml.lineNumber()));
     };
     if (!xml.readNextStartElement()) return xml.hasError() ? xmlError() : refuse("empty");
     if (xml.name() != u"plist") return refuse(QStringLiteral("its root is not a property list"));
@@ -437,13 +442,13 @@ bool cPresetManager::readPresetFile(const QString& path, PresetDictionary* dicti
     // Nothing but the end may follow the dictionary.
     while (!xml.atEnd()) {
         xml.readNext();
-        if (xml.isStartElement())
-            return refuse(QStringLiteral("more than one dictionary"));
+        if (xml.isStartElement()) return refuse(QStringLiteral("more than one dictionary"));
     }
     if (xml.hasError()) return xmlError();
     if (!layoutOf(result))
-        return refuse(QStringLiteral("\"mySqlVal1\" names no output kind (HTML1, SlideShow1 or "
-                                     "ResponsiveGrid1)"));
+        return refuse(
+            QStringLiteral("\"mySqlVal1\" names no output kind (HTML1, SlideShow1 or "
+                           "ResponsiveGrid1)"));
     if (dictionary) *dictionary = result;
     return true;
 }
@@ -461,7 +466,8 @@ cPresetManager::Outcome cPresetManager::importPresetFile(const QString& path, co
     fields[1] = layout.code;
     fields[2] = QStringLiteral("Batch");
     for (const PresetField& field : layout.fields)
-        fields[field.field] = field.encoding == FieldEncoding::Zero ? QStringLiteral("0")
-                                                                    : dictionary.value(key(field.field));
+        fields[field.field] = field.encoding == FieldEncoding::Zero
+                                  ? QStringLiteral("0")
+                                  : dictionary.value(key(field.field));
     return storePresetFields(fields, storedName, message);
 }

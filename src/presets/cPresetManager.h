@@ -72,8 +72,7 @@ class cPresetManager {
     // the reason, naming the file. Writing is atomic.
     static bool writePresetFile(const QString& path, const PresetDictionary& dictionary,
                                 QString* message);
-    static bool readPresetFile(const QString& path, PresetDictionary* dictionary,
-                               QString* message);
+    static bool readPresetFile(const QString& path, PresetDictionary* dictionary, QString* message);
     // The kind of a dictionary read from a file (by "mySqlVal1"), or null.
     static const PresetLayout* layoutOf(const PresetDictionary& dictionary);
     // Stores a preset file's settings as a preset of its kind named `name`.
@@ -93,8 +92,8 @@ class cPresetManager {
     }
     Outcome addResponsiveGridPresetValuesToDB(const SettingsStore& s, const QString& name,
                                               QString* stored, QString* message) {
-        return addPresetValuesToDB(s, *PresetLayouts::find(QStringLiteral("ResponsiveGrid1")),
-                                   name, stored, message);
+        return addPresetValuesToDB(s, *PresetLayouts::find(QStringLiteral("ResponsiveGrid1")), name,
+                                   stored, message);
     }
 
     // Limits of a preset file.

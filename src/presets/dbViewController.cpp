@@ -39,8 +39,9 @@ class Statement {
     }
     QByteArray blob(int column) const {
         const void* blob = sqlite3_column_blob(stmt_, column);
-        return blob ? QByteArray(static_cast<const char*>(blob), sqlite3_column_bytes(stmt_, column))
-                    : QByteArray();
+        return blob
+                   ? QByteArray(static_cast<const char*>(blob), sqlite3_column_bytes(stmt_, column))
+                   : QByteArray();
     }
 
   private:
@@ -57,7 +58,9 @@ bool allIdentifiers(const QStringList& names) {
     return std::all_of(names.cbegin(), names.cend(), isIdentifier);
 }
 
-QString quoted(const QString& identifier) { return u'"' + identifier + u'"'; }
+QString quoted(const QString& identifier) {
+    return u'"' + identifier + u'"';
+}
 
 // A single quote has always made the database refuse a value or name.
 bool hasQuote(const QStringList& texts) {
@@ -76,7 +79,9 @@ QStringList numbered(const QString& prefix, int from, int to) {
 dbViewController::dbViewController(const QString& path)
     : path_(path.isEmpty() ? defaultDbFilePath() : path) {}
 
-dbViewController::~dbViewController() { close(); }
+dbViewController::~dbViewController() {
+    close();
+}
 
 QString dbViewController::defaultDbFilePath() {
     QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
@@ -127,7 +132,9 @@ void dbViewController::close() {
     myDb = nullptr;
 }
 
-bool dbViewController::openmyPresetsDb() { return open() || fail(kOpenFailed); }
+bool dbViewController::openmyPresetsDb() {
+    return open() || fail(kOpenFailed);
+}
 
 bool dbViewController::createTableNamed(const QString& table, const QStringList& columns) {
     if (columns.size() != kFieldCount || !isIdentifier(table) || !allIdentifiers(columns)) {
@@ -137,11 +144,13 @@ bool dbViewController::createTableNamed(const QString& table, const QStringList&
     QStringList definitions;
     for (int i = 0; i < columns.size(); ++i)
         definitions.append(quoted(columns[i]) + u' ' + declaredType(i + 1));
-    const QString sql = QStringLiteral("Create table if not exists %1 (ID INTEGER PRIMARY KEY "
-                                       "AUTOINCREMENT, %2);")
+    const QString sql = QStringLiteral(
+                            "Create table if not exists %1 (ID INTEGER PRIMARY KEY "
+                            "AUTOINCREMENT, %2);")
                             .arg(quoted(table), definitions.join(QStringLiteral(", ")));
     char* error = nullptr;
-    if (!myDb || sqlite3_exec(myDb, sql.toUtf8().constData(), nullptr, nullptr, &error) != SQLITE_OK) {
+    if (!myDb ||
+        sqlite3_exec(myDb, sql.toUtf8().constData(), nullptr, nullptr, &error) != SQLITE_OK) {
         if (error) klLog() << "sqlite:" << error;
         sqlite3_free(error);
         close();
@@ -275,8 +284,8 @@ QString dbViewController::removePresetFromDatabase(const QString& table, const Q
         return myPresetExist;
     }
     {
-        Statement statement(myDb, QStringLiteral("DELETE FROM %1 WHERE %2 = ?")
-                                      .arg(quoted(table), quoted(column)));
+        Statement statement(
+            myDb, QStringLiteral("DELETE FROM %1 WHERE %2 = ?").arg(quoted(table), quoted(column)));
         if (!statement || !statement.bindText(1, value)) {
             myPresetExist = QStringLiteral("preset not found");
         } else {

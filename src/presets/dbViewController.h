@@ -65,8 +65,7 @@ class dbViewController {
     QStringList checkForActionType(const QString& table, const QString& column,
                                    const QString& value);
     // The same rows as lists of their 102 fields (a field holding "|" stays whole).
-    QList<QStringList> rowsWhere(const QString& table, const QString& column,
-                                 const QString& value);
+    QList<QStringList> rowsWhere(const QString& table, const QString& column, const QString& value);
     // Deletes every row where column = value. Returns "preset not found" when the statement could
     // not be made, else the previous status (a deletion yields no rows).
     QString removePresetFromDatabase(const QString& table, const QString& column,

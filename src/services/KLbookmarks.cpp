@@ -23,8 +23,7 @@ QByteArray KLbookmarks::bookmarkForURL(const QUrl& url) {
 }
 
 QString KLbookmarks::pathInBookmark(const QByteArray& bookmark) {
-    if (!bookmark.startsWith(kHeader) || bookmark.size() > kHeader.size() + kMaxPath * 4)
-        return {};
+    if (!bookmark.startsWith(kHeader) || bookmark.size() > kHeader.size() + kMaxPath * 4) return {};
     const QByteArray bytes = bookmark.mid(kHeader.size());
     if (bytes.isEmpty() || bytes.contains('\0') || !bytes.startsWith('/')) return {};
     const QString path = QString::fromUtf8(bytes);

@@ -17,7 +17,9 @@ namespace {
 // The program's own patterns, compiled in as resources.
 const QString kBuiltInPatterns = QStringLiteral(":/patterns");
 
-QString stored(const char* key) { return QSettings().value(QLatin1String(key)).toString(); }
+QString stored(const char* key) {
+    return QSettings().value(QLatin1String(key)).toString();
+}
 
 void store(QSettings& settings, const char* key, const QVariant& value) {
     settings.setValue(QLatin1String(key), value);
@@ -61,7 +63,9 @@ bool setLibraryDestination(const QString& root, QString* error) {
     return true;
 }
 
-bool hasRoot() { return !QSettings().value(QLatin1String(kRootKey)).toByteArray().isEmpty(); }
+bool hasRoot() {
+    return !QSettings().value(QLatin1String(kRootKey)).toByteArray().isEmpty();
+}
 
 QString rootPath() {
     const QByteArray bookmark = QSettings().value(QLatin1String(kRootKey)).toByteArray();
@@ -77,8 +81,12 @@ QString preferencesText() {
     return QLatin1String(kGoneLine1) + u'\r' + QLatin1String(kGoneLine2);
 }
 
-QString patternsPath() { return stored(kPatternsKey); }
-QString watermarksPath() { return stored(kWatermarksKey); }
+QString patternsPath() {
+    return stored(kPatternsKey);
+}
+QString watermarksPath() {
+    return stored(kWatermarksKey);
+}
 
 bool importNeedsRoot(bool watermarks) {
     const QString destination = watermarks ? watermarksPath() : patternsPath();
@@ -139,6 +147,8 @@ QStringList patternImageSuffixes() {
     return {"pdf", "png", "jpg", "jpeg", "tif", "tiff", "gif", "psd", "tga", "targa"};
 }
 
-QStringList importImageSuffixes() { return {"png", "jpg", "jpeg"}; }
+QStringList importImageSuffixes() {
+    return {"png", "jpg", "jpeg"};
+}
 
 }  // namespace SupportFolders

@@ -81,12 +81,14 @@ TEST(PresetCli, SaveListExportImportRemove) {
                         "--set", "tfNumberOfRows=5"}),
               file + "\n");
     const QString text = QString::fromUtf8(readFile(file));
-    EXPECT_TRUE(text.contains("<key>mySqlVal3</key>\n\t\t<string>Two</string>")) << text.toStdString();
+    EXPECT_TRUE(text.contains("<key>mySqlVal3</key>\n\t\t<string>Two</string>"))
+        << text.toStdString();
     EXPECT_TRUE(text.contains("<key>mySqlVal9</key>\n\t\t<string>5</string>"));
     EXPECT_TRUE(text.contains("<string>PhotoGallery</string>"));
     EXPECT_EQ(home.out({"preset", "import", file, "Winter"}), "Winter\n");
-    const auto rows = sqliteRows(home.db(), "SELECT StrField3, StrField9 FROM Presets WHERE "
-                                            "NameOfPreset = 'Winter'");
+    const auto rows = sqliteRows(home.db(),
+                                 "SELECT StrField3, StrField9 FROM Presets WHERE "
+                                 "NameOfPreset = 'Winter'");
     ASSERT_EQ(rows.size(), 1);
     EXPECT_EQ(rows[0]["StrField3"], "Two");
     EXPECT_EQ(rows[0]["StrField9"], "5");
@@ -166,14 +168,18 @@ TEST(PresetCli, GalleryFromAPresetEqualsTheSameSettings) {
     const QString photos = home.root + "photos/";
     QDir().mkpath(photos);
     for (const char* name : {"a.png", "b.png", "c.png"})
-        ASSERT_EQ(testsupport::runProgram("vips", {"black", photos + name, "60", "40", "--bands",
-                                                   "3"}),
-                  0);
-    const QStringList sets = {"--set", "tfPageTitle=From a preset", "--set", "tfNumberOfRows=1",
-                              "--set", "ifNumberOfColumns=2", "--set", "tfSmallCropWidth=40",
-                              "--set", "tfSmallCropHeight=30", "--set", "tfBigCropWidth=80",
-                              "--set", "tfHTMLbackgroundColor=102030", "--set",
-                              "pbFontFamily=Raleway", "--set", "btShowFileName=1"};
+        ASSERT_EQ(
+            testsupport::runProgram("vips", {"black", photos + name, "60", "40", "--bands", "3"}),
+            0);
+    const QStringList sets = {"--set", "tfPageTitle=From a preset",
+                              "--set", "tfNumberOfRows=1",
+                              "--set", "ifNumberOfColumns=2",
+                              "--set", "tfSmallCropWidth=40",
+                              "--set", "tfSmallCropHeight=30",
+                              "--set", "tfBigCropWidth=80",
+                              "--set", "tfHTMLbackgroundColor=102030",
+                              "--set", "pbFontFamily=Raleway",
+                              "--set", "btShowFileName=1"};
     EXPECT_EQ(home.out(QStringList{"preset", "save", "gallery", "Look"} + sets), "Look\n");
     const QString file = home.root + "look.orvpreset";
     home.out(QStringList{"preset", "export", "gallery", "--out", file} + sets);
@@ -260,7 +266,8 @@ TEST(SupportCli, SetShowImportAndVanishedRoot) {
     QDir(root).removeRecursively();
     EXPECT_EQ(home.run({"support", "show"}, &out, &err), 1);
     EXPECT_EQ(out, "");
-    EXPECT_TRUE(err.startsWith("Oh! Your previous defined folder has gone!?\nSelect a new location please.\n"))
+    EXPECT_TRUE(err.startsWith(
+        "Oh! Your previous defined folder has gone!?\nSelect a new location please.\n"))
         << err.toStdString();
     EXPECT_EQ(home.run({"support", "set", root}, &out, &err), 2);  // not a folder any more
     EXPECT_EQ(home.run({"support", "show"}, &out, &err), 1);

@@ -12,8 +12,10 @@ namespace {
 
 QString tablesOf(const QString& db) {
     QString out;
-    testsupport::runProgram("sqlite3", {db, "SELECT name FROM sqlite_master WHERE type = 'table' "
-                                            "AND name NOT LIKE 'sqlite_%' ORDER BY name"},
+    testsupport::runProgram("sqlite3",
+                            {db,
+                             "SELECT name FROM sqlite_master WHERE type = 'table' "
+                             "AND name NOT LIKE 'sqlite_%' ORDER BY name"},
                             &out);
     return out.simplified();
 }
@@ -36,8 +38,8 @@ TEST(PresetDatabase, FirstStartCreatesTheSchemaAndTwoRows) {
 
     for (const QString table : {"Presets", "AppResource", "AppBookmarks"}) {
         SCOPED_TRACE(table.toStdString());
-        const auto columns = sqliteRows(db, "SELECT cid, name, type, pk FROM pragma_table_info('" +
-                                                table + "') ORDER BY cid");
+        const auto columns = sqliteRows(
+            db, "SELECT cid, name, type, pk FROM pragma_table_info('" + table + "') ORDER BY cid");
         ASSERT_EQ(columns.size(), 103);
         const QString schema =
             sqliteRows(db, "SELECT sql FROM sqlite_master WHERE name = '" + table + "'")
@@ -92,7 +94,7 @@ TEST(PresetDatabase, IntegerColumnsGiveCanonicalText) {
     fields[1] = "HTML1";
     fields[2] = "Batch";
     const std::vector<std::tuple<int, QString, QString>> cases = {
-        {21, "2.0", "2"}, {22, "007", "7"},  {23, "12.5", "12.5"}, {24, "abc", "abc"},
+        {21, "2.0", "2"}, {22, "007", "7"},   {23, "12.5", "12.5"}, {24, "abc", "abc"},
         {41, "-3", "-3"}, {20, "007", "007"}, {42, "2.0", "2.0"}};
     for (const auto& [field, value, stored] : cases) fields[field] = value;
     dbViewController writer(db);
@@ -130,17 +132,17 @@ TEST(PresetDatabase, QuotesAreRefusedAndInjectionsStayText) {
     // Reading, checking and removing with the attack as the value find nothing and drop nothing.
     dbViewController reader(db);
     EXPECT_TRUE(reader.checkForActionType("Presets", "NameOfPreset", attack).isEmpty());
-    EXPECT_TRUE(dbViewController(db)
-                    .checkPresetNameFromTableNamed("Presets", "NameOfPreset", attack, "Process",
-                                                   "HTML1")
-                    .isNull());
+    EXPECT_TRUE(
+        dbViewController(db)
+            .checkPresetNameFromTableNamed("Presets", "NameOfPreset", attack, "Process", "HTML1")
+            .isNull());
     EXPECT_EQ(dbViewController(db).removePresetFromDatabase("Presets", "NameOfPreset", attack),
               "preset not found");
     EXPECT_EQ(manager.hRemovePreset(attack, &message), cPresetManager::Outcome::Refused);
     // Table and column names are identifiers, never text.
-    EXPECT_FALSE(dbViewController(db).insertRecordIntoTableNamed(
-        "Presets; DROP TABLE AppResource", dbViewController::presetColumns(),
-        QStringList(102, "v")));
+    EXPECT_FALSE(dbViewController(db).insertRecordIntoTableNamed("Presets; DROP TABLE AppResource",
+                                                                 dbViewController::presetColumns(),
+                                                                 QStringList(102, "v")));
 
     // Without a single quote, the same kind of text is only text.
     const QString doubleQuoted = "x\"); DROP TABLE Presets; --";
@@ -176,7 +178,8 @@ TEST(PresetDatabase, SuffixRemovalAndOrderPerKind) {
         EXPECT_EQ(save(kind, "Summer"), "Summer_[x]");
         EXPECT_EQ(save(kind, "Summer"), "Summer_[x]");
         EXPECT_EQ(save(kind, "Autumn"), "Autumn");
-        EXPECT_EQ(names(manager, kind), QStringList({"Summer", "Summer_[x]", "Summer_[x]", "Autumn"}));
+        EXPECT_EQ(names(manager, kind),
+                  QStringList({"Summer", "Summer_[x]", "Summer_[x]", "Autumn"}));
     }
     const auto rows = sqliteRows(db, "SELECT Process, Action FROM Presets ORDER BY ID");
     ASSERT_EQ(rows.size(), 12);
@@ -224,10 +227,10 @@ void checkLayout(const char* kind, const std::vector<Row>& table) {
     QHash<int, QString> expected;
     const SettingsStore settings = distinctSettings(table, dir, &expected);
     QString stored, message;
-    ASSERT_EQ(cPresetManager(dir + "p.sql")
-                  .addPresetValuesToDB(settings, *PresetLayouts::find(kind), "Layout", &stored,
-                                       &message),
-              cPresetManager::Outcome::Ok)
+    ASSERT_EQ(
+        cPresetManager(dir + "p.sql")
+            .addPresetValuesToDB(settings, *PresetLayouts::find(kind), "Layout", &stored, &message),
+        cPresetManager::Outcome::Ok)
         << message.toStdString();
     const auto rows = sqliteRows(dir + "p.sql", "SELECT * FROM Presets");
     ASSERT_EQ(rows.size(), 1);
@@ -243,7 +246,8 @@ void checkLayout(const char* kind, const std::vector<Row>& table) {
         if (encodings.value(field) == 'B')
             EXPECT_EQ(bookmarkPath(text), expected[field]) << text.toStdString();
         else
-            EXPECT_EQ(text, expected.value(field)) << "expected \"" << expected.value(field).toStdString() << "\"";
+            EXPECT_EQ(text, expected.value(field))
+                << "expected \"" << expected.value(field).toStdString() << "\"";
     }
 }
 
@@ -273,8 +277,12 @@ void checkLoad(const char* kind, const std::vector<Row>& table) {
 
 }  // namespace
 
-TEST(PresetLayoutTest, GalleryFieldByField) { checkLayout("gallery", galleryTable()); }
-TEST(PresetLayoutTest, GalleryLoadsBack) { checkLoad("gallery", galleryTable()); }
+TEST(PresetLayoutTest, GalleryFieldByField) {
+    checkLayout("gallery", galleryTable());
+}
+TEST(PresetLayoutTest, GalleryLoadsBack) {
+    checkLoad("gallery", galleryTable());
+}
 
 TEST(PresetLayoutTest, SlideshowFieldByField) {
     SKIP_WITHOUT_KIND("slideshow");
@@ -318,9 +326,8 @@ TEST(PresetLayoutTest, UnknownControlsGiveEmptyFields) {
 TEST(PresetLayoutTest, SlideshowLoaderQuirks) {
     const PresetLayout& slideshow = *PresetLayouts::find("slideshow");
     SettingsStore settings(OutputKinds::registry());
-    cPresetManager::loadPresetValuesFromPLIST(settings, slideshow,
-                                              {{"mySqlVal1", "SlideShow1"},
-                                               {"mySqlVal7", "From the slideshow"}});
+    cPresetManager::loadPresetValuesFromPLIST(
+        settings, slideshow, {{"mySqlVal1", "SlideShow1"}, {"mySqlVal7", "From the slideshow"}});
     EXPECT_EQ(settings.text("tvTitle"), "From the slideshow");  // a Photo Gallery control
 
     SKIP_WITHOUT_KIND("slideshow");
@@ -332,9 +339,8 @@ TEST(PresetLayoutTest, SlideshowLoaderQuirks) {
         SCOPED_TRACE(text.toStdString());
         SettingsStore s(OutputKinds::registry());
         ASSERT_TRUE(s.set("cbSsAutorun", on ? "0" : "1"));
-        cPresetManager::loadPresetValuesFromPLIST(s, slideshow,
-                                                  {{"mySqlVal1", "SlideShow1"},
-                                                   {"mySqlVal23", text}});
+        cPresetManager::loadPresetValuesFromPLIST(
+            s, slideshow, {{"mySqlVal1", "SlideShow1"}, {"mySqlVal23", text}});
         EXPECT_EQ(s.isOn("cbSsAutorun"), on);
     }
     SettingsStore s(OutputKinds::registry());

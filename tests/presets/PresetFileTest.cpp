@@ -104,7 +104,9 @@ void checkRoundTrip(const char* kind, const std::vector<Row>& table) {
 
 }  // namespace
 
-TEST(PresetFiles, GalleryExportImportExport) { checkRoundTrip("gallery", galleryTable()); }
+TEST(PresetFiles, GalleryExportImportExport) {
+    checkRoundTrip("gallery", galleryTable());
+}
 TEST(PresetFiles, SlideshowExportImportExport) {
     SKIP_WITHOUT_KIND("slideshow");
     checkRoundTrip("slideshow", slideshowTable());
@@ -131,8 +133,7 @@ TEST(PresetFiles, MalformedFilesAreRefused) {
         {plist(kind + "<string>x</string><string>y</string>"), "without a key"},
         {plist(kind + "<key>mySqlVal1</key><string>HTML1</string>"), "appears twice"},
         {plist("<key>mySqlVal1</key><string>Sorting</string>"), "names no output kind"},
-        {plist(kind + "<key>mySqlVal3</key><string>" + QByteArray(300 * 1024, 'a') +
-               "</string>"),
+        {plist(kind + "<key>mySqlVal3</key><string>" + QByteArray(300 * 1024, 'a') + "</string>"),
          "too long"},
         {QByteArray(3 * 1024 * 1024, ' '), "larger than"},
         {"<?xml version=\"1.0\"?><!DOCTYPE plist [<!ENTITY a \"aaaaaaaaaaaaaaaaaaaaaaaaaaaaaa\">"
@@ -187,8 +188,9 @@ TEST(PresetFiles, MutatedFilesNeverCrash) {
         original, cPresetManager::addPresetValuesToPLIST(settings, *PresetLayouts::find("gallery")),
         &message));
     const QByteArray bytes = readFile(original);
-    const QByteArray pieces[] = {"<", ">", "</string>", "<dict>", "<integer>1</integer>", "&",
-                                 "&#0;", "]]>", "<![CDATA[", "'", "\xff\xfe", "<key>"};
+    const QByteArray pieces[] = {
+        "<",         ">", "</string>", "<dict>", "<integer>1</integer>", "&", "&#0;", "]]>",
+        "<![CDATA[", "'", "\xff\xfe",  "<key>"};
     std::mt19937 random(12345);
     cPresetManager manager(dir + "p.sql");
     manager.presetNames(*PresetLayouts::find("gallery"));  // the database exists from here on
@@ -212,7 +214,9 @@ TEST(PresetFiles, MutatedFilesNeverCrash) {
                     mutated.insert(at, pieces[random() % std::size(pieces)]);
                     break;
                 case 4:
-                    mutated.insert(at, mutated.mid(int(random() % std::max<qsizetype>(mutated.size(), 1)), 200));
+                    mutated.insert(
+                        at,
+                        mutated.mid(int(random() % std::max<qsizetype>(mutated.size(), 1)), 200));
                     break;
             }
         }

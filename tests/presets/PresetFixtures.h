@@ -189,9 +189,10 @@ inline const std::vector<Row>& gridTable() {
 }
 
 // Skips a test of a kind whose controls are not part of this build yet.
-#define SKIP_WITHOUT_KIND(kind)                                                               \
-    if (OutputKinds::registry().controls(kind).isEmpty())                                     \
-    GTEST_SKIP() << "the " kind " controls are not registered in this build; this test runs " \
+#define SKIP_WITHOUT_KIND(kind)                                                   \
+    if (OutputKinds::registry().controls(kind).isEmpty())                         \
+    GTEST_SKIP() << "the " kind                                                   \
+                    " controls are not registered in this build; this test runs " \
                     "once they are"
 
 // Settings with a value in every control of the table that differs from its default and from
@@ -235,7 +236,8 @@ inline SettingsStore distinctSettings(const std::vector<Row>& table, const QStri
                 break;
             case 'F':
             case 'S':
-                value = text = store.isOn(control->name) ? QStringLiteral("0") : QStringLiteral("1");
+                value = text =
+                    store.isOn(control->name) ? QStringLiteral("0") : QStringLiteral("1");
                 break;
             case 'P':
                 text = control->items.value((defaultIndex + 1) % std::max(count, 1));
@@ -243,10 +245,10 @@ inline SettingsStore distinctSettings(const std::vector<Row>& table, const QStri
                 break;
             case 'I':
             case 'G': {
-                const int index = count > 0 ? (defaultIndex + 1) % count
-                                            : (defaultIndex + 1 > control->maximum
-                                                   ? control->minimum
-                                                   : defaultIndex + 1);
+                const int index = count > 0
+                                      ? (defaultIndex + 1) % count
+                                      : (defaultIndex + 1 > control->maximum ? control->minimum
+                                                                             : defaultIndex + 1);
                 value = text = QString::number(index);
                 break;
             }
@@ -273,7 +275,8 @@ inline SettingsStore distinctSettings(const std::vector<Row>& table, const QStri
         if (row.encoding == 'L' || row.encoding == 'B')
             store.setText(control->name, value);
         else
-            EXPECT_TRUE(store.set(control->name, value)) << row.control << " = " << qPrintable(value);
+            EXPECT_TRUE(store.set(control->name, value))
+                << row.control << " = " << qPrintable(value);
         (*expected)[row.field] = text;
         expectedByControl[control->name] = text;
     }
@@ -308,8 +311,8 @@ inline QList<QHash<QString, QString>> sqliteRows(const QString& db, const QStrin
             const QJsonValue v = it.value();
             if (v.isDouble()) {
                 const double d = v.toDouble();
-                row[it.key()] = d == std::floor(d) ? QString::number(qint64(d))
-                                                   : QString::number(d, 'g', 15);
+                row[it.key()] =
+                    d == std::floor(d) ? QString::number(qint64(d)) : QString::number(d, 'g', 15);
             } else {
                 row[it.key()] = v.isNull() ? QStringLiteral("<null>") : v.toString();
             }
