@@ -216,6 +216,7 @@ QWidget* MainWindow::makeKindTab(const OutputKind& kind) {
     if (const ControlSpec* path = settings_.registry().find(pathControl)) {
         auto* chooser = new PatternChooser(letters, pathControl, settings_);
         connect(chooser, &PatternChooser::chosen, form, &SettingsForm::refresh);
+        connect(presets, &PresetsPanel::loaded, chooser, &PatternChooser::showPreview);
         form->addToSection(path->section, chooser);
     }
 

@@ -1,3 +1,5 @@
+#include <QFileInfo>
+
 #include "cli/Cli.h"
 #include "services/SupportFolders.h"
 
@@ -55,6 +57,14 @@ Command supportCommand() {
                     QString error;
                     if (!SupportFolders::setLibraryDestination(args[1], &error))
                         return usage(io, error);
+                    // Folders that could not be made leave nothing to show.
+                    for (const QString& folder :
+                         {SupportFolders::patternsPath(), SupportFolders::watermarksPath()}) {
+                        if (!QFileInfo(folder).isDir()) {
+                            io.err << "orvella support: cannot create " << folder << "\n";
+                            return int(kFailed);
+                        }
+                    }
                     printPaths(io);
                     return int(kOk);
                 }

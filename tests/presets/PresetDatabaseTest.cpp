@@ -350,3 +350,49 @@ TEST(PresetLayoutTest, SlideshowLoaderQuirks) {
     EXPECT_FALSE(s.isOn("cbSsShowDots"));
     EXPECT_EQ(s.index("pubSlideTemplateChoice"), 0);
 }
+
+// The sample row, and the bookmark and image tables that only exist where someone made them.
+TEST(PresetDatabase, SampleRowBookmarksAndImages) {
+    const QString db = freshDir("presets-images") + "p.sql";
+    ASSERT_TRUE(dbViewController(db).linkToPresetsDB());
+    ASSERT_TRUE(dbViewController(db).insertSortingPresetToDB());
+    const auto sample = sqliteRows(db, "SELECT * FROM Presets").value(0);
+    EXPECT_EQ(sample["NameOfPreset"], "myPresetName");
+    EXPECT_EQ(sample["Process"], "Sorting");
+    EXPECT_EQ(sample["Action"], "ByHand");
+    EXPECT_EQ(sample["StrField3"], "Loc1");
+    EXPECT_EQ(sample["StrField101"], "Loc99");
+
+    // Without the tables nothing is stored or found.
+    dbViewController(db).hSaveSecurityScopedBookmarks("mark");
+    dbViewController missing(db);
+    missing.SaveImagesToSql("bytes", "a.png");
+    EXPECT_TRUE(missing.LoadImagesFromSql("a.png").isEmpty());
+
+    ASSERT_EQ(testsupport::runProgram("sqlite3", {db,
+                                                  "CREATE TABLE Image (Image BLOB); CREATE "
+                                                  "TABLE IMAGES (URL TEXT, IMAGE BLOB)"}),
+              0);
+    const QByteArray mark("bin\0ary'", 8);
+    dbViewController(db).hSaveSecurityScopedBookmarks(mark);
+    const auto marks = sqliteRows(db, "SELECT hex(Image) AS h FROM Image ORDER BY rowid");
+    ASSERT_EQ(marks.size(), 2);  // the bound row, then the statement once more with nothing bound
+    EXPECT_EQ(marks[0]["h"], QString::fromLatin1(mark.toHex().toUpper()));
+    EXPECT_EQ(marks[1]["h"], "");
+
+    ASSERT_EQ(testsupport::runProgram("sqlite3",
+                                      {db,
+                                       "INSERT INTO AppBookmarks (StrField0, StrField1, StrField2) "
+                                       "VALUES ('dest', 'root', X'00FF01')"}),
+              0);
+    EXPECT_EQ(dbViewController(db).hGetBookMarkedFolders(
+                  "AppBookmarks", "StrField0", "dest", "StrField1", "root", "StrField0, StrField2"),
+              QByteArray("\x00\xff\x01", 3));
+
+    // Images use the connection an insert left open.
+    dbViewController images(db);
+    ASSERT_TRUE(images.insertSortingPresetToDB());
+    images.SaveImagesToSql(mark, "x'y.png");
+    EXPECT_EQ(images.LoadImagesFromSql("x'y.png"), mark);
+    EXPECT_TRUE(images.LoadImagesFromSql("other.png").isEmpty());
+}
