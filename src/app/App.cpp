@@ -4,6 +4,7 @@
 #include <QDir>
 #include <QIcon>
 #include <QTextStream>
+#include <QTimer>
 #include <cstdio>
 
 #include "app/MainWindow.h"
@@ -81,5 +82,6 @@ int runApp(int argc, char** argv) {
     mainWindow.show();
     mainWindow.openFiles(paths);
     startUpdateCheck(&mainWindow);
+    QTimer::singleShot(0, &mainWindow, &MainWindow::askForSupportRoot);
     return app.exec();
 }

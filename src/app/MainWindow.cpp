@@ -18,6 +18,7 @@
 #include <QStyle>
 #include <QTabWidget>
 #include <QToolBar>
+#include <QToolBox>
 #include <QVBoxLayout>
 #include <QtConcurrent/QtConcurrentMap>
 #include <QtConcurrent/QtConcurrentRun>
@@ -25,11 +26,14 @@
 #include "app/CollectionDragModel.h"
 #include "app/PhotoCellDelegate.h"
 #include "app/PhotoGridView.h"
+#include "app/PresetsPanel.h"
 #include "app/SettingsForm.h"
+#include "app/SupportDialogs.h"
 #include "app/ToolsWindow.h"
 #include "app/WindowUserInterface.h"
 #include "generators/common/CaptionBuilder.h"
 #include "imaging/CellImage.h"
+#include "presets/dbViewController.h"
 
 namespace {
 constexpr int kCellSize = 150;
@@ -47,6 +51,8 @@ MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), settings_(OutputK
     statusBar()->addPermanentWidget(progress_);
     statusBar()->addPermanentWidget(cancel_);
     ui_ = new WindowUserInterface(this, progress_);
+    if (dbViewController db; !db.linkToPresetsDB())
+        ui_->alert(db.failure(), db.dbFilePath(), false);
 
     auto* splitter = new QSplitter;
     splitter->addWidget(makeCollectionPanel());
@@ -66,6 +72,9 @@ MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), settings_(OutputK
 
     QMenu* file = menuBar()->addMenu(tr("&File"));
     file->addAction(tr("Add Photos…"), QKeySequence::Open, this, &MainWindow::choosePhotos);
+    file->addSeparator();
+    file->addAction(tr("Preferences…"), QKeySequence::Preferences, this,
+                    &MainWindow::showPreferences);
     file->addSeparator();
     file->addAction(tr("Quit"), QKeySequence::Quit, this, &QWidget::close);
     addToolsMenu(this);
@@ -191,6 +200,26 @@ QWidget* MainWindow::makeKindTab(const OutputKind& kind) {
         form->addToSection(kind.captionSection, buttons);
     }
 
+    // Presets of the kind, and the pattern chooser on its pattern section.
+    auto* presets = new PresetsPanel(kind.name, settings_, *ui_);
+    form->sections()->addItem(presets, tr("Presets"));
+    connect(presets, &PresetsPanel::loaded, this, [this](const QString& loadedKind) {
+        for (SettingsForm* f : forms_) f->refresh();
+        for (int i = 0; i < OutputKinds::all().size(); ++i)
+            if (OutputKinds::all()[i].name == loadedKind) tabs_->setCurrentIndex(i);
+    });
+    static const QHash<QString, std::pair<QString, QString>> patternPaths = {
+        {"gallery", {"Tb", "tfTbPatternPath"}},
+        {"slideshow", {"Ss", "tfSsPatternPath"}},
+        {"grid", {"Rg", "tfRgPatternPath"}}};
+    const auto [letters, pathControl] = patternPaths.value(kind.name);
+    if (const ControlSpec* path = settings_.registry().find(pathControl)) {
+        auto* chooser = new PatternChooser(letters, pathControl, settings_);
+        connect(chooser, &PatternChooser::chosen, form, &SettingsForm::refresh);
+        connect(presets, &PresetsPanel::loaded, chooser, &PatternChooser::showPreview);
+        form->addToSection(path->section, chooser);
+    }
+
     auto* tab = new QWidget;
     auto* layout = new QVBoxLayout(tab);
     layout->addWidget(form, 1);
@@ -280,6 +309,17 @@ void MainWindow::openProject(const QString& file) {
                tr("%1\n\nThis version of Orvella cannot open projects yet.")
                    .arg(QDir::toNativeSeparators(file)),
                false);
+}
+
+void MainWindow::askForSupportRoot() {
+    SupportDialogs::askForRootIfUnset(this, ui_);
+}
+
+void MainWindow::showPreferences() {
+    auto* sheet = new PreferencesDialog(ui_, this);
+    sheet->setAttribute(Qt::WA_DeleteOnClose);
+    sheet->setWindowModality(Qt::WindowModal);
+    sheet->open();
 }
 
 void MainWindow::showAbout() {

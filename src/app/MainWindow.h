@@ -32,6 +32,9 @@ class MainWindow : public QMainWindow {
     // Files given on the command line or handed over by a later start: photos and folders are
     // added as a drop adds them, projects are opened. Returns the number of photo files taken.
     int openFiles(const QStringList& paths);
+    // The first start asks for the support folder.
+    void askForSupportRoot();
+    void showPreferences();
 
   protected:
     void closeEvent(QCloseEvent* event) override;

@@ -5,9 +5,9 @@
 namespace cli {
 
 const std::vector<Command>& commands() {
-    static const std::vector<Command> all = {metaCommand(),      imageCommand(),
-                                             generateCommand(),  settingsCommand(),
-                                             watermarkCommand(), updateCheckCommand()};
+    static const std::vector<Command> all = {
+        metaCommand(),      imageCommand(),       generateCommand(), settingsCommand(),
+        watermarkCommand(), updateCheckCommand(), presetCommand(),   supportCommand()};
     return all;
 }
 

@@ -6,6 +6,8 @@
 #include <functional>
 #include <vector>
 
+class SettingsStore;
+
 // The command line: `orvella COMMAND [ARGS...]`. It parses arguments, builds settings and calls
 // the core, nothing more.
 class SettingsStore;
@@ -35,10 +37,17 @@ Command generateCommand();
 Command settingsCommand();
 Command watermarkCommand();
 Command updateCheckCommand();
+Command presetCommand();
+Command supportCommand();
 
 // The batch and EXIF-completion verbs of `orvella meta` (args after the verb).
 int metaBatch(const QStringList& args, Io& io);
 int metaComplete(const QStringList& args, Io& io);
+
+// Starts `orvella generate KIND` from a preset (a file that exists, else a stored name); returns
+// the exit code to stop with, or 0.
+int loadPresetForGenerate(const QString& kind, const QString& nameOrFile, SettingsStore& settings,
+                          Io& io);
 
 const std::vector<Command>& commands();
 

@@ -37,7 +37,10 @@ const char* const kHelp =
     "                        gives it a larger cell\n"
     "  --threads N           image workers (default 0: one per core)\n"
     "  --open                open the first page in the default browser\n"
-    "  --project FILE, --preset FILE   not available yet\n"
+    "  --preset NAME|FILE    start from a preset: a path that exists is a preset file, anything\n"
+    "                        else a stored preset of that kind (see `orvella preset`); --set\n"
+    "                        values override it\n"
+    "  --project FILE        not available yet\n"
     "\n"
     "Exit codes: 0 done, 1 a file could not be read or written (each is named on stderr),\n"
     "2 wrong usage or a run refused by an alert.\n";
@@ -112,6 +115,8 @@ int generate(const OutputKind& kind, const QStringList& args, Io& io) {
     bool open = false;
     int threads = 0;
     SettingsStore settings(OutputKinds::registry());
+    QString preset;
+    QStringList sets;
 
     for (int i = 0; i < args.size(); ++i) {
         const QString& a = args[i];
@@ -123,12 +128,13 @@ int generate(const OutputKind& kind, const QStringList& args, Io& io) {
         QString v;
         if (a == u"--out") {
             if (!value(&out)) return usage(io, "--out needs a folder");
-        } else if (a == u"--project" || a == u"--preset") {
+        } else if (a == u"--project") {
             return usage(io, a + " is not available yet");
+        } else if (a == u"--preset") {
+            if (!value(&preset) || preset.isEmpty()) return usage(io, "--preset needs NAME|FILE");
         } else if (a == u"--set") {
             if (!value(&v)) return usage(io, "--set needs NAME=VALUE");
-            QString error;
-            if (!applySetting(settings, kind.name, v, &error)) return usage(io, error);
+            sets.append(v);
         } else if (a == u"--sort") {
             if (!value(&sort) || (sort != u"az" && sort != u"za"))
                 return usage(io, "--sort takes az or za");
@@ -152,6 +158,13 @@ int generate(const OutputKind& kind, const QStringList& args, Io& io) {
         }
     }
     if (out.isEmpty()) return usage(io, "--out DIR is required");
+    // The defaults, then the preset, then the --set values.
+    if (!preset.isEmpty())
+        if (const int code = loadPresetForGenerate(kind.name, preset, settings, io)) return code;
+    for (const QString& set : sets) {
+        QString error;
+        if (!applySetting(settings, kind.name, set, &error)) return usage(io, error);
+    }
 
     QStringList paths;
     for (const QString& input : inputs) {

@@ -20,7 +20,12 @@ struct ApplicationEnvironment : ::testing::Environment {
     int argc = 1;
     char* argv[2] = {const_cast<char*>("test"), nullptr};
     std::unique_ptr<QApplication> app;
-    void SetUp() override { app = std::make_unique<QApplication>(argc, argv); }
+    void SetUp() override {
+        // The presets database and settings of the window stay in the build's test output.
+        qputenv("XDG_DATA_HOME", ORVELLA_TEST_OUTPUT "/xdg-data");
+        qputenv("XDG_CONFIG_HOME", ORVELLA_TEST_OUTPUT "/xdg-config");
+        app = std::make_unique<QApplication>(argc, argv);
+    }
     void TearDown() override { app.reset(); }
 };
 const auto* const environment = ::testing::AddGlobalTestEnvironment(new ApplicationEnvironment);

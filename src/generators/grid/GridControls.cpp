@@ -22,7 +22,8 @@ void cResponsiveGrid::registerControls(ControlRegistry& registry) {
           {"tfRgBackgroundColor", "cwRGBackgroundColor"});
 
     r.section = "Grid";
-    r.add("tfRGMaxColumns", "Maximum columns", K::Text, "6");
+    // The preset layout spells it "tfRgMaxColumns".
+    r.add("tfRGMaxColumns", "Maximum columns", K::Text, "6", {"tfRgMaxColumns"});
     r.add("cbMagnifyHooverEffect", "Magnify on hover", K::Checkbox, "0");
 
     r.section = "Description";
