@@ -91,7 +91,7 @@ TEST(GridCli, SettingsListing) {
              {"cbRgShowMetaData", "cbRgExifUC", "1"},
              {"tfRgMetaDataFontColor", "tfRgFileNameFontColor,cwRgCaption", "FFFFFF"},
              {"ascNSColorWellObjRGLightboxBgColor", "tfNSColorWellObjRGLightboxBgColor", "1E1E1E"},
-             {"tfRGMaxColumns", "", "6"}}) {
+             {"tfRGMaxColumns", "tfRgMaxColumns", "6"}}) {
         const QStringList columns = row(name);
         ASSERT_EQ(columns.size(), 5) << name.toStdString();
         EXPECT_EQ(columns[1] + " " + columns[3], aliases + " " + def) << name.toStdString();
