@@ -77,6 +77,18 @@ TEST(FileSafety, PhotosInsideTheOutputFoldersAreRefused) {
         EXPECT_FALSE(QFile::exists(out + "myIndex.html"));
         QDir(out + folder).removeRecursively();
     }
+    // The slideshow's and the grid's image folders alike.
+    for (const auto& [kind, folder] :
+         {std::pair{"slideshow", "KLSsImages"}, std::pair{"grid", "KLovImages"}}) {
+        QDir().mkpath(out + folder);
+        const QString photo = makeNoisyPhoto(out + folder + "/", "b.jpeg", 120, 80);
+        const QByteArray before = digest(photo);
+        QString err;
+        EXPECT_EQ(orvella({"generate", kind, "--out", out, photo}, nullptr, &err), 2) << kind;
+        EXPECT_TRUE(err.contains(photo)) << qPrintable(err);
+        EXPECT_EQ(digest(photo), before);
+        QDir(out + folder).removeRecursively();
+    }
 }
 
 // Images larger than the file-size limit fail with the reason; the run finishes what it can and

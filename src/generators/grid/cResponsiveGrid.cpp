@@ -209,6 +209,9 @@ RunResult cResponsiveGrid::run(const QList<PhotoEntry>& photos, const SettingsSt
     if (photos.isEmpty())
         return refuse(QStringLiteral("Sorry, you forgot to select photos."),
                       QStringLiteral("Please choose the photos."));
+    if (const QString inside = OutputFolder::photoInside(options.destination, folders(), photos);
+        !inside.isEmpty())
+        return refuse(QStringLiteral("Sorry, a photo lies where the grid is written."), inside);
     if (g.columns == 0)
         return refuse(QStringLiteral("Sorry, the grid layout is not possible."),
                       QStringLiteral("The maximum number of columns must be a whole number from 1 "

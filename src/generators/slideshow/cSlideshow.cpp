@@ -330,6 +330,13 @@ RunResult cSlideshow::generate(bool slider, const QList<PhotoEntry>& photos,
         ui.progressStop();
         return result;
     }
+    if (const QString inside = OutputFolder::photoInside(options.destination, folders(), photos);
+        !inside.isEmpty()) {
+        ui.alert(QStringLiteral("Sorry, a photo lies where the slideshow is written."), inside,
+                 true);
+        ui.progressStop();
+        return result;
+    }
     if (!slider && !p.autorun && !p.buttons)
         ui.alert(QStringLiteral("The slides do not change by themselves"),
                  p.dots ? QStringLiteral("Autorun and the previous and next buttons are off: "
