@@ -496,26 +496,15 @@ RunResult cResponsiveDesign::run(const QList<PhotoEntry>& photos, const Settings
         out.copyPattern(g.patternSource, "KLovPatterns/" + g.patternFileName);
 
     // Images, on every core; progress in photo order.
-    const int count = int(photos.size());
-    const quint8 photoStep = quint8(98 / count);
-    std::vector<QStringList> imageFailures(static_cast<size_t>(count));
-    {
-        QStringList keys;
-        for (const PhotoEntry& photo : photos)
-            keys.append(QFileInfo(photo.url.toLocalFile()).completeBaseName());
-        ImageWorkers workers(
-            keys, options.threads,
-            [&](int i) {
-                imageFailures[size_t(i)] =
-                    hScaleImageMaxValueHTML(photos[i].url.toLocalFile(), g.image);
-            },
-            ui);
-        for (int i = 0; i < count; ++i) {
-            if (!workers.waitFor(i)) result.unfinished.append(photos[i].url.toLocalFile());
-            ui.progressStep(photoStep);
-        }
+    QStringList keys, paths;
+    for (const PhotoEntry& photo : photos) {
+        paths.append(photo.url.toLocalFile());
+        keys.append(QFileInfo(paths.last()).completeBaseName());
     }
-    for (const QStringList& failures : imageFailures) out.addFailures(failures);
+    out.addFailures(ImageWorkers::makeAll(
+        keys, paths, options.threads,
+        [&](int i) { return hScaleImageMaxValueHTML(paths[i], g.image); }, ui,
+        double(quint8(98 / photos.size())), &result.unfinished));
     result.cancelled = !result.unfinished.isEmpty();
     if (result.cancelled) {  // no page links to images that were never made
         ui.progressStop();

@@ -242,26 +242,16 @@ RunResult cResponsiveGrid::run(const QList<PhotoEntry>& photos, const SettingsSt
         out.copyPattern(g.patternSource, "KLovPatterns/" + g.patternFileName);
 
     // Images, on every core; progress in photo order.
-    const int count = int(photos.size());
-    const double photoStep = double(98 / count);
-    std::vector<QStringList> imageFailures(static_cast<size_t>(count));
-    {
-        QStringList keys;
-        for (const PhotoEntry& photo : photos) keys.append(outputName(photo));
-        const QString folder = options.destination + kImages + u'/';
-        ImageWorkers workers(
-            keys, options.threads,
-            [&](int i) {
-                imageFailures[size_t(i)] =
-                    hMakeGridImage(photos[i].url.toLocalFile(), folder, keys[i]);
-            },
-            ui);
-        for (int i = 0; i < count; ++i) {
-            if (!workers.waitFor(i)) result.unfinished.append(photos[i].url.toLocalFile());
-            ui.progressStep(photoStep);
-        }
+    QStringList keys, paths;
+    for (const PhotoEntry& photo : photos) {
+        keys.append(outputName(photo));
+        paths.append(photo.url.toLocalFile());
     }
-    for (const QStringList& failures : imageFailures) out.addFailures(failures);
+    const QString folder = options.destination + kImages + u'/';
+    out.addFailures(ImageWorkers::makeAll(
+        keys, paths, options.threads,
+        [&](int i) { return hMakeGridImage(paths[i], folder, keys[i]); }, ui,
+        double(98 / photos.size()), &result.unfinished));
 
     // Stylesheet and page.
     ui.progressStep(0.2);
