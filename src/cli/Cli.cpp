@@ -1,5 +1,8 @@
 #include "cli/Cli.h"
 
+#include <QFileInfo>
+
+#include "collection/PhotoCollection.h"
 #include "presets/SettingsStore.h"
 
 namespace cli {
@@ -45,6 +48,17 @@ bool applySetting(SettingsStore& settings, const QString& kind, const QString& a
         return false;
     }
     return settings.set(name, assignment.mid(eq + 1), error);
+}
+
+QStringList expandFolders(const QStringList& inputs) {
+    QStringList files;
+    for (const QString& input : inputs) {
+        if (QFileInfo(input).isDir())
+            files += PhotoCollection::photoFilesInFolder(input);
+        else
+            files.append(input);
+    }
+    return files;
 }
 
 int run(const QStringList& arguments, Io& io) {

@@ -57,6 +57,10 @@ const std::vector<Command>& commands();
 bool applySetting(SettingsStore& settings, const QString& kind, const QString& assignment,
                   QString* error);
 
+// The photo files named on a command line: a folder stands for its photos, in the order the
+// window would list them; a file stands for itself.
+QStringList expandFolders(const QStringList& inputs);
+
 // Runs the command line on argv[1..]; returns the exit code.
 int run(const QStringList& arguments, Io& io);
 

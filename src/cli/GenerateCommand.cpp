@@ -21,7 +21,8 @@ const char* const kHelp =
     "\n"
     "Writes a web site of the photos into DIR (created when missing). KIND is gallery (pages of\n"
     "thumbnails with a lightbox, a stylesheet, the images and a redirecting index.html),\n"
-    "slideshow (one page showing one photo at a time, its stylesheet and the slide images) or grid\n"
+    "slideshow (one page showing one photo at a time, its stylesheet and the slide images) or "
+    "grid\n"
     "(one page of the photos in a grid that fits the window, highlighted photos in larger cells,\n"
     "with a lightbox).\n"
     "Photos are taken in the order given; a folder adds its .png, .jpg, .jpeg, .tif and .tiff\n"
@@ -166,16 +167,11 @@ int generate(const OutputKind& kind, const QStringList& args, Io& io) {
         if (!applySetting(settings, kind.name, set, &error)) return usage(io, error);
     }
 
+    for (const QString& input : inputs)
+        if (!QFileInfo::exists(input)) return usage(io, "no such file or folder: " + input);
     QStringList paths;
-    for (const QString& input : inputs) {
-        const QFileInfo info(input);
-        if (info.isDir())
-            paths += PhotoCollection::photoFilesInFolder(input);
-        else if (info.exists())
-            paths.append(info.absoluteFilePath());
-        else
-            return usage(io, "no such file or folder: " + input);
-    }
+    for (const QString& file : expandFolders(inputs))
+        paths.append(QFileInfo(file).absoluteFilePath());
 
     PhotoCollection collection;
     collection.setCellImageSize(0);

@@ -15,9 +15,10 @@ const char* const kHelp =
     "       orvella image enhance CODE VALUE --out DIR FILE...\n"
     "       orvella image derive MODE SIZE --out DIR FILE...\n"
     "\n"
-    "Writes a recoloured or resized copy of each FILE into DIR under the same file name. DIR is\n"
-    "created when missing; it must not be the folder of any FILE (originals are never\n"
-    "overwritten). One status line is printed per file.\n"
+    "Writes a recoloured or resized copy of each FILE into DIR under the same file name; a folder\n"
+    "given as FILE stands for its photos, as in `orvella generate`. DIR is created when missing;\n"
+    "it must not be the folder of any FILE (originals are never overwritten). One status line\n"
+    "is printed per file.\n"
     "\n"
     "effect CODE      a fixed effect: 0 noir, 1 mono, 2 sepia 0.3, 3 sepia 0.6, 4 sepia 1,\n"
     "                 5 chrome, 6 invert, 7 process, 8 instant, 9 transfer, 10 fade, 11 invert\n"
@@ -51,7 +52,7 @@ bool parse(const QStringList& args, int positionalCount, Parsed* parsed, QString
         } else if (parsed->positional.size() < positionalCount) {
             parsed->positional.append(args[i]);
         } else {
-            parsed->files.append(args[i]);
+            parsed->files += expandFolders({args[i]});
         }
     }
     if (parsed->positional.size() < positionalCount)

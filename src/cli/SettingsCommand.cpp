@@ -22,7 +22,8 @@ QString help() {
     return text +
            "\n"
            "Lists every setting of the output kind, one per line, tab-separated:\n"
-           "  name, aliases (comma-separated), kind, default, items (\" | \"-separated).\n"
+           "  name, aliases (comma-separated), kind, default, items (\" | \"-separated), and\n"
+           "  the window's label with its section (\"Big images (lightbox): Width\").\n"
            "Any name or alias can be given to `orvella generate KIND --set NAME=VALUE` (or\n"
            "`orvella watermark ... --set NAME=VALUE`).\n";
 }
@@ -34,6 +35,11 @@ QString cell(QString text) {
         .replace(u'\n', QStringLiteral("\\n"));
 }
 
+// The label as the window shows it, under its section.
+QString windowLabel(const ControlSpec& control) {
+    return control.section.isEmpty() ? control.label : control.section + ": " + control.label;
+}
+
 }  // namespace
 
 Command settingsCommand() {
@@ -43,7 +49,7 @@ Command settingsCommand() {
                     io.err << help();
                     return int(kUsage);
                 }
-                io.out << "name\taliases\tkind\tdefault\titems\n";
+                io.out << "name\taliases\tkind\tdefault\titems\tlabel\n";
                 for (const ControlSpec* control : OutputKinds::registry().controls(args.first())) {
                     QString items = control->items.join(QStringLiteral(" | "));
                     if (control->kind == ControlKind::Slider)
@@ -51,7 +57,7 @@ Command settingsCommand() {
                             QStringLiteral("%1..%2").arg(control->minimum).arg(control->maximum);
                     io.out << control->name << "\t" << control->aliases.join(u',') << "\t"
                            << controlKindName(control->kind) << "\t" << cell(control->defaultValue)
-                           << "\t" << cell(items) << "\n";
+                           << "\t" << cell(items) << "\t" << cell(windowLabel(*control)) << "\n";
                 }
                 return int(kOk);
             }};

@@ -94,15 +94,41 @@ TEST(GalleryCli, RefusalsAndWarnings) {
     EXPECT_TRUE(QFile::exists(out + "/myIndex.html"));
 }
 
+// Photos whose images would take the same names are named in a warning; the run goes on.
+TEST(GalleryCli, SharedOutputNamesAreNamed) {
+    const QString src = freshDir("cli-gallery-shared");
+    ASSERT_TRUE(QDir().mkpath(src + "x") && QDir().mkpath(src + "y"));
+    const QStringList photos = {
+        makePhoto(src, "x/small.jpg", 60, 40), makePhoto(src, "y/small.jpg", 60, 40),
+        makePhoto(src, "y/small.png", 60, 40), makePhoto(src, "y/other.png", 60, 40)};
+    QString stdOut, stdErr;
+    ASSERT_EQ(orvella(QStringList{"generate", "gallery", "--out", src + "out"} + kSmall + photos,
+                      &stdOut, &stdErr),
+              0);
+    EXPECT_EQ(stdErr.count("warning: Photos make images of the same name"), 1)
+        << stdErr.toStdString();
+    EXPECT_EQ(stdErr.count("both make the images named"), 2) << stdErr.toStdString();
+    EXPECT_TRUE(stdErr.contains(photos[0] + " and " + photos[1] +
+                                " both make the images named "
+                                "\"small\""))
+        << stdErr.toStdString();
+    EXPECT_TRUE(stdErr.contains(photos[0] + " and " + photos[2])) << stdErr.toStdString();
+    EXPECT_FALSE(stdErr.contains("other")) << stdErr.toStdString();
+    EXPECT_EQ(stdOut.split('\n', Qt::SkipEmptyParts).last(), src + "out/myIndex.html");
+}
+
 TEST(GalleryCli, SettingsListing) {
     QString stdOut;
     ASSERT_EQ(orvella({"settings", "gallery"}, &stdOut), 0);
     const QStringList lines = stdOut.split('\n', Qt::SkipEmptyParts);
-    EXPECT_EQ(lines.first(), "name\taliases\tkind\tdefault\titems");
-    for (const QString& line : lines) EXPECT_EQ(line.count('\t'), 4) << line.toStdString();
+    EXPECT_EQ(lines.first(), "name\taliases\tkind\tdefault\titems\tlabel");
+    for (const QString& line : lines) EXPECT_EQ(line.count('\t'), 5) << line.toStdString();
     const QStringList columns = lines.filter("ifNumberOfColumns\t").value(0).split('\t');
-    ASSERT_EQ(columns.size(), 5);
+    ASSERT_EQ(columns.size(), 6);
     EXPECT_EQ(columns[1], "tfNumberOfColumns");
     EXPECT_EQ(columns[3], "4");
+    // A user finds a setting by the words the window shows.
+    EXPECT_EQ(lines.filter("Big images (lightbox): Width").value(0).section('\t', 0, 0),
+              "tfBigCropWidth");
     EXPECT_EQ(orvella({"settings", "nothing"}), 2);
 }

@@ -83,7 +83,7 @@ TEST(GridCli, SettingsListing) {
     QString stdOut;
     ASSERT_EQ(orvella({"settings", "grid"}, &stdOut), 0);
     const QStringList lines = stdOut.split('\n', Qt::SkipEmptyParts);
-    EXPECT_EQ(lines.first(), "name\taliases\tkind\tdefault\titems");
+    EXPECT_EQ(lines.first(), "name\taliases\tkind\tdefault\titems\tlabel");
     auto row = [&](const QString& name) { return lines.filter(name + "\t").value(0).split('\t'); };
     for (const auto& [name, aliases, def] : std::vector<std::tuple<QString, QString, QString>>{
              {"tfRgPageName", "tfPageName", "index"},
@@ -93,7 +93,7 @@ TEST(GridCli, SettingsListing) {
              {"ascNSColorWellObjRGLightboxBgColor", "tfNSColorWellObjRGLightboxBgColor", "1E1E1E"},
              {"tfRGMaxColumns", "tfRgMaxColumns", "6"}}) {
         const QStringList columns = row(name);
-        ASSERT_EQ(columns.size(), 5) << name.toStdString();
+        ASSERT_EQ(columns.size(), 6) << name.toStdString();
         EXPECT_EQ(columns[1] + " " + columns[3], aliases + " " + def) << name.toStdString();
     }
 }

@@ -22,4 +22,8 @@ TEST(ImageCli, RefusesThePhotosOwnFolderAndWritesCopiesElsewhere) {
     const fixtures::Pixel px = fixtures::pixel(dir + "sepia/a.jpg", 20, 15);
     EXPECT_GT(px[0], px[2] + 20);  // sepia: warm
     EXPECT_FALSE(QFile::exists(dir + "sepia/b.PNG"));
+    // a folder stands for its photos
+    ASSERT_EQ(image({"derive", "4", "20", "--out", dir + "small", dir}), 0) << err.toStdString();
+    EXPECT_EQ(out.count("OK  "), 2) << out.toStdString();
+    EXPECT_EQ(fixtures::sizeOf(dir + "small/a.jpg").second, 20);
 }

@@ -98,12 +98,12 @@ TEST(SlideshowCli, SettingsListing) {
     ASSERT_EQ(orvella({"settings", "slideshow"}, &slideshow), 0);
     ASSERT_EQ(orvella({"settings", "gallery"}, &gallery), 0);
     const QStringList lines = slideshow.split('\n', Qt::SkipEmptyParts);
-    EXPECT_EQ(lines.first(), "name\taliases\tkind\tdefault\titems");
+    EXPECT_EQ(lines.first(), "name\taliases\tkind\tdefault\titems\tlabel");
     const auto row = [](const QString& listing, const QString& name) {
         const QStringList found = listing.split('\n').filter(QRegularExpression("^" + name + "\t"));
         return found.value(0).split('\t');
     };
-    for (const QString& line : lines) EXPECT_EQ(line.count('\t'), 4) << line.toStdString();
+    for (const QString& line : lines) EXPECT_EQ(line.count('\t'), 5) << line.toStdString();
     for (const auto& [name, aliases] :
          std::vector<std::pair<QString, QString>>{{"tfSsTitle", "tvSsTitle"},
                                                   {"pubSsTemplateChoice", "pubSlideTemplateChoice"},

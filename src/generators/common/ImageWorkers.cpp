@@ -40,6 +40,7 @@ bool ImageWorkers::waitFor(int photo) {
 QStringList ImageWorkers::makeAll(const QStringList& outputKeys, const QStringList& paths,
                                   int threads, const std::function<QStringList(int)>& make,
                                   UserInterface& ui, double step, QStringList* unfinished) {
+    warnOfSharedNames(outputKeys, paths, ui);
     std::vector<QStringList> failures(size_t(outputKeys.size()));
     {
         ImageWorkers workers(
@@ -52,6 +53,26 @@ QStringList ImageWorkers::makeAll(const QStringList& outputKeys, const QStringLi
     QStringList all;
     for (const QStringList& photoFailures : failures) all += photoFailures;
     return all;
+}
+
+void ImageWorkers::warnOfSharedNames(const QStringList& outputKeys, const QStringList& paths,
+                                     UserInterface& ui) {
+    QHash<QString, int> first;
+    QStringList shared;
+    for (int i = 0; i < outputKeys.size(); ++i) {
+        const auto it = first.constFind(outputKeys[i].toLower());
+        if (it == first.constEnd())
+            first.insert(outputKeys[i].toLower(), i);
+        else
+            shared.append(QStringLiteral("%1 and %2 both make the images named \"%3\".")
+                              .arg(paths.value(*it), paths.value(i), outputKeys[i]));
+    }
+    if (shared.isEmpty()) return;
+    // One alert for all of them: the window shows each alert as a sheet.
+    ui.alert(QStringLiteral("Photos make images of the same name"),
+             shared.join(u'\n') + QStringLiteral("\nThe images of the later photo replace those "
+                                                 "of the earlier one."),
+             false);
 }
 
 void ImageWorkers::work() {

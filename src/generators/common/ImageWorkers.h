@@ -36,6 +36,11 @@ class ImageWorkers {
                                const std::function<QStringList(int)>& make, UserInterface& ui,
                                double step, QStringList* unfinished);
 
+    // Warns, naming both files, of each photo whose images take the name of an earlier photo's
+    // (the same base name in two folders, or "small.jpg" and "small.png").
+    static void warnOfSharedNames(const QStringList& outputKeys, const QStringList& paths,
+                                  UserInterface& ui);
+
   private:
     void work();
 

@@ -101,7 +101,7 @@ void cResponsiveDesign::registerControls(ControlRegistry& registry) {
     r.add("pbImageFormat", "File format", K::PopupTitle, "jpeg", {}, imageFormats());
     r.add("pbJPGCompression", "JPEG quality", K::PopupTitle, "8", {}, compressions());
 
-    r.section = "Lightbox images";
+    r.section = "Big images (lightbox)";
     r.add("tfBigCropWidth", "Width", K::Number, "1200");
     r.add("tfBigCropHeight", "Height (0: not cropped)", K::Number, "0");
     r.add("scImageCropBigPos", "Crop position", K::Segmented, "4", {}, cropPositions());
