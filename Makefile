@@ -1,5 +1,6 @@
 # make test   installs what is missing, builds with sanitizers and runs every test
-# make demo   builds and writes a Photo Gallery of Debian's mate-backgrounds photos to demo/gallery/
+# make demo   a gallery, a slideshow and a grid of Debian's mate-backgrounds photographs, with
+#             captions, linked from demo/index.html
 # make bench  runs the benchmarks in bench/
 # make install [PREFIX=/usr/local] [DESTDIR=]   installs the program, desktop entry, icon, manual
 # make uninstall [DESTDIR=]                     removes exactly what the last install put there
@@ -51,9 +52,7 @@ build-release: deps
 	cmake --build $(BUILD_RELEASE) -j $(JOBS) --target orvella
 
 demo: build-release
-	rm -rf demo/gallery
-	@# The photos sit in subfolders; orvella prints the path of the first page.
-	$(BUILD_RELEASE)/orvella generate gallery --out demo/gallery /usr/share/backgrounds/mate/*/
+	scripts/demo $(BUILD_RELEASE)/orvella demo
 
 # The whole release build: the program and its manual page and completion, made from its help.
 install: build-release

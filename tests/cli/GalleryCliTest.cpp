@@ -92,6 +92,15 @@ TEST(GalleryCli, RefusalsAndWarnings) {
                         "smaller than your thumbnails. (Thumbnail size: 200)\n"))
         << stdErr.toStdString();
     EXPECT_TRUE(QFile::exists(out + "/myIndex.html"));
+    // An exact multiple of a page gives no page: kept, but the user is told.
+    const QString none = src + "none";
+    EXPECT_EQ(orvella(QStringList{"generate", "gallery", "--out", none, "--set",
+                                  "ifNumberOfColumns=1", "--set", "ifNumberOfRows=1", photo},
+                      nullptr, &stdErr),
+              0);
+    EXPECT_TRUE(stdErr.contains("warning: No page will be written: 1 photos fill exactly 1 pages"))
+        << stdErr.toStdString();
+    EXPECT_FALSE(QFile::exists(none + "/myIndex.html"));
 }
 
 // Photos whose images would take the same names are named in a warning; the run goes on.

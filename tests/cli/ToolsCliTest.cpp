@@ -131,7 +131,7 @@ TEST(WatermarkCli, SettingsListsEveryWatermarkControl) {
     ASSERT_EQ(lines.size(), controls.size() + 1);
     for (qsizetype i = 0; i < controls.size(); ++i)
         EXPECT_EQ(lines[i + 1].section('\t', 0, 0), controls[i]->name);
-    EXPECT_TRUE(out.contains("\ntfFontSize\t\tnumber\t24\t\n"));
+    EXPECT_TRUE(out.contains("\ntfFontSize\t\tnumber\t24\t\tText: Size (points; image width)\n"));
     EXPECT_TRUE(out.contains("\nscWaterMarkPos\t\tsegmented\t8\ttop left | top | "));
     EXPECT_TRUE(out.contains("DejaVu Sans"));
 }

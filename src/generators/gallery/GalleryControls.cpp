@@ -35,11 +35,11 @@ void cResponsiveDesign::registerControls(ControlRegistry& registry) {
     r.add("tfHTMLdestinationFolder", "Output folder", K::Path, "");
 
     r.section = "Layout";
-    r.add("pubPhotoGalleryModel", "Page model", K::PopupIndex, "2", {"pubTableTemplateChoice"},
+    r.add("pubPhotoGalleryModel", "Page model", K::PopupIndex, "0", {"pubTableTemplateChoice"},
           {"Table", "Table (classic)", "Grid"});
     r.add("tfGridWidth", "Content width (%)", K::Text, "90");
     r.add("ifNumberOfColumns", "Columns", K::Number, "4", {"tfNumberOfColumns"});
-    r.add("ifNumberOfRows", "Rows", K::Number, "3", {"tfNumberOfRows"});
+    r.add("ifNumberOfRows", "Rows", K::Number, "5", {"tfNumberOfRows"});
 
     r.section = "Captions";
     // Off by default: names would overflow the fixed grid cells.
@@ -59,13 +59,13 @@ void cResponsiveDesign::registerControls(ControlRegistry& registry) {
           KindControls::weightItems());
     r.add("scTitleTxtAlign", "Heading alignment", K::Segmented, "1", {"scPresetTitleTxtAlign"},
           KindControls::alignmentItems());
-    r.add("pbFileNameFontSize", "File name size", K::PopupTitle, "14px",
+    r.add("pbFileNameFontSize", "File name size", K::PopupTitle, "15px",
           {"pbPresetFileNameFontSize"}, KindControls::fontSizeItems());
     r.add("pbFileNameFontWeight", "File name weight", K::PopupTitle, "Medium", {},
           KindControls::weightItems());
     r.add("scFilenameTxtAlign", "File name alignment", K::Segmented, "1",
           {"scPresetFilenameTxtAlign"}, KindControls::alignmentItems());
-    r.add("pbExifUserCommentFontSize", "Caption size", K::PopupTitle, "13px",
+    r.add("pbExifUserCommentFontSize", "Caption size", K::PopupTitle, "15px",
           {"pbPresetExifUserCommentFontSize"}, KindControls::fontSizeItems());
     r.add("pbExifUserCommentFontWeight", "Caption weight", K::PopupTitle, "Regular", {},
           KindControls::weightItems());
@@ -86,8 +86,8 @@ void cResponsiveDesign::registerControls(ControlRegistry& registry) {
           {"tfNSColorWellObjUserExifCommentCt", "ascNSColorWellObjUserExifCommentCt"});
 
     r.section = "Thumbnails";
-    r.add("tfSmallCropWidth", "Width", K::Number, "200");
-    r.add("tfSmallCropHeight", "Height", K::Number, "150");
+    r.add("tfSmallCropWidth", "Width", K::Number, "400");
+    r.add("tfSmallCropHeight", "Height", K::Number, "300");
     r.add("pubPhotoRatio", "Aspect ratio", K::PopupIndex, "0", {},
           {"Free", "1:1", "3:2", "2:3", "3:1", "4:3", "3:4", "12:9", "16:9"});
     r.add("pubThumbAction", "Scaling", K::PopupIndex, "0", {},

@@ -476,6 +476,18 @@ RunResult cResponsiveDesign::run(const QList<PhotoEntry>& photos, const Settings
                                 "(Thumbnail size: %1)")
                      .arg(g.image.thumb.size),
                  false);
+    const qint64 perPage = qint64(g.columns) * g.rows;
+    if (photos.size() % perPage == 0)  // the page count of an exact multiple is 0
+        ui.alert(QStringLiteral("No page will be written"),
+                 QStringLiteral("%1 photos fill exactly %2 pages of %3 photos (%4 columns x %5 "
+                                "rows); an exact multiple gives no page. Change the rows or the "
+                                "columns, or the number of photos.")
+                     .arg(photos.size())
+                     .arg(photos.size() / perPage)
+                     .arg(perPage)
+                     .arg(g.columns)
+                     .arg(g.rows),
+                 false);
     ui.progressStep(0.2);
 
     // Captions (read in photo order with one metadata reader) and the page texts.

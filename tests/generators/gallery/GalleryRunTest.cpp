@@ -152,7 +152,7 @@ TEST(GalleryRun, PageTextsOfBothModels) {
     const QString css = readText(table + "KLcss/klGScss.css");
     EXPECT_TRUE(css.contains("(max-width: 6000px)"));
     EXPECT_TRUE(css.contains("font-size:32px;\nfont-weight:700;\n"));
-    EXPECT_TRUE(css.contains("font-size:14px;\nfont-weight:900;\n"));
+    EXPECT_TRUE(css.contains("font-size:15px;\nfont-weight:900;\n"));
 
     const QStringList settings(
         {"pubPhotoGalleryModel=2", "cbCaptionStatus=1", "pbFontFamily=Exo 2", "tfHTMLfileName=page",
