@@ -39,6 +39,7 @@ SettingsForm::SettingsForm(const QString& outputKind, SettingsStore& store, QWid
     layout->addWidget(sections_);
 
     for (const ControlSpec* control : store.registry().controls(outputKind)) {
+        if (control->section.isEmpty()) continue;  // kept with presets, no effect on a run
         QFormLayout*& form = forms_[control->section];
         if (!form) {
             // A page may be taller than the room the other section titles leave: it scrolls.

@@ -28,7 +28,8 @@ QString controlKindName(ControlKind kind);
 struct ControlSpec {
     QString name;
     QString label;       // what the window shows, such as "Thumbnail width"
-    QString section;     // the group of the window it is shown in, such as "Thumbnails"
+    QString section;     // the group of the window it is shown in, such as "Thumbnails";
+                         // empty for a value presets keep that no run reads (not shown)
     QString outputKind;  // "gallery", "slideshow", "grid"
     ControlKind kind = ControlKind::Text;
     QString defaultValue;

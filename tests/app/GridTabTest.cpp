@@ -21,12 +21,16 @@ TEST(GridTab, FormShowsEveryControl) {
     SettingsForm form(QStringLiteral("grid"), store);
     QStringList labels;
     for (const ControlSpec* c : OutputKinds::registry().controls("grid")) {
+        if (c->section.isEmpty()) {  // values presets keep and no run reads are not shown
+            EXPECT_FALSE(form.findChild<QWidget*>(c->name)) << qPrintable(c->name);
+            continue;
+        }
         labels << c->section + u'/' + c->label;
         EXPECT_TRUE(!c->label.isEmpty() && !c->section.isEmpty() &&
                     labels.count(labels.last()) == 1 && form.findChild<QWidget*>(c->name))
             << qPrintable(c->name);
     }
-    EXPECT_GE(labels.size(), 30);
+    EXPECT_GE(labels.size(), 25);
 }
 
 // The grid comes after the gallery (the slideshow, when there, between them) and is the one tab

@@ -14,11 +14,11 @@
 #include <QTableWidget>
 #include <QTreeWidget>
 
-#include "generators/OutputKinds.h"
 #include "app/MetadataPanels.h"
 #include "app/SettingsForm.h"
 #include "app/ToolsPanels.h"
 #include "app/ToolsWindow.h"
+#include "generators/OutputKinds.h"
 #include "support/TestSupport.h"
 
 // The application object comes from AppTest.cpp's environment.

@@ -9,6 +9,7 @@
 #include <QLocalSocket>
 #include <QMessageBox>
 #include <QProcess>
+#include <QTabWidget>
 #include <QThread>
 
 #include "app/MainWindow.h"
@@ -154,4 +155,18 @@ TEST(WindowStartTest, AboutBoxShowsTheVersion) {
     ASSERT_NE(box, nullptr);
     EXPECT_EQ(box->text().toStdString() + "\n", version.toStdString());
     box->close();
+}
+
+// The window fits a 1366 x 768 screen (less a panel and the title bar) whichever tab is shown;
+// the settings scroll instead of growing the window.
+TEST(WindowStartTest, FitsASmallLaptopScreen) {
+    MainWindow window;
+    auto* tabs = window.findChild<QTabWidget*>();
+    ASSERT_NE(tabs, nullptr);
+    for (int i = 0; i < tabs->count(); ++i) {
+        tabs->setCurrentIndex(i);
+        const QSize needed = window.minimumSizeHint().expandedTo(window.minimumSize());
+        EXPECT_LE(needed.width(), 1366) << tabs->tabText(i).toStdString();
+        EXPECT_LE(needed.height(), 700) << tabs->tabText(i).toStdString();
+    }
 }

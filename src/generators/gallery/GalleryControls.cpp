@@ -150,9 +150,10 @@ void cResponsiveDesign::registerControls(ControlRegistry& registry) {
     r.add("pubTbPatternOpacity", "Opacity", K::PopupIndex, "2", {"pubTbRdPatternOpacity"},
           KindControls::patternOpacityItems());
 
-    // Kept in presets, not read by the run.
-    r.section = "Preset extras";
-    r.add("btShowEXIFucd", "Show EXIF user comment", K::Checkbox, "0");
-    r.add("cbTableTypeTable", "Table page type", K::Checkbox, "0");
-    r.add("cbTableTypeResponsive", "Responsive page type", K::Checkbox, "1");
+    // Kept in presets, not read by the run: not shown in the window.
+    r.section = "";
+    r.add("btShowEXIFucd", "Show EXIF user comment (kept in presets; no effect)", K::Checkbox, "0");
+    r.add("cbTableTypeTable", "Table page type (kept in presets; no effect)", K::Checkbox, "0");
+    r.add("cbTableTypeResponsive", "Responsive page type (kept in presets; no effect)", K::Checkbox,
+          "1");
 }

@@ -64,10 +64,15 @@ void cResponsiveGrid::registerControls(ControlRegistry& registry) {
     r.add("pubRgPatternOpacity", "Opacity", K::PopupIndex, "2", {},
           KindControls::patternOpacityItems());
 
-    // Kept in presets and passed along, but the page does not change with them.
-    r.section = "Extras (no effect on the page)";
-    r.add("pubRespLightboxBg", "Lightbox backdrop", K::PopupIndex, "0", {}, {"Colour and opacity"});
-    r.add("pubRespGridMode", "Grid mode", K::PopupIndex, "0", {}, {"Dense"});
-    r.add("pubRespDesignTemplateChoice", "Template", K::PopupIndex, "0", {}, {"Responsive grid"});
-    r.add("tfmaxNumberOfPhotosPerPage", "Photos per page", K::Number, "0");
+    // Kept in presets and passed along, but the page does not change with them: not shown in the
+    // window.
+    r.section = "";
+    r.add("pubRespLightboxBg", "Lightbox backdrop (kept in presets; no effect)", K::PopupIndex, "0",
+          {}, {"Colour and opacity"});
+    r.add("pubRespGridMode", "Grid mode (kept in presets; no effect)", K::PopupIndex, "0", {},
+          {"Dense"});
+    r.add("pubRespDesignTemplateChoice", "Template (kept in presets; no effect)", K::PopupIndex,
+          "0", {}, {"Responsive grid"});
+    r.add("tfmaxNumberOfPhotosPerPage", "Photos per page (kept in presets; no effect)", K::Number,
+          "0");
 }
