@@ -1,9 +1,10 @@
 // A generated Responsive Grid in Chromium at a 1400-pixel window: cell spans measured from the
-// boxes, the column count, the lightbox across both of its groups, the hover magnification.
+// boxes, the column count, the lightbox across both of its groups and its deep links, the hover
+// magnification.
 import assert from 'node:assert/strict';
 import path from 'node:path';
 import { after, before, test } from 'node:test';
-import { freshDir, generate, launch, makePhotos, open, outputRoot } from './support.mjs';
+import { freshDir, generate, launch, makePhotos, open, outputRoot, pageUrl } from './support.mjs';
 
 const VIEWPORT = { width: 1400, height: 900 };
 let browser;
@@ -134,6 +135,35 @@ test('a click opens the big image with its caption; next, previous and Escape cr
     assert.equal((await state(page)).open, false);
     assert.deepEqual(page.errors, []);
     await page.close();
+});
+
+test('offline: a deep link opens its photo, the fragment follows it and Escape removes it', async () => {
+    const offline = await launch(VIEWPORT, { offline: true });
+    try {
+        const file = grid('deeplink', { tfRGMaxColumns: 6 });
+        const page = await offline.newPage();
+        const errors = [];
+        page.on('pageerror', (e) => errors.push(String(e)));
+        await page.goto(`${pageUrl(file)}#photo=photo03.jpeg`);
+        await waitForPhoto(page, 'photo03');
+        assert.deepEqual(await state(page), { open: true, prev: true, next: true, caption: 'photo03' });
+        for (const [key, name] of [['ArrowLeft', 'photo02'], ['ArrowLeft', 'photo01'], ['ArrowLeft', 'photo01']]) {
+            await page.keyboard.press(key);
+            await waitForPhoto(page, name);
+            assert.equal(new URL(page.url()).hash, `#photo=${name}.jpeg`);
+        }
+        await page.keyboard.press('Escape');
+        assert.equal((await state(page)).open, false);
+        assert.equal(page.url(), pageUrl(file));
+        // A click opens the lightbox without jQuery too, and names the photo in the address.
+        await page.locator('.klovlImage4 a').click();
+        await waitForPhoto(page, 'photo01');
+        assert.equal(new URL(page.url()).hash, '#photo=photo01.jpeg');
+        assert.deepEqual(errors, []);
+        await page.close();
+    } finally {
+        await offline.closeAll();
+    }
 });
 
 test('the hover magnification applies only when switched on', async () => {

@@ -1,11 +1,11 @@
 // File names that need percent-encoding in links: every thumbnail shows and every big image
-// behind a link loads, in Chromium.
+// behind a link loads, in Chromium; the lightbox's deep link to each photo opens that photo.
 import assert from 'node:assert/strict';
 import { execFileSync } from 'node:child_process';
 import fs from 'node:fs';
 import path from 'node:path';
 import { after, before, test } from 'node:test';
-import { freshDir, generate, launch, open } from './support.mjs';
+import { freshDir, generate, launch, open, pageUrl } from './support.mjs';
 
 const NAMES = ['a#b', 'what?', '100%', 'two words', 'semi;colon', 'Ünïcødé', 'amp&er', 'plain-name_1'];
 let browser;
@@ -48,6 +48,33 @@ test('every thumbnail and big image of an odd file name loads', async () => {
     for (const t of result.thumbs) assert.ok(t.ok, `thumbnail of ${t.alt}`);
     assert.equal(result.bigs.length, NAMES.length);
     for (const b of result.bigs) assert.ok(b.ok, `big image of ${b.title}`);
+    assert.deepEqual(page.errors, []);
+    await page.close();
+});
+
+test('the deep link of every odd file name names it and opens it again', async () => {
+    const page = await open(browser, pageFile);
+    const anchors = await page.$$eval('.klOVimg a', (as) => as.map((a) => a.getAttribute('href')));
+    const shown = () => page.evaluate(() => document.querySelector('.klOVlightbox img')?.getAttribute('src'));
+    const links = [];
+    for (const [i, href] of anchors.entries()) {
+        await page.locator('.klOVimg a').nth(i).click();
+        await page.waitForFunction((h) => document.querySelector('.klOVlightbox img')?.getAttribute('src') === h, href);
+        const hash = new URL(page.url()).hash;
+        assert.ok(hash.startsWith('#photo='), hash);
+        const name = decodeURIComponent(hash.slice('#photo='.length));
+        assert.equal(name, decodeURIComponent(href.replace(/^.*\//, '')), 'the fragment names the big image');
+        assert.ok(NAMES.includes(name.replace(/\.jpeg$/, '')), name);
+        links.push([page.url(), href]);
+        await page.keyboard.press('Escape');
+    }
+    for (const [url, href] of links) {
+        await page.goto('about:blank');
+        await page.goto(url);
+        await page.waitForFunction((h) => document.querySelector('.klOVlightbox img')?.getAttribute('src') === h, href);
+        assert.equal(page.url(), url, 'the fragment stays as it was');
+        assert.equal(await shown(), href);
+    }
     assert.deepEqual(page.errors, []);
     await page.close();
 });

@@ -1,5 +1,6 @@
 // Shared helpers of the browser tests: synthetic photos, gallery generation and a Chromium
-// that sees no network but the files on disk and the two CDNs the pages use (served locally).
+// that sees no network but the files on disk and the two CDNs the pages use (served locally),
+// or nothing but the files on disk.
 import { execFileSync } from 'node:child_process';
 import fs from 'node:fs';
 import os from 'node:os';
@@ -47,7 +48,8 @@ export function generate(out, settings, photos, how = {}) {
 }
 
 // A browser with a fresh profile; every request off the disk is answered locally or refused.
-export async function launch(viewport = { width: 1100, height: 800 }) {
+// Offline, every one is refused, the CDN's jQuery too.
+export async function launch(viewport = { width: 1100, height: 800 }, { offline = false } = {}) {
     const profile = fs.mkdtempSync(path.join(os.tmpdir(), 'orvella-chromium-'));
     const context = await chromium.launchPersistentContext(profile, {
         executablePath: '/usr/bin/chromium', headless: true, viewport,
@@ -56,6 +58,7 @@ export async function launch(viewport = { width: 1100, height: 800 }) {
     await context.route('**/*', (route) => {
         const url = new URL(route.request().url());
         if (url.protocol === 'file:' || url.protocol === 'data:') return route.continue();
+        if (offline) return route.abort('internetdisconnected');
         if (url.hostname === 'ajax.googleapis.com' && url.pathname.endsWith('/jquery.min.js')) {
             return route.fulfill({ status: 200, contentType: 'application/javascript', body: jquery });
         }
