@@ -27,6 +27,7 @@
 #include "app/PhotoCellDelegate.h"
 #include "app/PhotoGridView.h"
 #include "app/PresetsPanel.h"
+#include "app/ProjectActions.h"
 #include "app/SettingsForm.h"
 #include "app/SupportDialogs.h"
 #include "app/ToolsWindow.h"
@@ -56,6 +57,16 @@ MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), settings_(OutputK
 
     auto* splitter = new QSplitter;
     splitter->addWidget(makeCollectionPanel());
+    projects_ = new ProjectActions(
+        {this, collection_, &settings_, ui_, [this] { return tabs_ ? tabs_->currentIndex() : 0; },
+         [this](int tab) { tabs_->setCurrentIndex(tab); }},
+        this);
+    connect(projects_, &ProjectActions::settingsLoaded, this, [this] {
+        for (SettingsForm* form : forms_) form->refresh();
+    });
+    connect(projects_, &ProjectActions::photosOpened, this, &MainWindow::makeCellImages);
+    connect(projects_, &ProjectActions::message, statusBar(),
+            [this](const QString& text) { statusBar()->showMessage(text); });
     tabs_ = new QTabWidget;
     for (const OutputKind& kind : OutputKinds::all()) tabs_->addTab(makeKindTab(kind), kind.title);
     // The Highlight box means something only to the kinds that show highlighted photos larger.
@@ -73,6 +84,8 @@ MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), settings_(OutputK
     QMenu* file = menuBar()->addMenu(tr("&File"));
     file->addAction(tr("Add Photos…"), QKeySequence::Open, this, &MainWindow::choosePhotos);
     file->addSeparator();
+    projects_->addToMenu(file);
+    file->addSeparator();
     file->addAction(tr("Preferences…"), QKeySequence::Preferences, this,
                     &MainWindow::showPreferences);
     file->addSeparator();
@@ -82,6 +95,7 @@ MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), settings_(OutputK
     help->addAction(tr("About Orvella"), this, &MainWindow::showAbout)
         ->setObjectName(QStringLiteral("actionAbout"));
     resize(1200, 780);
+    projects_->markSaved();  // what the window starts with is nothing to lose
 }
 
 QWidget* MainWindow::makeCollectionPanel() {
@@ -217,6 +231,7 @@ QWidget* MainWindow::makeKindTab(const OutputKind& kind) {
         auto* chooser = new PatternChooser(letters, pathControl, settings_);
         connect(chooser, &PatternChooser::chosen, form, &SettingsForm::refresh);
         connect(presets, &PresetsPanel::loaded, chooser, &PatternChooser::showPreview);
+        connect(projects_, &ProjectActions::settingsLoaded, chooser, &PatternChooser::showPreview);
         form->addToSection(path->section, chooser);
     }
 
@@ -303,12 +318,9 @@ int MainWindow::openFiles(const QStringList& paths) {
 }
 
 void MainWindow::openProject(const QString& file) {
-    // Opening a project from the desktop or the command line starts here, once projects can be
-    // opened; until then the user is told.
-    ui_->alert(tr("The project cannot be opened."),
-               tr("%1\n\nThis version of Orvella cannot open projects yet.")
-                   .arg(QDir::toNativeSeparators(file)),
-               false);
+    // After the caller is done: the question about unsaved changes may wait for the user.
+    QMetaObject::invokeMethod(
+        this, [this, file] { projects_->openGivenProject(file); }, Qt::QueuedConnection);
 }
 
 void MainWindow::askForSupportRoot() {
@@ -464,6 +476,10 @@ void MainWindow::runFinished() {
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
+    if (!projects_->maySetAsideChanges()) {
+        event->ignore();
+        return;
+    }
     if (!run_.isRunning()) {
         event->accept();
         return;

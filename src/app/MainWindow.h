@@ -8,6 +8,7 @@
 
 class CollectionDragModel;
 class PhotoGridView;
+class ProjectActions;
 class QCheckBox;
 class QLabel;
 class QLineEdit;
@@ -35,6 +36,8 @@ class MainWindow : public QMainWindow {
     // The first start asks for the support folder.
     void askForSupportRoot();
     void showPreferences();
+    // Save Project…, Open Project…, recent projects and the unsaved-changes question.
+    ProjectActions* projectActions() const { return projects_; }
 
   protected:
     void closeEvent(QCloseEvent* event) override;
@@ -73,4 +76,5 @@ class MainWindow : public QMainWindow {
     QString runKindTitle_;
     QObject* adding_ = nullptr;  // the header reader of photos being added
     QStringList pendingFiles_;   // photos to add once it is done
+    ProjectActions* projects_ = nullptr;
 };

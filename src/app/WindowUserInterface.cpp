@@ -3,6 +3,7 @@
 #include <QDesktopServices>
 #include <QMessageBox>
 #include <QProgressBar>
+#include <QPushButton>
 #include <QUrl>
 #include <QWidget>
 
@@ -50,4 +51,22 @@ void WindowUserInterface::progressStop() {
 
 void WindowUserInterface::openUrl(const QString& url) {
     QMetaObject::invokeMethod(this, [url] { QDesktopServices::openUrl(QUrl(url)); });
+}
+
+UserInterface::SaveAnswer WindowUserInterface::askToSave(const QString& question,
+                                                         const QString& detail) {
+    QMessageBox box(QMessageBox::Warning, question, question,
+                    QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, window_);
+    box.setInformativeText(detail);
+    box.setDefaultButton(QMessageBox::Save);
+    box.button(QMessageBox::Discard)->setText(tr("Don't Save"));
+    box.setWindowModality(Qt::WindowModal);
+    switch (box.exec()) {
+        case QMessageBox::Save:
+            return SaveAnswer::Save;
+        case QMessageBox::Discard:
+            return SaveAnswer::DontSave;
+        default:
+            return SaveAnswer::Cancel;
+    }
 }

@@ -21,6 +21,8 @@ class WindowUserInterface : public QObject, public UserInterface {
     void progressStep(double increment) override;
     void progressStop() override;
     void openUrl(const QString& url) override;
+    // Asked at once, on the window's thread, in a dialog modal to the window.
+    SaveAnswer askToSave(const QString& question, const QString& detail) override;
     bool isCancelled() const override { return cancelled_; }
 
     void requestCancel() { cancelled_ = true; }

@@ -10,7 +10,8 @@ namespace cli {
 const std::vector<Command>& commands() {
     static const std::vector<Command> all = {
         metaCommand(),      imageCommand(),       generateCommand(), settingsCommand(),
-        watermarkCommand(), updateCheckCommand(), presetCommand(),   supportCommand()};
+        watermarkCommand(), updateCheckCommand(), presetCommand(),   supportCommand(),
+        projectCommand()};
     return all;
 }
 

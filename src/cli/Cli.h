@@ -11,6 +11,8 @@ class SettingsStore;
 // The command line: `orvella COMMAND [ARGS...]`. It parses arguments, builds settings and calls
 // the core, nothing more.
 class SettingsStore;
+class PhotoCollection;
+struct OutputKind;
 
 namespace cli {
 
@@ -39,6 +41,7 @@ Command watermarkCommand();
 Command updateCheckCommand();
 Command presetCommand();
 Command supportCommand();
+Command projectCommand();
 
 // The batch and EXIF-completion verbs of `orvella meta` (args after the verb).
 int metaBatch(const QStringList& args, Io& io);
@@ -48,6 +51,30 @@ int metaComplete(const QStringList& args, Io& io);
 // the exit code to stop with, or 0.
 int loadPresetForGenerate(const QString& kind, const QString& nameOrFile, SettingsStore& settings,
                           Io& io);
+
+// The photos of a run and what is done to them, as `generate` and `project save` take them.
+struct PhotoSelection {
+    QStringList inputs;  // photos and folders, in order
+    QString sort;        // "", "az" or "za"
+    QStringList unpublish, highlight;
+    QString preset;
+    QStringList sets;  // NAME=VALUE
+};
+// Takes args[i] (and its value, moving i past it) when it is --preset, --set, --sort,
+// --unpublish or --highlight: true when taken, with `error` set when its value is wrong.
+bool takeSelectionOption(const QStringList& args, int& i, PhotoSelection& selection,
+                         QString* error);
+// Takes the value of --threads at args[i + 1]; false when it is not a whole number.
+bool takeThreads(const QStringList& args, int& i, int* threads);
+// Settings of `kind` (defaults, then the preset, then the --set values) and the collection of the
+// photos, sorted and flagged. 0, or the exit code to stop with; messages begin with `prefix`.
+int makeSelection(const OutputKind& kind, const PhotoSelection& selection, SettingsStore& settings,
+                  PhotoCollection& collection, Io& io, const QString& prefix);
+// Writes the site of `kind` of the collection's published photos into `out` and prints its first
+// page: what `generate` does once its photos and settings are made. Returns the exit code.
+int writeSite(const OutputKind& kind, const PhotoCollection& collection,
+              const SettingsStore& settings, const QString& out, int threads, bool open, Io& io,
+              const QString& prefix);
 
 const std::vector<Command>& commands();
 

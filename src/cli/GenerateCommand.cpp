@@ -41,7 +41,7 @@ const char* const kHelp =
     "  --preset NAME|FILE    start from a preset: a path that exists is a preset file, anything\n"
     "                        else a stored preset of that kind (see `orvella preset`); --set\n"
     "                        values override it\n"
-    "  --project FILE        not available yet\n"
+    "  --project FILE        see `orvella project build`\n"
     "\n"
     "Exit codes: 0 done, 1 a file could not be read or written (each is named on stderr),\n"
     "2 wrong usage or a run refused by an alert.\n";
@@ -49,13 +49,13 @@ const char* const kHelp =
 // Alerts and progress on the terminal.
 class TerminalUserInterface : public UserInterface {
   public:
-    explicit TerminalUserInterface(Io& io) : io_(io) {}
+    TerminalUserInterface(Io& io, const QString& prefix) : io_(io), prefix_(prefix) {}
 
     void alert(const QString& title, const QString& description, bool stopsRun) override {
         endBar();
         const QString text = description.trimmed();
         if (stopsRun) {
-            io_.err << "orvella generate: " << title << " " << text << "\n";
+            io_.err << prefix_ << ": " << title << " " << text << "\n";
             stopped = true;
         } else {
             io_.err << "warning: " << title << ": " << text << "\n";
@@ -76,6 +76,12 @@ class TerminalUserInterface : public UserInterface {
         // Not through QDesktopServices: the command line runs without a GUI application.
         if (!QProcess::startDetached(QStringLiteral("xdg-open"), {url}))
             io_.err << "warning: could not open " << url << "\n";
+    }
+    // Nobody answers on the command line: nothing is given up.
+    SaveAnswer askToSave(const QString& question, const QString& detail) override {
+        endBar();
+        io_.err << prefix_ << ": " << question << " " << detail << " (not answered: cancelled)\n";
+        return SaveAnswer::Cancel;
     }
 
     bool stopped = false;
@@ -99,10 +105,13 @@ class TerminalUserInterface : public UserInterface {
     }
 
     Io& io_;
+    QString prefix_;
     double value_ = 0;
     int drawn_ = -1;
     bool barShown_ = false;
 };
+
+const char* const kThreadsUsage = "--threads takes a whole number (0: one per core)";
 
 int usage(Io& io, const QString& message) {
     io.err << "orvella generate: " << message << "\n";
@@ -111,76 +120,108 @@ int usage(Io& io, const QString& message) {
 
 int generate(const OutputKind& kind, const QStringList& args, Io& io) {
     QString out;
-    QString sort;
-    QStringList unpublish, highlight, inputs;
     bool open = false;
     int threads = 0;
-    SettingsStore settings(OutputKinds::registry());
-    QString preset;
-    QStringList sets;
+    PhotoSelection selection;
 
     for (int i = 0; i < args.size(); ++i) {
         const QString& a = args[i];
-        auto value = [&](QString* target) {
-            if (i + 1 >= args.size()) return false;
-            *target = args[++i];
-            return true;
-        };
-        QString v;
-        if (a == u"--out") {
-            if (!value(&out)) return usage(io, "--out needs a folder");
+        QString error;
+        if (takeSelectionOption(args, i, selection, &error)) {
+            if (!error.isEmpty()) return usage(io, error);
+        } else if (a == u"--out") {
+            if (i + 1 >= args.size()) return usage(io, "--out needs a folder");
+            out = args[++i];
         } else if (a == u"--project") {
-            return usage(io, a + " is not available yet");
-        } else if (a == u"--preset") {
-            if (!value(&preset) || preset.isEmpty()) return usage(io, "--preset needs NAME|FILE");
-        } else if (a == u"--set") {
-            if (!value(&v)) return usage(io, "--set needs NAME=VALUE");
-            sets.append(v);
-        } else if (a == u"--sort") {
-            if (!value(&sort) || (sort != u"az" && sort != u"za"))
-                return usage(io, "--sort takes az or za");
-        } else if (a == u"--unpublish") {
-            if (!value(&v)) return usage(io, "--unpublish needs a file name");
-            unpublish.append(v);
-        } else if (a == u"--highlight") {
-            if (!value(&v)) return usage(io, "--highlight needs a file name");
-            highlight.append(v);
+            return usage(io,
+                         a + ": a project is built with `orvella project build FILE --out DIR`");
         } else if (a == u"--threads") {
-            static const QRegularExpression digits(QStringLiteral("^\\d+$"));
-            if (!value(&v) || !digits.match(v).hasMatch())
-                return usage(io, "--threads takes a whole number (0: one per core)");
-            threads = TextValues::intValue(v);
+            if (!takeThreads(args, i, &threads)) return usage(io, kThreadsUsage);
         } else if (a == u"--open") {
             open = true;
         } else if (a.startsWith(u"--")) {
             return usage(io, "unknown option " + a);
         } else {
-            inputs.append(a);
+            selection.inputs.append(a);
         }
     }
     if (out.isEmpty()) return usage(io, "--out DIR is required");
+
+    SettingsStore settings(OutputKinds::registry());
+    PhotoCollection collection;
+    const QString prefix = QStringLiteral("orvella generate");
+    if (const int code = makeSelection(kind, selection, settings, collection, io, prefix))
+        return code;
+    return writeSite(kind, collection, settings, out, threads, open, io, prefix);
+}
+
+}  // namespace
+
+bool takeSelectionOption(const QStringList& args, int& i, PhotoSelection& selection,
+                         QString* error) {
+    const QString& a = args[i];
+    auto value = [&](QString* target) {
+        if (i + 1 >= args.size()) return false;
+        *target = args[++i];
+        return true;
+    };
+    QString v;
+    if (a == u"--preset") {
+        if (!value(&selection.preset) || selection.preset.isEmpty())
+            *error = QStringLiteral("--preset needs NAME|FILE");
+    } else if (a == u"--set") {
+        if (!value(&v)) *error = QStringLiteral("--set needs NAME=VALUE");
+        selection.sets.append(v);
+    } else if (a == u"--sort") {
+        if (!value(&selection.sort) || (selection.sort != u"az" && selection.sort != u"za"))
+            *error = QStringLiteral("--sort takes az or za");
+    } else if (a == u"--unpublish") {
+        if (!value(&v)) *error = QStringLiteral("--unpublish needs a file name");
+        selection.unpublish.append(v);
+    } else if (a == u"--highlight") {
+        if (!value(&v)) *error = QStringLiteral("--highlight needs a file name");
+        selection.highlight.append(v);
+    } else {
+        return false;
+    }
+    return true;
+}
+
+bool takeThreads(const QStringList& args, int& i, int* threads) {
+    static const QRegularExpression digits(QStringLiteral("^\\d+$"));
+    if (i + 1 >= args.size() || !digits.match(args[i + 1]).hasMatch()) return false;
+    *threads = TextValues::intValue(args[++i]);
+    return true;
+}
+
+int makeSelection(const OutputKind& kind, const PhotoSelection& selection, SettingsStore& settings,
+                  PhotoCollection& collection, Io& io, const QString& prefix) {
+    auto usage = [&](const QString& message) {
+        io.err << prefix << ": " << message << "\n";
+        return int(kUsage);
+    };
     // The defaults, then the preset, then the --set values.
-    if (!preset.isEmpty())
-        if (const int code = loadPresetForGenerate(kind.name, preset, settings, io)) return code;
-    for (const QString& set : sets) {
+    if (!selection.preset.isEmpty())
+        if (const int code = loadPresetForGenerate(kind.name, selection.preset, settings, io))
+            return code;
+    for (const QString& set : selection.sets) {
         QString error;
-        if (!applySetting(settings, kind.name, set, &error)) return usage(io, error);
+        if (!applySetting(settings, kind.name, set, &error)) return usage(error);
     }
 
-    for (const QString& input : inputs)
-        if (!QFileInfo::exists(input)) return usage(io, "no such file or folder: " + input);
+    for (const QString& input : selection.inputs)
+        if (!QFileInfo::exists(input)) return usage("no such file or folder: " + input);
     QStringList paths;
-    for (const QString& file : expandFolders(inputs))
+    for (const QString& file : expandFolders(selection.inputs))
         paths.append(QFileInfo(file).absoluteFilePath());
 
-    PhotoCollection collection;
     collection.setCellImageSize(0);
     collection.appendPhotos(paths);
     // A photo that could not be read is named, the run goes on, and the exit code tells.
     for (const QString& skipped : collection.skippedPhotos())
-        io.err << "orvella generate: skipped " << skipped << "\n";
-    if (sort == u"az") collection.setSortingModeAz();
-    if (sort == u"za") collection.setSortingModezA();
+        io.err << prefix << ": skipped " << skipped << "\n";
+    if (selection.sort == u"az") collection.setSortingModeAz();
+    if (selection.sort == u"za") collection.setSortingModezA();
 
     auto setFlag = [&](const QStringList& names, const char* option, bool highlightFlag) {
         for (const QString& name : names) {
@@ -195,33 +236,36 @@ int generate(const OutputKind& kind, const QStringList& args, Io& io) {
                     collection.setSelect(row, false);
             }
             if (!found) {
-                usage(io, QStringLiteral("%1: no photo named \"%2\"").arg(option, name));
+                usage(QStringLiteral("%1: no photo named \"%2\"").arg(option, name));
                 return false;
             }
         }
         return true;
     };
-    if (!setFlag(unpublish, "--unpublish", false) || !setFlag(highlight, "--highlight", true))
+    if (!setFlag(selection.unpublish, "--unpublish", false) ||
+        !setFlag(selection.highlight, "--highlight", true))
         return kUsage;
+    return kOk;
+}
 
+int writeSite(const OutputKind& kind, const PhotoCollection& collection,
+              const SettingsStore& settings, const QString& out, int threads, bool open, Io& io,
+              const QString& prefix) {
     QString destination = QFileInfo(out).absoluteFilePath();
     if (!QDir().mkpath(destination)) {
-        io.err << "orvella generate: cannot create the folder " << destination << "\n";
+        io.err << prefix << ": cannot create the folder " << destination << "\n";
         return kFailed;
     }
     if (!destination.endsWith(u'/')) destination += u'/';
 
-    TerminalUserInterface ui(io);
+    TerminalUserInterface ui(io, prefix);
     const RunResult result = kind.run(collection.hGetPhotosFromArrayController(), settings, ui,
                                       RunOptions{destination, threads, open});
     if (!result.ok || ui.stopped) return kUsage;
-    for (const QString& failure : result.failures)
-        io.err << "orvella generate: " << failure << "\n";
+    for (const QString& failure : result.failures) io.err << prefix << ": " << failure << "\n";
     io.out << result.firstPage << "\n";
     return result.failures.isEmpty() && collection.skippedPhotos().isEmpty() ? kOk : kFailed;
 }
-
-}  // namespace
 
 Command generateCommand() {
     return {QStringLiteral("generate"), "write a web site of photos (" + OutputKinds::names() + ")",

@@ -70,6 +70,8 @@ class PhotoCollection : public QAbstractListModel {
     void setSortingModeAz();
     void setSortingModezA();
     Sort sortMode() const { return sort_; }
+    // No sort rule from now on: records keep the order they are given in (an opened project).
+    void clearSortRule() { sort_ = Sort::None; }
 
     // The drop of a drag of these display positions at drop index D, moving records exactly as the
     // established algorithm does (including its multi-item behaviour). Returns true.

@@ -5,10 +5,9 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <QUrl>
-#include <QXmlStreamReader>
-#include <QXmlStreamWriter>
 #include <cmath>
 
+#include "presets/PropertyListFile.h"
 #include "presets/SettingsStore.h"
 #include "presets/dbViewController.h"
 #include "services/AtomicFile.h"
@@ -325,42 +324,12 @@ const PresetLayout* cPresetManager::layoutOf(const PresetDictionary& dictionary)
     return nullptr;
 }
 
-namespace {
-
-// Characters XML 1.0 cannot carry.
-bool isXmlText(const QString& text) {
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        const char16_t c = text[i].unicode();
-        if (c < 0x20 && c != u'\t' && c != u'\n' && c != u'\r') return false;
-        if (c == 0xFFFE || c == 0xFFFF) return false;
-        if (QChar::isHighSurrogate(c)) {
-            if (i + 1 >= text.size() || !text[i + 1].isLowSurrogate()) return false;
-            ++i;
-        } else if (QChar::isLowSurrogate(c)) {
-            return false;
-        }
-    }
-    return true;
-}
-
-}  // namespace
-
 bool cPresetManager::writePresetFile(const QString& path, const PresetDictionary& dictionary,
                                      QString* message) {
-    QByteArray bytes;
-    QXmlStreamWriter xml(&bytes);
-    xml.setAutoFormatting(true);
-    xml.setAutoFormattingIndent(-1);
-    xml.writeStartDocument();
-    xml.writeDTD(
-        QStringLiteral("<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
-                       "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">"));
-    xml.writeStartElement(QStringLiteral("plist"));
-    xml.writeAttribute(QStringLiteral("version"), QStringLiteral("1.0"));
-    xml.writeStartElement(QStringLiteral("dict"));
+    PlistDictionary root;
     for (int field = 0; field < kFields; ++field) {
         const QString value = dictionary.value(key(field));
-        if (!isXmlText(value)) {
+        if (!PropertyListFile::isXmlText(value)) {
             if (message)
                 *message = QStringLiteral(
                                "%1: field %2 holds characters a preset file cannot "
@@ -369,21 +338,10 @@ bool cPresetManager::writePresetFile(const QString& path, const PresetDictionary
                                .arg(field);
             return false;
         }
-        xml.writeTextElement(QStringLiteral("key"), key(field));
-        // Carriage returns as references: a reader would turn a literal one into a line feed.
-        xml.writeStartElement(QStringLiteral("string"));
-        const QStringList parts = value.split(u'\r');
-        for (qsizetype i = 0; i < parts.size(); ++i) {
-            if (i > 0) xml.writeEntityReference(QStringLiteral("#13"));
-            xml.writeCharacters(parts[i]);
-        }
-        xml.writeEndElement();
+        root.insert(key(field), value);
     }
-    xml.writeEndElement();
-    xml.writeEndElement();
-    xml.writeEndDocument();
     QString error;
-    if (xml.hasError() || !AtomicFile::write(path, bytes, &error)) {
+    if (!PropertyListFile::write(path, root, &error)) {
         if (message) *message = QStringLiteral("%1: %2").arg(path, error);
         return false;
     }
@@ -396,55 +354,14 @@ bool cPresetManager::readPresetFile(const QString& path, PresetDictionary* dicti
         if (message) *message = QStringLiteral("%1 is not a preset file: %2").arg(path, why);
         return false;
     };
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return refuse(QStringLiteral("cannot be read (%1)").arg(file.errorString()));
-    const QByteArray bytes = file.read(kMaxFileBytes + 1);
-    if (bytes.size() > kMaxFileBytes)
-        return refuse(QStringLiteral("larger than %1 bytes").arg(kMaxFileBytes));
-
-    QXmlStreamReader xml(bytes);
-    auto xmlError = [&] {
-        return refuse(
-            QStringLiteral("not XML (%1, line %2)").arg(xml.errorString()).arg(xml.lineNumber()));
-    };
-    if (!xml.readNextStartElement()) return xml.hasError() ? xmlError() : refuse("empty");
-    if (xml.name() != u"plist") return refuse(QStringLiteral("its root is not a property list"));
-    if (!xml.readNextStartElement() || xml.name() != u"dict")
-        return xml.hasError() ? xmlError() : refuse(QStringLiteral("it holds no dictionary"));
-
+    PropertyListFile::Limits limits;
+    limits.maxFileBytes = kMaxFileBytes;
+    limits.maxValueChars = kMaxValueChars;
+    PlistDictionary root;
+    QString why;
+    if (!PropertyListFile::read(path, limits, &root, &why)) return refuse(why);
     PresetDictionary result;
-    QString pendingKey;
-    bool haveKey = false;
-    while (xml.readNextStartElement()) {
-        if (xml.name() == u"key") {
-            if (haveKey) return refuse(QStringLiteral("key \"%1\" has no value").arg(pendingKey));
-            pendingKey = xml.readElementText();
-            if (xml.hasError()) return xmlError();
-            if (pendingKey.size() > 64) return refuse(QStringLiteral("a key is too long"));
-            haveKey = true;
-            continue;
-        }
-        if (!haveKey) return refuse(QStringLiteral("a value without a key"));
-        if (xml.name() != u"string")
-            return refuse(QStringLiteral("the value of \"%1\" is not a string").arg(pendingKey));
-        const QString value = xml.readElementText();  // an element inside is an error
-        if (xml.hasError()) return xmlError();
-        if (value.size() > kMaxValueChars)
-            return refuse(QStringLiteral("the value of \"%1\" is too long").arg(pendingKey));
-        if (result.contains(pendingKey))
-            return refuse(QStringLiteral("key \"%1\" appears twice").arg(pendingKey));
-        result.insert(pendingKey, value);
-        haveKey = false;
-    }
-    if (xml.hasError()) return xmlError();
-    if (haveKey) return refuse(QStringLiteral("key \"%1\" has no value").arg(pendingKey));
-    // Nothing but the end may follow the dictionary.
-    while (!xml.atEnd()) {
-        xml.readNext();
-        if (xml.isStartElement()) return refuse(QStringLiteral("more than one dictionary"));
-    }
-    if (xml.hasError()) return xmlError();
+    for (const PlistDictionary::Entry& entry : root.entries()) result.insert(entry.key, entry.text);
     if (!layoutOf(result))
         return refuse(
             QStringLiteral("\"mySqlVal1\" names no output kind (HTML1, SlideShow1 or "

@@ -24,6 +24,15 @@ class UserInterface {
 
     // Opens a URL (normally a generated page) with the user's default application.
     virtual void openUrl(const QString& url) = 0;
+
+    // A question about unsaved work, such as "Save changes to the project?", answered Save,
+    // Don't Save or Cancel. Where nobody can answer, Cancel: nothing goes on and nothing is lost.
+    enum class SaveAnswer { Save, DontSave, Cancel };
+    virtual SaveAnswer askToSave(const QString& question, const QString& detail) {
+        (void)question;
+        (void)detail;
+        return SaveAnswer::Cancel;
+    }
 };
 
 // A UserInterface that shows nothing; for services used where nobody is watching.

@@ -23,7 +23,17 @@ public:
     void progressStep(double increment) override { steps.push_back(increment); }
     void progressStop() override { ++stops; }
     void openUrl(const QString& url) override { opened.append(url); }
+    // Answers with the next of `answers` (Cancel when none is left); the questions are kept.
+    SaveAnswer askToSave(const QString& question, const QString& detail) override {
+        questions.append(question + u'\n' + detail);
+        if (answers.empty()) return SaveAnswer::Cancel;
+        const SaveAnswer answer = answers.front();
+        answers.erase(answers.begin());
+        return answer;
+    }
 
+    std::vector<SaveAnswer> answers;
+    QStringList questions;
     std::vector<Alert> alerts;
     std::vector<double> steps;
     int starts = 0;

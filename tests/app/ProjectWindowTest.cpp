@@ -1,0 +1,225 @@
+// Projects in the window: the unsaved-changes flag, the question before quitting or opening
+// (answered through the user-interface interface), the kind tab an opened project selects, and
+// the recent projects.
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QDir>
+#include <QImage>
+#include <QLineEdit>
+#include <QTabWidget>
+
+#include "app/MainWindow.h"
+#include "app/ProjectActions.h"
+#include "collection/PhotoCollection.h"
+#include "support/TestSupport.h"
+
+using testsupport::freshDir;
+using Answer = UserInterface::SaveAnswer;
+
+namespace {
+
+QStringList makePhotos(const QString& dir, const QStringList& names) {
+    QImage image(60, 40, QImage::Format_RGB32);
+    image.fill(Qt::darkCyan);
+    QStringList paths;
+    for (const QString& name : names) {
+        EXPECT_TRUE(image.save(dir + name));
+        paths.append(dir + name);
+    }
+    return paths;
+}
+
+// A window whose project questions and dialogs the test answers.
+struct Window {
+    MainWindow window;
+    ProjectActions* projects = window.projectActions();
+    PhotoCollection* collection = window.findChild<PhotoCollection*>();
+    QTabWidget* tabs = window.findChild<QTabWidget*>();
+    RecordingUserInterface ui;
+    QString saveFolder;
+    QString saveName = "Project";
+    int saveDialogs = 0;
+
+    Window() {
+        projects->setUserInterface(&ui);
+        projects->saveDialog = [this]() -> std::optional<std::pair<QString, QString>> {
+            ++saveDialogs;
+            if (saveFolder.isEmpty()) return std::nullopt;
+            return std::pair{saveFolder, saveName};
+        };
+    }
+    // Types into a setting's field of the form, as the user does.
+    void type(const QString& control, const QString& text) {
+        auto* edit = window.findChild<QLineEdit*>(control);
+        ASSERT_TRUE(edit) << qPrintable(control);
+        edit->setText(text);
+        Q_EMIT edit->editingFinished();
+    }
+    QString field(const QString& control) {
+        auto* edit = window.findChild<QLineEdit*>(control);
+        return edit ? edit->text() : QString("(none)");
+    }
+};
+
+}  // namespace
+
+TEST(ProjectWindow, UnsavedFlagFollowsPhotosAndSettings) {
+    const QString dir = freshDir("app-project-flag");
+    const QStringList photos = makePhotos(dir, {"a.png", "b.png", "c.png"});
+    Window w;
+    ASSERT_TRUE(w.projects && w.collection && w.tabs);
+    EXPECT_FALSE(w.projects->isModified());
+    w.collection->appendPhotos(photos.mid(0, 2));
+    EXPECT_TRUE(w.projects->isModified());
+    w.saveFolder = dir + "saved";
+    ASSERT_TRUE(w.projects->saveProject());
+    EXPECT_FALSE(w.projects->isModified());
+
+    struct Case {
+        const char* what;
+        std::function<void()> change;
+    };
+    for (const Case& c : std::vector<Case>{
+             {"adding", [&] { w.collection->appendPhotos({photos[2]}); }},
+             {"removing", [&] { w.collection->hRemoveSelectedObject({0}); }},
+             {"reordering", [&] { w.collection->acceptDrop({0}, 2); }},
+             {"sorting", [&] { w.collection->setSortingModeAz(); }},
+             {"editing a caption", [&] { w.collection->setDescription(0, "Harbour"); }},
+             {"unpublishing", [&] { w.collection->setSelect(0, false); }},
+             {"highlighting", [&] { w.collection->setHighlight(0, true); }},
+             {"editing a setting", [&] { w.type("tfPageTitle", "Summer"); }},
+             {"editing another kind's setting", [&] { w.type("tfSsWebPageTitle", "Slides"); }}}) {
+        SCOPED_TRACE(c.what);
+        c.change();
+        EXPECT_TRUE(w.projects->isModified());
+        ASSERT_TRUE(w.projects->saveProject());  // saving clears it
+        EXPECT_FALSE(w.projects->isModified());
+    }
+    // Opening clears it too, and a cell image arriving is no change.
+    w.collection->setDescription(0, "Changed after the save");
+    EXPECT_TRUE(w.projects->isModified());
+    ASSERT_TRUE(w.projects->openProjectFile(dir + "saved", dir + "saved/Project.orvprj"));
+    EXPECT_FALSE(w.projects->isModified());
+    w.collection->setCellImage(w.collection->arrangedObjects()[0].myPhotoURL,
+                               QImage(4, 4, QImage::Format_RGB32));
+    EXPECT_FALSE(w.projects->isModified());
+    EXPECT_TRUE(w.ui.questions.isEmpty());
+}
+
+// Quitting (or opening another project) with changes asks; Save goes on only once saved.
+TEST(ProjectWindow, QuittingWithChangesAsks) {
+    const QString dir = freshDir("app-project-quit");
+    const QStringList photos = makePhotos(dir, {"a.png"});
+    struct Case {
+        const char* what;
+        bool changed;
+        std::vector<Answer> answers;
+        bool saveDialogGivesFolder;
+        bool closes;
+        int questions;
+        bool written;
+    };
+    for (const Case& c :
+         std::vector<Case>{{"no changes", false, {}, true, true, 0, false},
+                           {"cancel", true, {Answer::Cancel}, true, false, 1, false},
+                           {"don't save", true, {Answer::DontSave}, true, true, 1, false},
+                           {"save, dialog cancelled", true, {Answer::Save}, false, false, 1, false},
+                           {"save", true, {Answer::Save}, true, true, 1, true}}) {
+        SCOPED_TRACE(c.what);
+        const QString folder = dir + c.what;
+        Window w;
+        w.window.show();
+        if (c.changed) w.collection->appendPhotos(photos);
+        w.ui.answers = c.answers;
+        w.saveFolder = c.saveDialogGivesFolder ? folder : QString();
+        EXPECT_EQ(w.window.close(), c.closes);
+        EXPECT_EQ(w.ui.questions.size(), c.questions);
+        EXPECT_TRUE(c.questions == 0 ||
+                    w.ui.questions[0].startsWith("Save changes to the project?\n"));
+        EXPECT_EQ(QFileInfo::exists(folder + "/Project.orvprj"), c.written);
+        EXPECT_EQ(QFileInfo::exists(folder + "/photos/a.png"), c.written);
+    }
+
+    // Open Project… asks first; Cancel ends it before any dialog.
+    Window w;
+    w.collection->appendPhotos(photos);
+    int folderDialogs = 0;
+    w.projects->chooseProjectFolder = [&] {
+        ++folderDialogs;
+        return QString();
+    };
+    w.ui.answers = {Answer::Cancel};
+    w.projects->openProject();
+    EXPECT_EQ(w.ui.questions.size(), 1);
+    EXPECT_EQ(folderDialogs, 0);
+    w.ui.answers = {Answer::DontSave};
+    w.projects->openProject();
+    EXPECT_EQ(folderDialogs, 1);
+    EXPECT_EQ(w.collection->count(), 1);  // the folder dialog was cancelled: nothing changed
+}
+
+// A project opens with its kind's settings in that kind's tab, which is selected, whatever tab was
+// selected before; a cancelled project-file dialog clears the stored dictionary.
+TEST(ProjectWindow, OpenedProjectSelectsItsKind) {
+    const QString dir = freshDir("app-project-open");
+    const QStringList photos = makePhotos(dir, {"a.png", "b.png"});
+    {
+        Window w;
+        w.collection->appendPhotos(photos);
+        w.collection->setSelect(1, false);
+        w.tabs->setCurrentIndex(1);
+        w.type("tfSsWebPageTitle", "Harbour slides");
+        w.saveFolder = dir + "slides";
+        w.saveName = "Enter your project name here";  // the page file name names it
+        w.type("tfHTMLfileName", "harbour");
+        ASSERT_TRUE(w.projects->saveProject());
+        EXPECT_TRUE(QFileInfo::exists(dir + "slides/harbour.orvprj"));
+    }
+    Window w;
+    w.tabs->setCurrentIndex(0);
+    w.collection->appendPhotos({photos[0], photos[0], photos[0]});
+    w.collection->setSortingModeAz();
+    w.projects->markSaved();
+    ASSERT_TRUE(w.projects->openProjectFile(dir + "slides", dir + "slides/harbour.orvprj"));
+    EXPECT_EQ(w.tabs->currentIndex(), 1);
+    EXPECT_EQ(w.field("tfSsWebPageTitle"), "Harbour slides");
+    ASSERT_EQ(w.collection->count(), 2);
+    EXPECT_EQ(w.collection->arrangedObjects()[1].myPhotoSelect, 0);
+    EXPECT_EQ(w.collection->arrangedObjects()[0].path(), dir + "slides/photos/a.png");
+    EXPECT_EQ(w.projects->projectDictionary().value("loadStatus"), "Succeeded to load photo(s)");
+    EXPECT_TRUE(w.ui.alerts.empty());
+
+    w.projects->chooseProjectFolder = [&] { return dir + "slides"; };
+    w.projects->chooseProjectFile = [](const QString&) { return QString(); };
+    w.projects->openProject();
+    EXPECT_TRUE(w.projects->projectDictionary().isEmpty());
+    EXPECT_EQ(w.collection->count(), 2);
+}
+
+// The last five projects are offered again; one whose folder has gone is dropped with a message.
+TEST(ProjectWindow, RecentProjects) {
+    const QString dir = freshDir("app-project-recent");
+    ProjectActions::setRecentProjects({});
+    Window w;
+    for (int i = 0; i < 7; ++i) {
+        w.saveFolder = dir + QString::number(i);
+        ASSERT_TRUE(w.projects->saveProject());
+    }
+    QStringList expected;
+    for (int i = 6; i > 1; --i) expected << dir + QString::number(i) + "/Project.orvprj";
+    EXPECT_EQ(ProjectActions::recentProjects(), expected);
+
+    ASSERT_TRUE(QDir(dir + "5").removeRecursively());
+    w.projects->openRecent(expected[1]);
+    expected.removeAt(1);
+    EXPECT_EQ(ProjectActions::recentProjects(), expected);
+    ASSERT_EQ(w.ui.alerts.size(), 1u);
+    EXPECT_EQ(w.ui.alerts[0].title, "The project is no longer there.");
+    EXPECT_TRUE(w.ui.alerts[0].description.contains(dir + "5/Project.orvprj"));
+
+    w.projects->openRecent(expected[2]);  // still there: opened, and first in the list again
+    EXPECT_EQ(ProjectActions::recentProjects().first(), expected[2]);
+    EXPECT_EQ(w.ui.alerts.size(), 1u);
+    ProjectActions::setRecentProjects({});
+}
