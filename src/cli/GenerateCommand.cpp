@@ -21,7 +21,8 @@ const char* const kHelp =
     "\n"
     "Writes a web site of the photos into DIR (created when missing). KIND is gallery (pages of\n"
     "thumbnails with a lightbox, a stylesheet, the images and a redirecting index.html),\n"
-    "slideshow (one page showing one photo at a time, its stylesheet and the slide images) or grid\n"
+    "slideshow (one page showing one photo at a time, its stylesheet and the slide images) or "
+    "grid\n"
     "(one page of the photos in a grid that fits the window, highlighted photos in larger cells,\n"
     "with a lightbox).\n"
     "Photos are taken in the order given; a folder adds its .png, .jpg, .jpeg, .tif and .tiff\n"
@@ -37,6 +38,12 @@ const char* const kHelp =
     "                        gives it a larger cell\n"
     "  --threads N           image workers (default 0: one per core)\n"
     "  --open                open the first page in the default browser\n"
+    "  --clean               first remove the files that earlier runs wrote into DIR and that\n"
+    "                        this run does not write again (images of photos left out, pages\n"
+    "                        no longer needed); only files recorded in DIR/.orvella-manifest\n"
+    "                        as written by orvella, never other files\n"
+    "  --rebuild             make every image again; without it an image whose photo and\n"
+    "                        settings are unchanged since the run that made it is kept"
     "  --preset NAME|FILE    start from a preset: a path that exists is a preset file, anything\n"
     "                        else a stored preset of that kind (see `orvella preset`); --set\n"
     "                        values override it\n"
@@ -113,6 +120,8 @@ int generate(const OutputKind& kind, const QStringList& args, Io& io) {
     QString sort;
     QStringList unpublish, highlight, inputs;
     bool open = false;
+    bool clean = false;
+    bool rebuild = false;
     int threads = 0;
     SettingsStore settings(OutputKinds::registry());
     QString preset;
@@ -151,6 +160,10 @@ int generate(const OutputKind& kind, const QStringList& args, Io& io) {
             threads = TextValues::intValue(v);
         } else if (a == u"--open") {
             open = true;
+        } else if (a == u"--clean") {
+            clean = true;
+        } else if (a == u"--rebuild") {
+            rebuild = true;
         } else if (a.startsWith(u"--")) {
             return usage(io, "unknown option " + a);
         } else {
@@ -217,7 +230,7 @@ int generate(const OutputKind& kind, const QStringList& args, Io& io) {
 
     TerminalUserInterface ui(io);
     const RunResult result = kind.run(collection.hGetPhotosFromArrayController(), settings, ui,
-                                      RunOptions{destination, threads, open});
+                                      RunOptions{destination, threads, open, clean, rebuild});
     if (!result.ok || ui.stopped) return kUsage;
     for (const QString& failure : result.failures)
         io.err << "orvella generate: " << failure << "\n";
