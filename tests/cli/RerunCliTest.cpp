@@ -1,7 +1,6 @@
-// `orvella generate KIND ... --clean` and `--rebuild` run again into a folder of an earlier run,
-// on real camera photos, as the user runs them.
+// `orvella generate KIND ... --clean` run again into the folder of an earlier run, on real camera
+// photos, as the user runs it.
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <QDirIterator>
 #include <QFile>
@@ -39,11 +38,6 @@ void writeFile(const QString& path, const QByteArray& bytes) {
     QFile file(path);
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     ASSERT_EQ(file.write(bytes), bytes.size());
-}
-
-quint64 inode(const QString& path) {
-    struct stat st {};
-    return ::stat(QFile::encodeName(path).constData(), &st) == 0 ? quint64(st.st_ino) : 0;
 }
 
 }  // namespace
@@ -115,21 +109,4 @@ TEST(RerunCli, CleanRemovesWhatTheRunNoLongerWrites) {
         for (const QString& file : c.kept + QStringList{"notes.txt", c.imageFolder + "mine.jpeg"})
             EXPECT_TRUE(QFile::exists(out + file)) << "with --clean: " << file.toStdString();
     }
-}
-
-// A second run keeps every image as the same file; --rebuild makes each again, to the same bytes.
-TEST(RerunCli, RebuildMakesEveryImageAgain) {
-    const QStringList photos = copyPhotos(freshDir("cli-rebuild-src"));
-    const QString out = freshDir("cli-rebuild-out");
-    const QStringList args = {"generate", "grid", "--out", out};
-    ASSERT_EQ(orvella(args + photos), 0);
-    const QString image = out + "KLovImages/b.jpeg";
-    const quint64 first = inode(image);
-    const QByteArray bytes = readFile(image);
-    ASSERT_NE(first, 0u);
-    ASSERT_EQ(orvella(args + photos), 0);
-    EXPECT_EQ(inode(image), first);
-    ASSERT_EQ(orvella(args + photos + QStringList{"--rebuild"}), 0);
-    EXPECT_NE(inode(image), first);
-    EXPECT_EQ(readFile(image), bytes);
 }

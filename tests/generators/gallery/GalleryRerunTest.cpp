@@ -2,6 +2,7 @@
 // the same file, what changed is made again, and the folder always ends as a full run leaves it.
 #include <gtest/gtest.h>
 
+#include <QDateTime>
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
@@ -46,7 +47,7 @@ QMap<QString, RunManifest::FileState> identities(const QString& dir) {
 }
 
 RunResult runGallery(const QString& dest, const QStringList& photos, const QStringList& set,
-                     RecordingUserInterface& ui) {
+                     RecordingUserInterface& ui, bool rebuild = false) {
     std::vector<std::pair<QString, QString>> overrides = {
         {"tfSmallCropWidth", "40"}, {"pubPhotoRatio", "0"},   {"tfSmallCropHeight", "30"},
         {"tfBigCropWidth", "120"},  {"tfBigCropHeight", "0"}, {"ifNumberOfColumns", "2"},
@@ -54,7 +55,7 @@ RunResult runGallery(const QString& dest, const QStringList& photos, const QStri
     for (const QString& s : set) overrides.push_back({s.section('=', 0, 0), s.section('=', 1)});
     QList<PhotoEntry> entries;
     for (const QString& photo : photos) entries.append({QUrl::fromLocalFile(photo), {}});
-    RunOptions options{dest, 2, false};
+    RunOptions options{dest, 2, false, false, rebuild};
     return cResponsiveDesign::run(entries, testsupport::settingsWith(overrides), ui, options);
 }
 
@@ -68,7 +69,8 @@ TEST(GalleryRerun, KeepsWhatIsUnchangedAndEndsAsAFullRun) {
         Change change;
         QStringList set;
         QStringList remade;  // images made again; every other file keeps its identity
-        size_t alerts;
+        size_t alerts = 0;
+        bool rebuild = false;
     } cases[] = {
         {"identical second run", none, {}, {}, 0},
         {"one photo replaced",
@@ -79,6 +81,22 @@ TEST(GalleryRerun, KeepsWhatIsUnchangedAndEndsAsAFullRun) {
          {},
          {"KLimages_b/p2.jpeg", "KLimages_s/p2.jpeg"},
          0},
+        {"photo's time changed",
+         [](const QString&, const QStringList& p) {
+             QFile file(p[0]);
+             ASSERT_TRUE(file.open(QIODevice::ReadWrite) &&
+                         file.setFileTime(QDateTime::currentDateTime().addDays(-1),
+                                          QFileDevice::FileModificationTime));
+         },
+         {},
+         {"KLimages_b/p1.jpeg", "KLimages_s/p1.jpeg"}},
+        {"rebuild",
+         none,
+         {},
+         {"KLimages_b/p1.jpeg", "KLimages_b/p2.jpeg", "KLimages_b/p3.jpeg", "KLimages_s/p1.jpeg",
+          "KLimages_s/p2.jpeg", "KLimages_s/p3.jpeg"},
+         0,
+         true},
         {"big image size changed",
          none,
          {"tfBigCropWidth=100"},
@@ -122,7 +140,7 @@ TEST(GalleryRerun, KeepsWhatIsUnchangedAndEndsAsAFullRun) {
         c.change(dest, photos);
         const QMap<QString, RunManifest::FileState> before = identities(dest);
 
-        const RunResult second = runGallery(dest, photos.mid(0, 3), c.set, ui);
+        const RunResult second = runGallery(dest, photos.mid(0, 3), c.set, ui, c.rebuild);
         EXPECT_TRUE(second.ok && second.failures.isEmpty())
             << second.failures.join('\n').toStdString();
         EXPECT_EQ(ui.alerts.size(), c.alerts);
