@@ -235,9 +235,18 @@ QWidget* MainWindow::makeKindTab(const OutputKind& kind) {
         form->addToSection(path->section, chooser);
     }
 
+    // Read by generate() as the run's `clean` option; off for every new window.
+    auto* clean = new QCheckBox(tr("Remove files of earlier runs"));
+    clean->setObjectName(QStringLiteral("removeEarlierFiles_") + kind.name);
+    clean->setToolTip(
+        tr("Before writing, remove the images and pages that earlier runs wrote "
+           "into the output folder and that this run does not write again. Files "
+           "Orvella did not write are never removed."));
+
     auto* tab = new QWidget;
     auto* layout = new QVBoxLayout(tab);
     layout->addWidget(form, 1);
+    layout->addWidget(clean);
     layout->addWidget(create);
     return tab;
 }
@@ -427,8 +436,10 @@ void MainWindow::generate(const OutputKind& kind) {
     statusBar()->showMessage(
         tr("Writing the %1 into %2…").arg(kind.title, QDir::toNativeSeparators(folder)));
     const auto run = kind.run;
-    run_.setFuture(QtConcurrent::run([run, folder, photos, snapshot, ui] {
-        return run(photos, snapshot, *ui, RunOptions{folder, 0, true});
+    const auto* cleanBox = findChild<QCheckBox*>(QStringLiteral("removeEarlierFiles_") + kind.name);
+    const bool clean = cleanBox && cleanBox->isChecked();
+    run_.setFuture(QtConcurrent::run([run, folder, photos, snapshot, ui, clean] {
+        return run(photos, snapshot, *ui, RunOptions{folder, 0, true, clean});
     }));
 }
 

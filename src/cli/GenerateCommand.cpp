@@ -38,6 +38,12 @@ const char* const kHelp =
     "                        gives it a larger cell\n"
     "  --threads N           image workers (default 0: one per core)\n"
     "  --open                open the first page in the default browser\n"
+    "  --clean               first remove the files that earlier runs wrote into DIR and that\n"
+    "                        this run does not write again (images of photos left out, pages\n"
+    "                        no longer needed); only files recorded in DIR/.orvella-manifest\n"
+    "                        as written by orvella, never other files\n"
+    "  --rebuild             make every image again; without it an image whose photo and\n"
+    "                        settings are unchanged since the run that made it is kept"
     "  --preset NAME|FILE    start from a preset: a path that exists is a preset file, anything\n"
     "                        else a stored preset of that kind (see `orvella preset`); --set\n"
     "                        values override it\n"
@@ -121,6 +127,8 @@ int usage(Io& io, const QString& message) {
 int generate(const OutputKind& kind, const QStringList& args, Io& io) {
     QString out;
     bool open = false;
+    bool clean = false;
+    bool rebuild = false;
     int threads = 0;
     PhotoSelection selection;
 
@@ -139,6 +147,10 @@ int generate(const OutputKind& kind, const QStringList& args, Io& io) {
             if (!takeThreads(args, i, &threads)) return usage(io, kThreadsUsage);
         } else if (a == u"--open") {
             open = true;
+        } else if (a == u"--clean") {
+            clean = true;
+        } else if (a == u"--rebuild") {
+            rebuild = true;
         } else if (a.startsWith(u"--")) {
             return usage(io, "unknown option " + a);
         } else {
@@ -260,7 +272,7 @@ int writeSite(const OutputKind& kind, const PhotoCollection& collection,
 
     TerminalUserInterface ui(io, prefix);
     const RunResult result = kind.run(collection.hGetPhotosFromArrayController(), settings, ui,
-                                      RunOptions{destination, threads, open});
+                                      RunOptions{destination, threads, open, clean, rebuild});
     if (!result.ok || ui.stopped) return kUsage;
     for (const QString& failure : result.failures) io.err << prefix << ": " << failure << "\n";
     io.out << result.firstPage << "\n";

@@ -8,6 +8,8 @@ struct RunOptions {
     QString destination;  // the output folder, ending with "/"
     int threads = 0;      // image workers; 0: one per core. The pages never depend on it.
     bool openFirstPage = false;
+    bool clean = false;    // remove the files earlier runs wrote that this run does not write again
+    bool rebuild = false;  // make every image again, even those that are unchanged
 };
 
 // The outcome of a run.

@@ -55,8 +55,10 @@ void OutputFolder::createFolders(const QStringList& folders) {
 namespace {
 
 // Copies through a temporary file, so a full disk leaves no half file; an existing target stays.
-bool copyKeeping(const QString& source, const QString& target, QString* error) {
+bool copyKeeping(const QString& source, const QString& target, QString* error,
+                 bool* copied = nullptr) {
     if (QFileInfo::exists(target)) return true;
+    if (copied) *copied = true;
     QFile in(source);
     if (!in.open(QIODevice::ReadOnly)) {
         *error = in.errorString();
@@ -70,29 +72,46 @@ bool copyKeeping(const QString& source, const QString& target, QString* error) {
     return AtomicFile::write(target, bytes, error);
 }
 
+// True when `path` is a file holding exactly `bytes`.
+bool holds(const QString& path, const QByteArray& bytes) {
+    QFile file(path);
+    if (QFileInfo(path).size() != bytes.size() || !file.open(QIODevice::ReadOnly)) return false;
+    return file.readAll() == bytes && file.error() == QFileDevice::NoError;
+}
+
 }  // namespace
 
 void OutputFolder::copyLightboxFiles(const QString& folder) {
     for (const QString& name : lightboxFiles()) {
         QString error;
         const QString target = destination_ + folder + name;
-        if (!copyKeeping(":/lightbox/" + name, target, &error)) addFailure(target, error);
+        bool copied = false;
+        if (!copyKeeping(":/lightbox/" + name, target, &error, &copied))
+            addFailure(target, error);
+        else if (copied)
+            written_.append(folder + name);
     }
 }
 
 void OutputFolder::copyPattern(const QString& source, const QString& folderAndFileName) {
     QString error;
     const QString target = destination_ + folderAndFileName;
-    if (!copyKeeping(source, target, &error)) addFailure(source, error);
+    bool copied = false;
+    if (!copyKeeping(source, target, &error, &copied))
+        addFailure(source, error);
+    else if (copied)
+        written_.append(folderAndFileName);
 }
 
 bool OutputFolder::writeText(const QString& relativePath, const QString& text, bool pageIcon) {
     const QString path = destination_ + relativePath;
+    const QByteArray bytes = text.toUtf8();
     QString error;
-    if (!AtomicFile::write(path, text.toUtf8(), &error)) {
+    if (!holds(path, bytes) && !AtomicFile::write(path, bytes, &error)) {
         addFailure(path, error);
         return false;
     }
+    written_.append(relativePath);
     if (pageIcon) cNSFileHandling().hAddIconToFile(path, QStringLiteral("klOrvella_HTMLicon"));
     return true;
 }

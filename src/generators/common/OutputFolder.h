@@ -26,7 +26,8 @@ class OutputFolder {
     // Copies the pattern image at `source` to folder + fileName, keeping a file already there.
     void copyPattern(const QString& source, const QString& folderAndFileName);
     // Writes a page or stylesheet (path relative to the destination) in UTF-8; pages get the page
-    // icon. False when it could not be written.
+    // icon. A file that holds these bytes already is left as it is, so its time does not change.
+    // False when it could not be written.
     bool writeText(const QString& relativePath, const QString& text, bool pageIcon = true);
     // Opens a page with the default browser, as every kind does at the end of a run.
     void openPage(const QString& relativePath, UserInterface& ui) const;
@@ -35,6 +36,8 @@ class OutputFolder {
     // Failures already in the form "path: reason".
     void addFailures(const QStringList& failures) { failures_ += failures; }
     const QStringList& failures() const { return failures_; }
+    // The files (relative paths) written so far, and those found holding the text to write.
+    const QStringList& writtenFiles() const { return written_; }
 
     // A message naming the first photo that lies inside one of `folders` of `destination` (the
     // folders a run writes into), or "" when none does. Such a photo would be overwritten.
@@ -47,4 +50,5 @@ class OutputFolder {
   private:
     QString destination_;
     QStringList failures_;
+    QStringList written_;
 };

@@ -10,6 +10,7 @@
 #include "generators/common/ImageWorkers.h"
 #include "generators/common/OutputFolder.h"
 #include "generators/common/PageText.h"
+#include "generators/common/RunManifest.h"
 #include "imaging/KLImageHandling.h"
 #include "presets/SettingsStore.h"
 #include "services/UserInterface.h"
@@ -500,25 +501,47 @@ RunResult cResponsiveDesign::run(const QList<PhotoEntry>& photos, const Settings
     const GalleryTexts texts = pageTexts(g, photos, captions);
     ui.progressStep(0.2);
 
-    // Output folder.
+    // What the run writes; with --clean what earlier runs wrote besides goes first.
+    QStringList keys, paths, planned;
+    QList<QStringList> derivatives;
+    for (const PhotoEntry& photo : photos) {
+        paths.append(photo.url.toLocalFile());
+        keys.append(QFileInfo(paths.last()).completeBaseName());
+        derivatives.append({"KLimages_s/" + keys.last() + u'.' + g.image.thumb.format,
+                            "KLimages_b/" + keys.last() + u'.' + g.image.big.format});
+        planned += derivatives.last();
+    }
+    for (const auto& page : texts.pages) planned.append(page.first);
+    planned << QStringLiteral("index.html") << QStringLiteral("KLcss/klGScss.css");
+    for (const QString& name : OutputFolder::lightboxFiles())
+        planned.append("KLovlightbox/" + name);
+    if (!g.patternSource.isEmpty()) planned.append("KLovPatterns/" + g.patternFileName);
     OutputFolder out(options.destination);
+    RunManifest manifest(QStringLiteral("gallery"), options, ui);
+    manifest.removeEarlierFiles(planned, out);
+
+    // Output folder.
     out.createFolders(folders());
     out.copyLightboxFiles(QStringLiteral("KLovlightbox/"));
     if (!g.patternSource.isEmpty())
         out.copyPattern(g.patternSource, "KLovPatterns/" + g.patternFileName);
 
-    // Images, on every core; progress in photo order.
-    QStringList keys, paths;
-    for (const PhotoEntry& photo : photos) {
-        paths.append(photo.url.toLocalFile());
-        keys.append(QFileInfo(paths.last()).completeBaseName());
-    }
+    // Images, on every core, those unchanged since an earlier run kept; progress in photo order.
+    QStringList imageSettings{QString::number(g.image.thumbAction)};
+    for (const DerivativeSettings& d : {g.image.thumb, g.image.big})
+        imageSettings << QString::number(d.size) << QString::number(d.cropWidth)
+                      << QString::number(d.cropHeight) << QString::number(d.cropPosition)
+                      << QString::number(d.shiftX) << QString::number(d.shiftY) << d.frameColor
+                      << QString::number(d.frameWidth) << d.format << d.compression;
     out.addFailures(ImageWorkers::makeAll(
         keys, paths, options.threads,
-        [&](int i) { return hScaleImageMaxValueHTML(paths[i], g.image); }, ui,
-        double(quint8(98 / photos.size())), &result.unfinished));
+        manifest.keepingUnchanged(
+            paths, derivatives, RunManifest::settingsHash(imageSettings),
+            [&](int i) { return hScaleImageMaxValueHTML(paths[i], g.image); }),
+        ui, double(quint8(98 / photos.size())), &result.unfinished));
     result.cancelled = !result.unfinished.isEmpty();
     if (result.cancelled) {  // no page links to images that were never made
+        manifest.save(out);
         ui.progressStop();
         result.failures = out.failures();
         result.ok = true;
@@ -533,6 +556,8 @@ RunResult cResponsiveDesign::run(const QList<PhotoEntry>& photos, const Settings
     ui.progressStep(0.2);
     // Written after the pages, so a page base name of "index" is replaced by it, as it always was.
     out.writeText(QStringLiteral("index.html"), texts.index);
+
+    manifest.save(out);
 
     if (options.openFirstPage) out.openPage(pageFileName(g.baseName, 1), ui);
     ui.progressStep(0.2);

@@ -8,6 +8,7 @@
 #include "generators/common/ImageWorkers.h"
 #include "generators/common/OutputFolder.h"
 #include "generators/common/PageText.h"
+#include "generators/common/RunManifest.h"
 #include "imaging/KLImageHandling.h"
 #include "presets/SettingsStore.h"
 #include "services/UserInterface.h"
@@ -234,29 +235,42 @@ RunResult cResponsiveGrid::run(const QList<PhotoEntry>& photos, const SettingsSt
     const GridTexts texts = pageTexts(g, photos, captions);
     ui.progressStep(0.2);
 
-    // Output folder.
+    // What the run writes; with --clean what earlier runs wrote besides goes first.
+    QStringList keys, paths, planned;
+    QList<QStringList> images;
+    for (const PhotoEntry& photo : photos) {
+        keys.append(outputName(photo));
+        paths.append(photo.url.toLocalFile());
+        images.append({kImages + u'/' + keys.last()});
+        planned += images.last();
+    }
+    planned << texts.pageFileName << kStylesheet;
+    for (const QString& name : OutputFolder::lightboxFiles())
+        planned.append("KLovlightbox/" + name);
+    if (!g.patternSource.isEmpty()) planned.append("KLovPatterns/" + g.patternFileName);
     OutputFolder out(options.destination);
+    RunManifest manifest(QStringLiteral("grid"), options, ui);
+    manifest.removeEarlierFiles(planned, out);
+
+    // Output folder.
     out.createFolders(folders());
     out.copyLightboxFiles(QStringLiteral("KLovlightbox/"));
     if (!g.patternSource.isEmpty())
         out.copyPattern(g.patternSource, "KLovPatterns/" + g.patternFileName);
 
-    // Images, on every core; progress in photo order.
-    QStringList keys, paths;
-    for (const PhotoEntry& photo : photos) {
-        keys.append(outputName(photo));
-        paths.append(photo.url.toLocalFile());
-    }
+    // Images, on every core, those unchanged since an earlier run kept; progress in photo order.
     const QString folder = options.destination + kImages + u'/';
     out.addFailures(ImageWorkers::makeAll(
         keys, paths, options.threads,
-        [&](int i) { return hMakeGridImage(paths[i], folder, keys[i]); }, ui,
-        double(98 / photos.size()), &result.unfinished));
+        manifest.keepingUnchanged(paths, images, RunManifest::settingsHash({kGridImageWidth}),
+                                  [&](int i) { return hMakeGridImage(paths[i], folder, keys[i]); }),
+        ui, double(98 / photos.size()), &result.unfinished));
 
     // Stylesheet and page.
     ui.progressStep(0.2);
     out.writeText(kStylesheet, texts.stylesheet, false);
     out.writeText(texts.pageFileName, texts.page);
+    manifest.save(out);
     ui.progressStep(0.2);
 
     result.cancelled = !result.unfinished.isEmpty();

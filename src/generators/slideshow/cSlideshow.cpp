@@ -10,6 +10,7 @@
 #include "generators/common/ImageWorkers.h"
 #include "generators/common/OutputFolder.h"
 #include "generators/common/PageText.h"
+#include "generators/common/RunManifest.h"
 #include "imaging/KLImageHandling.h"
 #include "imaging/Picture.h"
 #include "presets/SettingsStore.h"
@@ -358,32 +359,44 @@ RunResult cSlideshow::generate(bool slider, const QList<PhotoEntry>& photos,
         slider ? sliderTexts(p, photos) : classicTexts(p, photos, captions);
     ui.progressStep(0.2);
 
-    // Output folder.
+    // What the run writes; with --clean what earlier runs wrote besides goes first.
+    QStringList names, paths, planned;
+    QList<QStringList> slides;
+    for (const PhotoEntry& photo : photos) {
+        names.append(slideName(photo));
+        paths.append(photo.url.toLocalFile());
+        slides.append({"KLSsImages/" + names.last()});
+        planned += slides.last();
+    }
+    planned << pageFile << QStringLiteral("KLSlideShowcss/klovlSlideshow.css");
+    if (!p.patternSource.isEmpty()) planned.append("KLovPatterns/" + p.patternFileName);
     OutputFolder out(options.destination);
+    RunManifest manifest(QStringLiteral("slideshow"), options, ui);
+    manifest.removeEarlierFiles(planned, out);
+
+    // Output folder.
     out.createFolders(folders());
     if (!p.patternSource.isEmpty())
         out.copyPattern(p.patternSource, "KLovPatterns/" + p.patternFileName);
     ui.progressStep(0.2);
 
-    // Slides, on every core; photos with one base name share one slide, the last one made.
-    QStringList names;
-    QStringList paths;
-    for (const PhotoEntry& photo : photos) {
-        names.append(slideName(photo));
-        paths.append(photo.url.toLocalFile());
-    }
+    // Slides, on every core, those unchanged since an earlier run kept; photos with one base name
+    // share one slide, the last one made.
     const QString slideFolder = options.destination + QStringLiteral("KLSsImages/");
     out.addFailures(ImageWorkers::makeAll(
         names, paths, options.threads,
-        [&](int i) {
-            return hMakeSlide(paths[i], p.imageWidth, p.imageHeight, slideFolder + names[i]);
-        },
+        manifest.keepingUnchanged(
+            paths, slides, RunManifest::settingsHash({p.imageWidth, p.imageHeight}),
+            [&](int i) {
+                return hMakeSlide(paths[i], p.imageWidth, p.imageHeight, slideFolder + names[i]);
+            }),
         ui, double(98 / photos.size()), &result.unfinished));
 
     // Stylesheet and page.
     ui.progressStep(0.2);
     out.writeText(QStringLiteral("KLSlideShowcss/klovlSlideshow.css"), texts.stylesheet, false);
     out.writeText(pageFile, texts.page);
+    manifest.save(out);
     ui.progressStep(0.2);
     result.cancelled = !result.unfinished.isEmpty();
     result.failures = out.failures();

@@ -1,0 +1,217 @@
+// The record of earlier runs: which files --clean removes, what a damaged record does, and what a
+// failed run leaves recorded. The photos are stand-in files and the derivatives are made by a
+// stand-in that notes which photos it was asked for. (Real galleries: tests/generators/gallery.)
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include "generators/common/OutputFolder.h"
+#include "generators/common/RunManifest.h"
+#include "services/AtomicFile.h"
+#include "support/TestSupport.h"
+
+using testsupport::freshDir;
+
+namespace {
+
+void writeFile(const QString& path, const QByteArray& bytes) {
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    ASSERT_EQ(file.write(bytes), bytes.size());
+}
+
+QByteArray readFile(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<missing>");
+}
+
+// One run of a stand-in kind "test": a page, and "img/<name>.out" for each photo, made from the
+// photo's bytes. Returns the photos whose derivative was made (in photo order).
+struct StandInRun {
+    RunOptions options;
+    QStringList failingPhotos;  // the stand-in fails on these without writing anything
+    QStringList pages = {QStringLiteral("page.html")};
+
+    QStringList run(const QString& dest, const QStringList& photos, UserInterface& ui,
+                    QStringList* failures = nullptr) {
+        options.destination = dest;
+        QStringList planned = pages;
+        QList<QStringList> outputs;
+        for (const QString& photo : photos) {
+            outputs.append({"img/" + QFileInfo(photo).completeBaseName() + ".out"});
+            planned += outputs.last();
+        }
+        OutputFolder out(dest);
+        RunManifest manifest(QStringLiteral("test"), options, ui);
+        manifest.removeEarlierFiles(planned, out);
+        out.createFolders({QStringLiteral("img/")});
+        QStringList made;
+        const auto make = manifest.keepingUnchanged(
+            photos, outputs, RunManifest::settingsHash({"size=10"}), [&](int i) -> QStringList {
+                made.append(QFileInfo(photos[i]).fileName());
+                if (failingPhotos.contains(photos[i])) return {photos[i] + ": cannot be read"};
+                AtomicFile::write(dest + outputs[i][0], readFile(photos[i]));
+                return {};
+            });
+        for (int i = 0; i < photos.size(); ++i) out.addFailures(make(i));
+        for (const QString& page : pages) out.writeText(page, "<p>" + photos.join(',') + "</p>");
+        manifest.save(out);
+        if (failures) *failures = out.failures();
+        return made;
+    }
+};
+
+// Three stand-in photos a.jpg, b.jpg, c.jpg in a folder of their own.
+QStringList makePhotos(const QString& name) {
+    const QString src = freshDir(name + "-src");
+    QStringList photos;
+    for (const char* base : {"a", "b", "c"}) {
+        photos.append(src + base + ".jpg");
+        writeFile(photos.last(), QByteArray("photo ") + base);
+    }
+    return photos;
+}
+
+QJsonObject recordFor(const QString& dest, const QString& relative, const QString& kind) {
+    const RunManifest::FileState state = RunManifest::stateOf(dest + relative);
+    return {{"path", relative}, {"kind", kind}, {"size", state.size}, {"mtime", state.mtime}};
+}
+
+void writeManifest(const QString& dest, const QJsonArray& files) {
+    writeFile(dest + RunManifest::kFileName,
+              QJsonDocument(QJsonObject{{"format", 1}, {"files", files}}).toJson());
+}
+
+}  // namespace
+
+TEST(RunManifest, SafeRelativePaths) {
+    const struct {
+        const char* path;
+        bool safe;
+    } cases[] = {
+        {"KLimages_b/a.jpeg", true},   {"myIndex.html", true},
+        {"a..b.jpeg", true},           {"../outside.jpeg", false},
+        {"KLimages_b/../../x", false}, {"/etc/passwd", false},
+        {"KLimages_b//a.jpeg", false}, {"./a.jpeg", false},
+        {"KLimages_b\\a.jpeg", false}, {"", false},
+        {".orvella-manifest", false},  {"img/", false},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(RunManifest::isSafeRelativePath(QString::fromUtf8(c.path)), c.safe) << c.path;
+}
+
+// A photo that failed is made by the next run; what was written whole before a failure is kept.
+TEST(RunManifest, PartlyFailedRunIsRecorded) {
+    const QStringList photos = makePhotos("manifest-failed");
+    const QString dest = freshDir("manifest-failed-out");
+    RecordingUserInterface ui;
+    StandInRun failing;
+    failing.failingPhotos = {photos[1]};
+    QStringList failures;
+    EXPECT_EQ(failing.run(dest, photos, ui, &failures), QStringList({"a.jpg", "b.jpg", "c.jpg"}));
+    EXPECT_EQ(failures, QStringList({photos[1] + ": cannot be read"}));
+    EXPECT_EQ(StandInRun().run(dest, photos, ui), QStringList({"b.jpg"}));
+}
+
+// A record that cannot be trusted is a warning naming it; the run makes everything, removes
+// nothing, and leaves a good record behind.
+TEST(RunManifest, DamagedRecordIsIgnoredWithAWarning) {
+    const char* damaged[] = {
+        R"({"format":1,"files":[)",
+        R"([])",
+        R"({"format":2,"files":[]})",
+        R"({"format":1,"files":{}})",
+        R"({"format":1,"files":[17]})",
+        R"({"format":1,"files":[{"path":"img/c.out","kind":"test","size":"12","mtime":1}]})",
+        R"({"format":1,"files":[{"path":"img/c.out","kind":"test","size":12,"mtime":1.5}]})",
+        R"({"format":1,"files":[{"path":7,"kind":"test","size":1,"mtime":1}]})",
+        R"({"format":1,"files":[{"path":"img/c.out","kind":"test","size":1,"mtime":1,
+            "source":{"path":"/x.jpg","size":-1.25,"mtime":1}}]})",
+    };
+    for (const char* text : damaged) {
+        SCOPED_TRACE(text);
+        const QStringList photos = makePhotos("manifest-damaged");
+        const QString dest = freshDir("manifest-damaged-out");
+        RecordingUserInterface ui;
+        ASSERT_EQ(StandInRun().run(dest, photos, ui).size(), 3);
+        writeFile(dest + RunManifest::kFileName, text);
+
+        StandInRun clean;  // one photo fewer, with --clean
+        clean.options.clean = true;
+        EXPECT_EQ(clean.run(dest, photos.mid(0, 2), ui), QStringList({"a.jpg", "b.jpg"}));
+        ASSERT_EQ(ui.alerts.size(), 1u);
+        EXPECT_FALSE(ui.alerts[0].stopsRun);
+        EXPECT_TRUE(ui.alerts[0].description.startsWith(dest + ".orvella-manifest: "))
+            << ui.alerts[0].description.toStdString();
+        EXPECT_TRUE(QFile::exists(dest + "img/c.out"));
+
+        EXPECT_EQ(StandInRun().run(dest, photos.mid(0, 2), ui), QStringList());
+        EXPECT_EQ(ui.alerts.size(), 1u);
+    }
+}
+
+// --clean removes recorded files of its kind the run does not write; nothing else.
+TEST(RunManifest, CleanRemovesOnlyRecordedFilesItNoLongerWrites) {
+    const QStringList photos = makePhotos("manifest-clean");
+    const QString dest = freshDir("manifest-clean-out");
+    const QString outside = freshDir("manifest-clean-outside");
+    RecordingUserInterface ui;
+    StandInRun first;
+    first.pages = {"page.html", "page2.html"};
+    first.run(dest, photos, ui);
+    writeFile(dest + "mine.html", "the user's page");
+    writeFile(dest + "img/mine.out", "the user's image");
+    writeFile(dest + "img/changed.out", "written by a run");
+    writeFile(dest + "other.html", "written by another kind");
+    writeFile(outside + "victim.txt", "outside");
+    writeFile(outside + "linked.out", "through a link");
+    QFile::link(outside, dest + "img/elsewhere");
+
+    StandInRun without;  // without --clean nothing goes
+    without.run(dest, photos.mid(0, 1), ui);
+    for (const char* kept : {"img/b.out", "img/c.out", "page2.html"})
+        EXPECT_TRUE(QFile::exists(dest + kept)) << kept;
+
+    // The record as it stands, plus records a run of this kind never made: they must not lead
+    // --clean outside the folder, nor to a file of another kind or one changed since.
+    QJsonArray files = QJsonDocument::fromJson(readFile(dest + ".orvella-manifest"))
+                           .object()
+                           .value("files")
+                           .toArray();
+    files.append(recordFor(dest, "img/changed.out", "test"));
+    files.append(recordFor(dest, "other.html", "grid"));
+    QJsonObject escape = recordFor(outside, "victim.txt", "test");
+    escape["path"] = "../manifest-clean-outside/victim.txt";
+    files.append(escape);
+    QJsonObject linked = recordFor(outside, "linked.out", "test");
+    linked["path"] = "img/elsewhere/linked.out";
+    files.append(linked);
+    writeManifest(dest, files);
+    writeFile(dest + "img/changed.out", "changed by the user");
+
+    StandInRun clean;
+    clean.options.clean = true;
+    QStringList failures;
+    clean.run(dest, photos.mid(0, 1), ui, &failures);
+    EXPECT_TRUE(failures.isEmpty()) << failures.join('\n').toStdString();
+    for (const char* gone : {"img/b.out", "img/c.out", "page2.html"})
+        EXPECT_FALSE(QFile::exists(dest + gone)) << gone;
+    for (const char* kept :
+         {"img/a.out", "page.html", "mine.html", "img/mine.out", "img/changed.out", "other.html"})
+        EXPECT_TRUE(QFile::exists(dest + kept)) << kept;
+    EXPECT_TRUE(QFile::exists(outside + "victim.txt"));
+    EXPECT_TRUE(QFile::exists(outside + "linked.out"));
+    EXPECT_TRUE(ui.alerts.empty());
+
+    // What is left stays recorded: a clean run of another set removes a.jpg's image in turn.
+    clean.run(dest, photos.mid(1, 1), ui);
+    EXPECT_FALSE(QFile::exists(dest + "img/a.out"));
+    EXPECT_TRUE(QFile::exists(dest + "img/b.out"));
+    EXPECT_TRUE(QFile::exists(dest + "other.html"));
+}
