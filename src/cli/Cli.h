@@ -6,7 +6,7 @@
 #include <functional>
 #include <vector>
 
-class SettingsStore;
+#include "generators/common/GeneratorRun.h"
 
 // The command line: `orvella COMMAND [ARGS...]`. It parses arguments, builds settings and calls
 // the core, nothing more.
@@ -72,8 +72,9 @@ int makeSelection(const OutputKind& kind, const PhotoSelection& selection, Setti
                   PhotoCollection& collection, Io& io, const QString& prefix);
 // Writes the site of `kind` of the collection's published photos into `out` and prints its first
 // page: what `generate` does once its photos and settings are made. Returns the exit code.
+// `options.destination` is made from `out`.
 int writeSite(const OutputKind& kind, const PhotoCollection& collection,
-              const SettingsStore& settings, const QString& out, int threads, bool open, Io& io,
+              const SettingsStore& settings, const QString& out, RunOptions options, Io& io,
               const QString& prefix);
 
 const std::vector<Command>& commands();

@@ -164,7 +164,8 @@ int generate(const OutputKind& kind, const QStringList& args, Io& io) {
     const QString prefix = QStringLiteral("orvella generate");
     if (const int code = makeSelection(kind, selection, settings, collection, io, prefix))
         return code;
-    return writeSite(kind, collection, settings, out, threads, open, io, prefix);
+    return writeSite(kind, collection, settings, out, RunOptions{{}, threads, open, clean, rebuild},
+                     io, prefix);
 }
 
 }  // namespace
@@ -261,7 +262,7 @@ int makeSelection(const OutputKind& kind, const PhotoSelection& selection, Setti
 }
 
 int writeSite(const OutputKind& kind, const PhotoCollection& collection,
-              const SettingsStore& settings, const QString& out, int threads, bool open, Io& io,
+              const SettingsStore& settings, const QString& out, RunOptions options, Io& io,
               const QString& prefix) {
     QString destination = QFileInfo(out).absoluteFilePath();
     if (!QDir().mkpath(destination)) {
@@ -271,8 +272,9 @@ int writeSite(const OutputKind& kind, const PhotoCollection& collection,
     if (!destination.endsWith(u'/')) destination += u'/';
 
     TerminalUserInterface ui(io, prefix);
-    const RunResult result = kind.run(collection.hGetPhotosFromArrayController(), settings, ui,
-                                      RunOptions{destination, threads, open, clean, rebuild});
+    options.destination = destination;
+    const RunResult result =
+        kind.run(collection.hGetPhotosFromArrayController(), settings, ui, options);
     if (!result.ok || ui.stopped) return kUsage;
     for (const QString& failure : result.failures) io.err << prefix << ": " << failure << "\n";
     io.out << result.firstPage << "\n";

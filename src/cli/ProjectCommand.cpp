@@ -178,7 +178,8 @@ int build(const QStringList& args, Io& io) {
     PhotoCollection collection;
     collection.setCellImageSize(0);
     collection.appendRecords(opened.records);
-    const int code = writeSite(*kind, collection, settings, out, threads, open, io, kPrefix);
+    const int code =
+        writeSite(*kind, collection, settings, out, RunOptions{{}, threads, open}, io, kPrefix);
     return code == kOk && !opened.warnings.isEmpty() ? int(kFailed) : code;
 }
 

@@ -43,7 +43,9 @@ QMap<QString, QByteArray> tree(const QString& dir) {
     QDirIterator it(dir, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
     while (it.hasNext()) {
         const QString path = it.next();
-        files.insert(QDir(dir).relativeFilePath(path), readFile(path));
+        // The record of the run names the photos it was made from: not part of the site.
+        if (it.fileName() != ".orvella-manifest")
+            files.insert(QDir(dir).relativeFilePath(path), readFile(path));
     }
     return files;
 }

@@ -92,6 +92,10 @@ TEST(RerunCli, CleanRemovesWhatTheRunNoLongerWrites) {
         ASSERT_EQ(orvella(base + photos, &stdOut, &stdErr), 0) << stdErr.toStdString();
         for (const QString& file : c.gone)
             ASSERT_TRUE(QFile::exists(out + file)) << file.toStdString();
+        // The record is uploaded with the site: it names the photos, not the user's folders.
+        const QByteArray record = readFile(out + ".orvella-manifest");
+        EXPECT_TRUE(record.contains("\"a.jpg#"));
+        EXPECT_FALSE(record.contains(QFileInfo(photos[0]).absolutePath().toUtf8()));
         writeFile(out + "notes.txt", "the user's notes");
         writeFile(out + c.imageFolder + "mine.jpeg", readFile(photos[0]));
 

@@ -68,10 +68,10 @@ QHash<QString, RunManifest::Record> parse(const QByteArray& bytes, QString* erro
             const QJsonObject s = source.toObject();
             const std::optional<qint64> sourceSize = integerOf(s.value(u"size"));
             const std::optional<qint64> sourceMtime = integerOf(s.value(u"mtime"));
-            ok = s.value(u"path").isString() && !s.value(u"path").toString().isEmpty() &&
+            ok = s.value(u"id").isString() && !s.value(u"id").toString().isEmpty() &&
                  sourceSize && sourceMtime;
             if (ok) {
-                record.source = s.value(u"path").toString();
+                record.source = s.value(u"id").toString();
                 record.sourceSize = *sourceSize;
                 record.sourceMtime = *sourceMtime;
             }
@@ -104,7 +104,7 @@ QByteArray serialize(const QMap<QString, RunManifest::Record>& records) {
         if (!r.source.isEmpty())
             file.insert(
                 u"source",
-                QJsonObject{{"path", r.source}, {"size", r.sourceSize}, {"mtime", r.sourceMtime}});
+                QJsonObject{{"id", r.source}, {"size", r.sourceSize}, {"mtime", r.sourceMtime}});
         files.append(file);
     }
     return QJsonDocument(QJsonObject{{"format", kFormat}, {"files", files}}).toJson();
@@ -142,6 +142,13 @@ RunManifest::RunManifest(const QString& kind, const RunOptions& options, UserInt
                             "removed, and a new record is written.")
                  .arg(path, error),
              false);
+}
+
+QString RunManifest::sourceId(const QString& photoPath) {
+    const QString absolute = QFileInfo(photoPath).absoluteFilePath();
+    return QFileInfo(absolute).fileName() + u'#' +
+           QString::fromLatin1(
+               QCryptographicHash::hash(absolute.toUtf8(), QCryptographicHash::Sha256).toHex());
 }
 
 QString RunManifest::settingsHash(const QStringList& values) {
@@ -216,7 +223,7 @@ std::function<QStringList(int)> RunManifest::keepingUnchanged(
         const QString& source = sources[i];
         const QStringList& files = outputs[i];
         const FileState photo = stateOf(source, false);
-        Record wanted{kind_, 0, 0, settings, source, photo.size, photo.mtime};
+        Record wanted{kind_, 0, 0, settings, sourceId(source), photo.size, photo.mtime};
         bool keep = !rebuild_ && photo.exists && !files.isEmpty();
         if (keep) {
             // A derivative that an earlier photo of this run made again is not the one recorded.

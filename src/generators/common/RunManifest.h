@@ -16,10 +16,13 @@ class UserInterface;
 //
 //   {"format": 1, "files": [{"path": "KLimages_b/Sunset.jpeg", "kind": "gallery",
 //     "size": 81234, "mtime": 1712345678123456789, "settings": "<sha-256 hex>",
-//     "source": {"path": "/home/u/Sunset.jpg", "size": 4011234, "mtime": 1701234567000000000}}]}
+//     "source": {"id": "Sunset.jpg#<sha-256 hex>", "size": 4011234, "mtime":
+//     1701234567000000000}}]}
 //
 // Paths are relative to the output folder; mtimes are nanoseconds since 1970; "settings" and
-// "source" belong to derivatives of a photo. The record serves two things:
+// "source" belong to derivatives of a photo. A photo is known by its file name and the hash of its
+// absolute path, so the record, uploaded with the site, does not publish the user's folders. The
+// record serves two things:
 // - a derivative whose photo (path, size, mtime) and settings are those recorded, and which is
 //   still the file recorded (size, mtime), is kept instead of made again (not with `rebuild`);
 // - with `clean`, files recorded by earlier runs of the same kind that this run does not write
@@ -46,7 +49,7 @@ class RunManifest {
         qint64 size = 0;
         qint64 mtime = 0;
         QString settings;  // empty for pages, stylesheets and support files
-        QString source;    // the photo's path, empty when the file has none
+        QString source;    // the photo's sourceId, empty when the file has none
         qint64 sourceSize = 0;
         qint64 sourceMtime = 0;
     };
@@ -74,6 +77,9 @@ class RunManifest {
     // Records what `out` wrote and writes the record whole; a failure goes to `out`.
     void save(OutputFolder& out);
 
+    // How the record names the photo at `photoPath`: its file name and the hash of its absolute
+    // path.
+    static QString sourceId(const QString& photoPath);
     // The hash of the settings a derivative depends on (with the program's version, whose image
     // code may differ).
     static QString settingsHash(const QStringList& values);

@@ -132,7 +132,7 @@ TEST(RunManifest, DamagedRecordIsIgnoredWithAWarning) {
         R"({"format":1,"files":[{"path":"img/c.out","kind":"test","size":12,"mtime":1.5}]})",
         R"({"format":1,"files":[{"path":7,"kind":"test","size":1,"mtime":1}]})",
         R"({"format":1,"files":[{"path":"img/c.out","kind":"test","size":1,"mtime":1,
-            "source":{"path":"/x.jpg","size":-1.25,"mtime":1}}]})",
+            "source":{"id":"x.jpg#00","size":-1.25,"mtime":1}}]})",
     };
     for (const char* text : damaged) {
         SCOPED_TRACE(text);
