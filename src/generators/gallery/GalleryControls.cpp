@@ -39,7 +39,7 @@ void cResponsiveDesign::registerControls(ControlRegistry& registry) {
           {"Table", "Table (classic)", "Grid"});
     r.add("tfGridWidth", "Content width (%)", K::Text, "90");
     r.add("ifNumberOfColumns", "Columns", K::Number, "4", {"tfNumberOfColumns"});
-    r.add("ifNumberOfRows", "Rows", K::Number, "5", {"tfNumberOfRows"});
+    r.add("ifNumberOfRows", "Rows", K::Number, "4", {"tfNumberOfRows"});
 
     r.section = "Captions";
     // Off by default: names would overflow the fixed grid cells.
