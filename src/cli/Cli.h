@@ -64,8 +64,11 @@ struct PhotoSelection {
 // --unpublish or --highlight: true when taken, with `error` set when its value is wrong.
 bool takeSelectionOption(const QStringList& args, int& i, PhotoSelection& selection,
                          QString* error);
-// Takes the value of --threads at args[i + 1]; false when it is not a whole number.
-bool takeThreads(const QStringList& args, int& i, int* threads);
+// Takes args[i] (and its value, moving i past it) when it is --out DIR, --threads N or --open,
+// the options of a run that writes a site: true when taken, with `error` set when its value is
+// wrong. `options->destination` is left to writeSite.
+bool takeRunOption(const QStringList& args, int& i, QString* out, RunOptions* options,
+                   QString* error);
 // Settings of `kind` (defaults, then the preset, then the --set values) and the collection of the
 // photos, sorted and flagged. 0, or the exit code to stop with; messages begin with `prefix`.
 int makeSelection(const OutputKind& kind, const PhotoSelection& selection, SettingsStore& settings,

@@ -117,8 +117,6 @@ class TerminalUserInterface : public UserInterface {
     bool barShown_ = false;
 };
 
-const char* const kThreadsUsage = "--threads takes a whole number (0: one per core)";
-
 int usage(Io& io, const QString& message) {
     io.err << "orvella generate: " << message << "\n";
     return kUsage;
@@ -126,31 +124,22 @@ int usage(Io& io, const QString& message) {
 
 int generate(const OutputKind& kind, const QStringList& args, Io& io) {
     QString out;
-    bool open = false;
-    bool clean = false;
-    bool rebuild = false;
-    int threads = 0;
+    RunOptions options;
     PhotoSelection selection;
 
     for (int i = 0; i < args.size(); ++i) {
         const QString& a = args[i];
         QString error;
-        if (takeSelectionOption(args, i, selection, &error)) {
+        if (takeSelectionOption(args, i, selection, &error) ||
+            takeRunOption(args, i, &out, &options, &error)) {
             if (!error.isEmpty()) return usage(io, error);
-        } else if (a == u"--out") {
-            if (i + 1 >= args.size()) return usage(io, "--out needs a folder");
-            out = args[++i];
         } else if (a == u"--project") {
             return usage(io,
                          a + ": a project is built with `orvella project build FILE --out DIR`");
-        } else if (a == u"--threads") {
-            if (!takeThreads(args, i, &threads)) return usage(io, kThreadsUsage);
-        } else if (a == u"--open") {
-            open = true;
         } else if (a == u"--clean") {
-            clean = true;
+            options.clean = true;
         } else if (a == u"--rebuild") {
-            rebuild = true;
+            options.rebuild = true;
         } else if (a.startsWith(u"--")) {
             return usage(io, "unknown option " + a);
         } else {
@@ -164,8 +153,7 @@ int generate(const OutputKind& kind, const QStringList& args, Io& io) {
     const QString prefix = QStringLiteral("orvella generate");
     if (const int code = makeSelection(kind, selection, settings, collection, io, prefix))
         return code;
-    return writeSite(kind, collection, settings, out, RunOptions{{}, threads, open, clean, rebuild},
-                     io, prefix);
+    return writeSite(kind, collection, settings, out, options, io, prefix);
 }
 
 }  // namespace
@@ -200,10 +188,25 @@ bool takeSelectionOption(const QStringList& args, int& i, PhotoSelection& select
     return true;
 }
 
-bool takeThreads(const QStringList& args, int& i, int* threads) {
-    static const QRegularExpression digits(QStringLiteral("^\\d+$"));
-    if (i + 1 >= args.size() || !digits.match(args[i + 1]).hasMatch()) return false;
-    *threads = TextValues::intValue(args[++i]);
+bool takeRunOption(const QStringList& args, int& i, QString* out, RunOptions* options,
+                   QString* error) {
+    const QString& a = args[i];
+    if (a == u"--out") {
+        if (i + 1 >= args.size())
+            *error = QStringLiteral("--out needs a folder");
+        else
+            *out = args[++i];
+    } else if (a == u"--threads") {
+        static const QRegularExpression digits(QStringLiteral("^\\d+$"));
+        if (i + 1 >= args.size() || !digits.match(args[i + 1]).hasMatch())
+            *error = QStringLiteral("--threads takes a whole number (0: one per core)");
+        else
+            options->threads = TextValues::intValue(args[++i]);
+    } else if (a == u"--open") {
+        options->openFirstPage = true;
+    } else {
+        return false;
+    }
     return true;
 }
 

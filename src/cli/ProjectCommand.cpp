@@ -146,18 +146,12 @@ int show(const QStringList& args, Io& io) {
 
 int build(const QStringList& args, Io& io) {
     QString file, out;
-    bool open = false;
-    int threads = 0;
+    RunOptions options;
     for (int i = 0; i < args.size(); ++i) {
         const QString& a = args[i];
-        if (a == u"--out") {
-            if (i + 1 >= args.size()) return usage(io, "--out needs a folder");
-            out = args[++i];
-        } else if (a == u"--threads") {
-            if (!takeThreads(args, i, &threads))
-                return usage(io, "--threads takes a whole number (0: one per core)");
-        } else if (a == u"--open") {
-            open = true;
+        QString error;
+        if (takeRunOption(args, i, &out, &options, &error)) {
+            if (!error.isEmpty()) return usage(io, error);
         } else if (a.startsWith(u"--")) {
             return usage(io, "unknown option " + a);
         } else if (file.isEmpty()) {
@@ -178,8 +172,7 @@ int build(const QStringList& args, Io& io) {
     PhotoCollection collection;
     collection.setCellImageSize(0);
     collection.appendRecords(opened.records);
-    const int code =
-        writeSite(*kind, collection, settings, out, RunOptions{{}, threads, open}, io, kPrefix);
+    const int code = writeSite(*kind, collection, settings, out, options, io, kPrefix);
     return code == kOk && !opened.warnings.isEmpty() ? int(kFailed) : code;
 }
 

@@ -6,8 +6,6 @@
 #include <QLocale>
 #include <QRegularExpression>
 #include <QSaveFile>
-#include <QXmlStreamReader>
-#include <QXmlStreamWriter>
 
 #include "services/AtomicFile.h"
 #include "services/Log.h"
@@ -48,112 +46,6 @@ bool copyItem(const QString& source, const QString& destination, QString* error)
         if (!copyItem(dir.filePath(name), QDir(destination).filePath(name), error)) return false;
     }
     return true;
-}
-
-// XML property lists.
-
-const QString kDateFormat = QStringLiteral("yyyy-MM-ddTHH:mm:ssZ");
-
-QVariant readPlistValue(QXmlStreamReader& xml);
-
-QVariantMap readPlistDict(QXmlStreamReader& xml) {
-    QVariantMap map;
-    QString key;
-    bool haveKey = false;
-    while (xml.readNextStartElement()) {
-        if (xml.name() == u"key") {
-            key = xml.readElementText();
-            haveKey = true;
-        } else if (haveKey) {
-            map.insert(key, readPlistValue(xml));
-            haveKey = false;
-        } else {
-            xml.skipCurrentElement();
-        }
-    }
-    return map;
-}
-
-QVariant readPlistValue(QXmlStreamReader& xml) {
-    const QStringView name = xml.name();
-    if (name == u"dict") return readPlistDict(xml);
-    if (name == u"array") {
-        QVariantList list;
-        while (xml.readNextStartElement()) list.append(readPlistValue(xml));
-        return list;
-    }
-    if (name == u"true" || name == u"false") {
-        const bool value = name == u"true";
-        xml.skipCurrentElement();
-        return value;
-    }
-    const QString text = xml.readElementText(QXmlStreamReader::IncludeChildElements);
-    if (name == u"string") return text;
-    if (name == u"integer") return text.trimmed().toLongLong();
-    if (name == u"real") return QLocale::c().toDouble(text.trimmed());
-    if (name == u"data") {
-        QString compact = text;
-        compact.remove(QRegularExpression(QStringLiteral("\\s")));
-        return QByteArray::fromBase64(compact.toLatin1());
-    }
-    if (name == u"date") {
-        QDateTime date = QDateTime::fromString(text.trimmed(), Qt::ISODate);
-        return date.toUTC();
-    }
-    return {};
-}
-
-void writePlistValue(QXmlStreamWriter& xml, const QVariant& value) {
-    switch (value.typeId()) {
-        case QMetaType::QVariantMap: {
-            xml.writeStartElement(QStringLiteral("dict"));
-            const QVariantMap map = value.toMap();
-            for (auto it = map.cbegin(); it != map.cend(); ++it) {
-                xml.writeTextElement(QStringLiteral("key"), it.key());
-                writePlistValue(xml, it.value());
-            }
-            xml.writeEndElement();
-            return;
-        }
-        case QMetaType::QVariantList:
-        case QMetaType::QStringList: {
-            xml.writeStartElement(QStringLiteral("array"));
-            for (const QVariant& item : value.toList()) writePlistValue(xml, item);
-            xml.writeEndElement();
-            return;
-        }
-        case QMetaType::Bool:
-            xml.writeEmptyElement(value.toBool() ? QStringLiteral("true")
-                                                 : QStringLiteral("false"));
-            return;
-        case QMetaType::Int:
-        case QMetaType::UInt:
-        case QMetaType::Long:
-        case QMetaType::ULong:
-        case QMetaType::LongLong:
-        case QMetaType::ULongLong:
-        case QMetaType::Short:
-        case QMetaType::UShort:
-            xml.writeTextElement(QStringLiteral("integer"), value.toString());
-            return;
-        case QMetaType::Double:
-        case QMetaType::Float:
-            xml.writeTextElement(
-                QStringLiteral("real"),
-                QLocale::c().toString(value.toDouble(), 'g', QLocale::FloatingPointShortest));
-            return;
-        case QMetaType::QByteArray:
-            xml.writeTextElement(QStringLiteral("data"),
-                                 QString::fromLatin1(value.toByteArray().toBase64()));
-            return;
-        case QMetaType::QDateTime:
-            xml.writeTextElement(QStringLiteral("date"),
-                                 value.toDateTime().toUTC().toString(kDateFormat));
-            return;
-        default:
-            xml.writeTextElement(QStringLiteral("string"), value.toString());
-            return;
-    }
 }
 
 }  // namespace
@@ -247,37 +139,6 @@ bool cNSFileHandling::hAliasFileTo(const QString& source, const QString& destina
 void cNSFileHandling::hShowInFinder(const QString& path) const {
     // Core code opens nothing itself; the window offers this through its own user interface.
     klLog() << "show in file manager:" << path;
-}
-
-QVariantMap cNSFileHandling::readPlist(const QString& path) const {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) return {};
-    QXmlStreamReader xml(&file);
-    if (!xml.readNextStartElement() || xml.name() != u"plist") return {};
-    if (!xml.readNextStartElement() || xml.name() != u"dict") return {};
-    QVariantMap map = readPlistDict(xml);
-    if (xml.hasError()) {
-        klLog() << "property list" << path << "is malformed:" << xml.errorString();
-        return {};
-    }
-    return map;
-}
-
-bool cNSFileHandling::writeToPlist(const QString& path, const QVariantMap& map) const {
-    QByteArray bytes;
-    QXmlStreamWriter xml(&bytes);
-    xml.setAutoFormatting(true);
-    xml.setAutoFormattingIndent(-1);  // one tab per level
-    xml.writeStartDocument();
-    xml.writeDTD(
-        QStringLiteral("<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
-                       "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">"));
-    xml.writeStartElement(QStringLiteral("plist"));
-    xml.writeAttribute(QStringLiteral("version"), QStringLiteral("1.0"));
-    writePlistValue(xml, map);
-    xml.writeEndElement();
-    xml.writeEndDocument();
-    return writeAtomically(path, bytes);
 }
 
 bool cNSFileHandling::writeNSDataToFile(const QString& path, const QByteArray& data) const {

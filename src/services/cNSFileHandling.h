@@ -5,7 +5,6 @@
 #include <QString>
 #include <QStringList>
 #include <QUrl>
-#include <QVariantMap>
 
 // Folders, copies, text files and the conversion of an image file into an output format. Every
 // operation reports its outcome as a short result text and never shows a message.
@@ -41,8 +40,6 @@ class cNSFileHandling {
     bool hMoveFileTo(const QString& source, const QString& destination) const;
     bool hAliasFileTo(const QString& source, const QString& destination) const;
     void hShowInFinder(const QString& path) const;
-    QVariantMap readPlist(const QString& path) const;
-    bool writeToPlist(const QString& path, const QVariantMap& map) const;
     bool writeNSDataToFile(const QString& path, const QByteArray& data) const;
     QByteArray readNSDataFromFile(const QString& path) const;
     QStringList hReadTextFileLbyL(const QString& path) const;

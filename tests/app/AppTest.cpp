@@ -9,6 +9,7 @@
 #include <QMimeData>
 
 #include "app/CollectionDragModel.h"
+#include "app/FormChecks.h"
 #include "app/SettingsForm.h"
 #include "generators/OutputKinds.h"
 #include "support/TestSupport.h"
@@ -67,17 +68,7 @@ TEST(SettingsFormTest, EditsLandInTheStoreAndRefreshShowsIt) {
     EXPECT_EQ(form.findChild<QLineEdit*>("ifNumberOfRows")->text().toStdString(), "7");
     EXPECT_EQ(form.findChild<QComboBox*>("pbTitleFontWeight")->currentText().toStdString(), "Bold");
 
-    QStringList labels;  // every control shown, under a label of its own in its section
-    for (const ControlSpec* c : OutputKinds::registry().controls("gallery")) {
-        if (c->section.isEmpty()) {  // values presets keep and no run reads are not shown
-            EXPECT_FALSE(form.findChild<QWidget*>(c->name)) << qPrintable(c->name);
-            continue;
-        }
-        labels << c->section + u'/' + c->label;
-        EXPECT_TRUE(!c->label.isEmpty() && !c->section.isEmpty() &&
-                    labels.count(labels.last()) == 1 && form.findChild<QWidget*>(c->name))
-            << qPrintable(c->name);
-    }
+    expectEveryControlShown(QStringLiteral("gallery"), form);
 }
 
 // Dropped before the first photo: added at the end all the same (duplicates allowed), the photos of

@@ -9,6 +9,7 @@
 #include <QPushButton>
 #include <QTabWidget>
 
+#include "app/FormChecks.h"
 #include "app/MainWindow.h"
 #include "app/PhotoGridView.h"
 #include "app/SettingsForm.h"
@@ -19,18 +20,7 @@
 TEST(GridTab, FormShowsEveryControl) {
     SettingsStore store(OutputKinds::registry());
     SettingsForm form(QStringLiteral("grid"), store);
-    QStringList labels;
-    for (const ControlSpec* c : OutputKinds::registry().controls("grid")) {
-        if (c->section.isEmpty()) {  // values presets keep and no run reads are not shown
-            EXPECT_FALSE(form.findChild<QWidget*>(c->name)) << qPrintable(c->name);
-            continue;
-        }
-        labels << c->section + u'/' + c->label;
-        EXPECT_TRUE(!c->label.isEmpty() && !c->section.isEmpty() &&
-                    labels.count(labels.last()) == 1 && form.findChild<QWidget*>(c->name))
-            << qPrintable(c->name);
-    }
-    EXPECT_GE(labels.size(), 25);
+    EXPECT_GE(expectEveryControlShown(QStringLiteral("grid"), form), 25);
 }
 
 // The grid comes after the gallery (the slideshow, when there, between them) and is the one tab

@@ -7,6 +7,7 @@
 #include <QPushButton>
 #include <QTabWidget>
 
+#include "app/FormChecks.h"
 #include "app/MainWindow.h"
 #include "app/SettingsForm.h"
 #include "generators/OutputKinds.h"
@@ -22,13 +23,7 @@ TEST(SlideshowTab, SettingsActionAndAWayToMove) {
     EXPECT_TRUE(buttons.contains("Create Slideshow…") && buttons.contains("Add Item") &&
                 buttons.contains("Clear Items"))
         << buttons.join(", ").toStdString();
-    QStringList labels;
-    for (const ControlSpec* c : OutputKinds::registry().controls("slideshow")) {
-        labels << c->section + u'/' + c->label;
-        EXPECT_TRUE(!c->label.isEmpty() && labels.count(labels.last()) == 1 &&
-                    tab->findChild<QWidget*>(c->name))
-            << qPrintable(c->name);
-    }
+    expectEveryControlShown(QStringLiteral("slideshow"), *tab);
 
     auto* autorun = tab->findChild<QCheckBox*>("cbSsAutorun");
     auto* arrows = tab->findChild<QCheckBox*>("cbSsShowNavigationBtn");

@@ -13,6 +13,8 @@
 
 using presetfixtures::sqliteRows;
 using testsupport::freshDir;
+using testsupport::readFile;
+using testsupport::writeFile;
 
 namespace {
 
@@ -24,21 +26,11 @@ struct Home {
     QString config() const { return root + "config/KeldraCom/Orvella.conf"; }
 
     int run(const QStringList& args, QString* out = nullptr, QString* err = nullptr) const {
-        QProcess process;
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
         env.insert("HOME", root + "home");
         env.insert("XDG_DATA_HOME", root + "data");
         env.insert("XDG_CONFIG_HOME", root + "config");
-        process.setProcessEnvironment(env);
-        process.start(ORVELLA_BINARY, args);
-        if (!process.waitForFinished(180000)) {
-            process.kill();
-            process.waitForFinished();
-            return -1;
-        }
-        if (out) *out = QString::fromUtf8(process.readAllStandardOutput());
-        if (err) *err = QString::fromUtf8(process.readAllStandardError());
-        return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+        return testsupport::runProgram(ORVELLA_BINARY, args, out, err, 180000, &env);
     }
     QString out(const QStringList& args) const {
         QString text, err;
@@ -47,17 +39,6 @@ struct Home {
         return text;
     }
 };
-
-QByteArray readFile(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void writeFile(const QString& path, const QByteArray& bytes) {
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    file.write(bytes);
-}
 
 QString tables(const QString& db) {
     QString out;

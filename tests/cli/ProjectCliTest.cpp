@@ -8,23 +8,14 @@
 #include "support/TestSupport.h"
 
 using testsupport::freshDir;
+using testsupport::readFile;
 using testsupport::runProgram;
+using testsupport::writeFile;
 
 namespace {
 
 int orvella(const QStringList& args, QString* out = nullptr, QString* err = nullptr) {
     return runProgram(ORVELLA_BINARY, args, out, err);
-}
-
-QByteArray readFile(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void writeFile(const QString& path, const QByteArray& bytes) {
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    file.write(bytes);
 }
 
 void makePhoto(const QString& path, int w, int h, const QString& caption) {

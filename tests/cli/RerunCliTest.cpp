@@ -9,7 +9,9 @@
 #include "support/TestSupport.h"
 
 using testsupport::freshDir;
+using testsupport::readFile;
 using testsupport::runProgram;
+using testsupport::writeFile;
 
 namespace {
 
@@ -27,17 +29,6 @@ QStringList copyPhotos(const QString& dir) {
     }
     EXPECT_EQ(copies.size(), 3);
     return copies;
-}
-
-QByteArray readFile(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void writeFile(const QString& path, const QByteArray& bytes) {
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    ASSERT_EQ(file.write(bytes), bytes.size());
 }
 
 }  // namespace

@@ -17,21 +17,12 @@
 #include "support/TestSupport.h"
 
 using testsupport::freshDir;
+using testsupport::readFile;
 using testsupport::runProgram;
+using testsupport::writeFile;
 using Status = ProjectFile::OpenResult::Status;
 
 namespace {
-
-QByteArray readFile(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void writeFile(const QString& path, const QByteArray& bytes) {
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    file.write(bytes);
-}
 
 // A JPEG or PNG of that size, with an EXIF user comment when `caption` is given.
 QString makePhoto(const QString& dir, const QString& name, int w, int h, const QString& caption) {

@@ -53,20 +53,4 @@ TEST(FileHandling, CopiesReportOkOrFailed) {
     EXPECT_EQ(files.hCopyFolderTo(dir + "deep", dir + "copy"), "Failed");  // exists already
 }
 
-TEST(FileHandling, PlistRoundTripAndJunk) {
-    const QString dir = testsupport::freshDir("files/plist");
-    const cNSFileHandling files;
-    const QVariantMap map{
-        {"text", "  Ünïcode & <b>\nline "},
-        {"list", QVariantList{qlonglong(-42), 0.1, true, QByteArray("\0\xFF", 2)}},
-        {"when", QDateTime(QDate(2024, 2, 29), QTime(13, 5, 9), Qt::UTC)},
-        {"photo0", QVariantMap{{"myPhotoName", "IMG_1.jpg"}}}};
-    ASSERT_TRUE(files.writeToPlist(dir + "a.plist", map));
-    const QByteArray xml = bytes(dir + "a.plist");
-    EXPECT_TRUE(xml.contains("<date>2024-02-29T13:05:09Z</date>"));
-    EXPECT_EQ(files.readPlist(dir + "a.plist"), map);
-    writeBytes(dir + "cut.plist", xml.left(xml.size() / 2));
-    EXPECT_TRUE(files.readPlist(dir + "cut.plist").isEmpty());
-}
-
 }  // namespace

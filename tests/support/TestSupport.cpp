@@ -4,6 +4,8 @@
 
 #include <QDir>
 #include <QDirIterator>
+#include <QFile>
+#include <QFileInfo>
 #include <QProcess>
 
 #include "generators/OutputKinds.h"
@@ -27,8 +29,9 @@ SettingsStore settingsWith(const std::vector<std::pair<QString, QString>>& overr
 }
 
 int runProgram(const QString& program, const QStringList& arguments, QString* out, QString* err,
-               int timeoutMs) {
+               int timeoutMs, const QProcessEnvironment* environment) {
     QProcess process;
+    if (environment) process.setProcessEnvironment(*environment);
     process.start(program, arguments);
     if (!process.waitForFinished(timeoutMs)) {
         process.kill();
@@ -38,6 +41,18 @@ int runProgram(const QString& program, const QStringList& arguments, QString* ou
     if (out) *out = QString::fromUtf8(process.readAllStandardOutput());
     if (err) *err = QString::fromUtf8(process.readAllStandardError());
     return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+}
+
+QByteArray readFile(const QString& path, const QByteArray& ifMissing) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : ifMissing;
+}
+
+void writeFile(const QString& path, const QByteArray& bytes) {
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate)) << path.toStdString();
+    ASSERT_EQ(file.write(bytes), bytes.size()) << path.toStdString();
 }
 
 QString exiftool(const QString& file, const QString& tag) {

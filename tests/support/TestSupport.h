@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QProcessEnvironment>
 #include <QString>
 #include <QStringList>
 #include <utility>
@@ -10,7 +11,7 @@
 
 // A UserInterface that records what the user would have seen.
 class RecordingUserInterface : public UserInterface {
-public:
+  public:
     struct Alert {
         QString title;
         QString description;
@@ -50,8 +51,15 @@ QString freshDir(const QString& name);
 SettingsStore settingsWith(const std::vector<std::pair<QString, QString>>& overrides = {});
 
 // Runs a program and returns its exit code; its standard output and error go to the two strings.
+// `environment`, when given, replaces the environment the program starts with.
 int runProgram(const QString& program, const QStringList& arguments, QString* out = nullptr,
-               QString* err = nullptr, int timeoutMs = 120000);
+               QString* err = nullptr, int timeoutMs = 120000,
+               const QProcessEnvironment* environment = nullptr);
+
+// The bytes of a file; `ifMissing` when it cannot be read.
+QByteArray readFile(const QString& path, const QByteArray& ifMissing = {});
+// Writes a file whole (its folder made when missing); a failure fails the test.
+void writeFile(const QString& path, const QByteArray& bytes);
 
 // exiftool's value of one tag (as `exiftool -s3 -TAG FILE` prints it), trailing newline removed.
 QString exiftool(const QString& file, const QString& tag);

@@ -23,6 +23,15 @@ QString CaptionBuilder::withItem(const QString& list, const QString& item) {
     return list.isEmpty() ? item : list + u';' + item;
 }
 
+QStringList CaptionBuilder::captions(bool shown, const QString& items, const QString& separator,
+                                     FileName rule, const QList<PhotoEntry>& photos) {
+    QStringList all;
+    if (!shown) return all;
+    CaptionBuilder builder(items, separator, rule);
+    for (const PhotoEntry& photo : photos) all.append(builder.caption(photo));
+    return all;
+}
+
 QString CaptionBuilder::caption(const PhotoEntry& photo) {
     const QString path = photo.url.toLocalFile();
     QString caption;

@@ -20,6 +20,11 @@ class CaptionBuilder {
 
     QString caption(const PhotoEntry& photo);
 
+    // The captions of a run: one per photo in photo order, read by one builder; none when the
+    // kind shows no captions (`shown` false).
+    static QStringList captions(bool shown, const QString& items, const QString& separator,
+                                FileName rule, const QList<PhotoEntry>& photos);
+
     // The caption item names every kind's metadata popup offers.
     static const QStringList& itemNames();
     // The IPTC names among them.

@@ -68,8 +68,8 @@ QHash<QString, RunManifest::Record> parse(const QByteArray& bytes, QString* erro
             const QJsonObject s = source.toObject();
             const std::optional<qint64> sourceSize = integerOf(s.value(u"size"));
             const std::optional<qint64> sourceMtime = integerOf(s.value(u"mtime"));
-            ok = s.value(u"id").isString() && !s.value(u"id").toString().isEmpty() &&
-                 sourceSize && sourceMtime;
+            ok = s.value(u"id").isString() && !s.value(u"id").toString().isEmpty() && sourceSize &&
+                 sourceMtime;
             if (ok) {
                 record.source = s.value(u"id").toString();
                 record.sourceSize = *sourceSize;

@@ -492,12 +492,9 @@ RunResult cResponsiveDesign::run(const QList<PhotoEntry>& photos, const Settings
     ui.progressStep(0.2);
 
     // Captions (read in photo order with one metadata reader) and the page texts.
-    QStringList captions;
-    if (g.showMetaData) {
-        CaptionBuilder builder(g.captionItems, g.captionSeparator,
-                               CaptionBuilder::FileName::WithExtension);
-        for (const PhotoEntry& photo : photos) captions.append(builder.caption(photo));
-    }
+    const QStringList captions =
+        CaptionBuilder::captions(g.showMetaData, g.captionItems, g.captionSeparator,
+                                 CaptionBuilder::FileName::WithExtension, photos);
     const GalleryTexts texts = pageTexts(g, photos, captions);
     ui.progressStep(0.2);
 

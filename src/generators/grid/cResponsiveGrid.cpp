@@ -226,12 +226,9 @@ RunResult cResponsiveGrid::run(const QList<PhotoEntry>& photos, const SettingsSt
     ui.progressStep(0.2);
 
     // Captions (read in photo order with one metadata reader) and the texts.
-    QStringList captions;
-    if (g.showCaptions) {
-        CaptionBuilder builder(g.captionItems, g.captionSeparator,
-                               CaptionBuilder::FileName::BaseName);
-        for (const PhotoEntry& photo : photos) captions.append(builder.caption(photo));
-    }
+    const QStringList captions =
+        CaptionBuilder::captions(g.showCaptions, g.captionItems, g.captionSeparator,
+                                 CaptionBuilder::FileName::BaseName, photos);
     const GridTexts texts = pageTexts(g, photos, captions);
     ui.progressStep(0.2);
 

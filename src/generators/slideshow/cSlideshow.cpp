@@ -349,12 +349,8 @@ RunResult cSlideshow::generate(bool slider, const QList<PhotoEntry>& photos,
 
     // Captions (read in photo order with one metadata reader; the slider computes them but
     // shows none) and the page texts.
-    QStringList captions;
-    if (p.captions) {
-        CaptionBuilder builder(p.captionItems, p.captionSeparator,
-                               CaptionBuilder::FileName::BaseName);
-        for (const PhotoEntry& photo : photos) captions.append(builder.caption(photo));
-    }
+    const QStringList captions = CaptionBuilder::captions(
+        p.captions, p.captionItems, p.captionSeparator, CaptionBuilder::FileName::BaseName, photos);
     const SlideshowTexts texts =
         slider ? sliderTexts(p, photos) : classicTexts(p, photos, captions);
     ui.progressStep(0.2);

@@ -16,19 +16,12 @@
 #include "support/TestSupport.h"
 
 using testsupport::freshDir;
+using testsupport::writeFile;
 
 namespace {
 
-void writeFile(const QString& path, const QByteArray& bytes) {
-    QDir().mkpath(QFileInfo(path).absolutePath());
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    ASSERT_EQ(file.write(bytes), bytes.size());
-}
-
 QByteArray readFile(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<missing>");
+    return testsupport::readFile(path, "<missing>");
 }
 
 // One run of a stand-in kind "test": a page, and "img/<name>.out" for each photo, made from the

@@ -18,8 +18,7 @@ using testsupport::freshDir;
 namespace {
 
 QByteArray readFile(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<missing>");
+    return testsupport::readFile(path, "<missing>");
 }
 
 // Three small camera photos copied as p1.jpg, p2.jpg, p3.jpg, and a fourth as spare.jpg.

@@ -30,8 +30,7 @@ TEST(SupportFiles, NineLightboxFilesAreCompiledIn) {
         const QByteArray bytes = readAll(QStringLiteral(":/lightbox/") + c.name);
         ASSERT_FALSE(bytes.isEmpty()) << c.name;
         if (c.showCaption) {
-            EXPECT_EQ(bytes, QByteArray(source).replace("@SHOW_CAPTION@", c.showCaption))
-                << c.name;
+            EXPECT_EQ(bytes, QByteArray(source).replace("@SHOW_CAPTION@", c.showCaption)) << c.name;
             // Titles come from photo metadata: they are set as text, never parsed as HTML.
             EXPECT_FALSE(bytes.contains(".html(") || bytes.contains("innerHTML")) << c.name;
         } else {
