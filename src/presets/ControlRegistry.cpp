@@ -71,6 +71,24 @@ QStringList ControlRegistry::nearestNames(const QString& name, const QString& ou
     return names;
 }
 
+void ControlAdder::add(const QString& name, const QString& label, ControlKind kind,
+                       const QString& defaultValue, const QStringList& aliases,
+                       const QStringList& items, int minimum, int maximum) {
+    ControlSpec control;
+    control.name = name;
+    control.label = label;
+    control.section = section;
+    control.outputKind = outputKind;
+    control.kind = kind;
+    control.defaultValue = defaultValue;
+    control.items = items;
+    control.aliases = aliases;
+    control.minimum = minimum;
+    control.maximum =
+        kind == ControlKind::Segmented && !items.isEmpty() ? int(items.size()) - 1 : maximum;
+    registry.add(control);
+}
+
 void ControlRegistry::add(const ControlSpec& control) {
     Q_ASSERT_X(!byName_.contains(control.name), "ControlRegistry::add", qPrintable(control.name));
     const qsizetype index = controls_.size();

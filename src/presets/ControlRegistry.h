@@ -64,3 +64,15 @@ class ControlRegistry {
     QList<ControlSpec> controls_;
     QHash<QString, qsizetype> byName_;
 };
+
+// Adds the controls of one output kind (or panel) to a registry, section by section.
+struct ControlAdder {
+    ControlRegistry& registry;
+    QString outputKind;  // "gallery", "slideshow", "grid", "watermark"
+    QString section;     // the window's group for the controls added next
+
+    // A segmented control's maximum is its last item's index.
+    void add(const QString& name, const QString& label, ControlKind kind,
+             const QString& defaultValue, const QStringList& aliases = {},
+             const QStringList& items = {}, int minimum = 0, int maximum = 0);
+};

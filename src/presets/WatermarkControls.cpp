@@ -16,27 +16,6 @@ QStringList positions() {
             "right",    "bottom left", "bottom",    "bottom right"};
 }
 
-struct Registrar {
-    ControlRegistry& registry;
-    QString section;
-
-    void add(const QString& name, const QString& label, ControlKind kind,
-             const QString& defaultValue, const QStringList& aliases = {},
-             const QStringList& items = {}) {
-        ControlSpec control;
-        control.name = name;
-        control.label = label;
-        control.section = section;
-        control.outputKind = kWatermark;
-        control.kind = kind;
-        control.defaultValue = defaultValue;
-        control.items = items;
-        control.aliases = aliases;
-        control.maximum = kind == ControlKind::Segmented ? int(items.size()) - 1 : 0;
-        registry.add(control);
-    }
-};
-
 QColor colourOf(const SettingsStore& store, const QString& name) {
     return QColor(u'#' + store.text(name));
 }
@@ -44,7 +23,7 @@ QColor colourOf(const SettingsStore& store, const QString& name) {
 }  // namespace
 
 void registerWatermarkControls(ControlRegistry& registry) {
-    Registrar r{registry, {}};
+    ControlAdder r{registry, kWatermark, {}};
     using K = ControlKind;
 
     r.section = "Text";

@@ -3,24 +3,6 @@
 #include "generators/common/CaptionBuilder.h"
 #include "generators/common/PageText.h"
 
-void KindControls::add(const QString& name, const QString& label, ControlKind kind,
-                       const QString& defaultValue, const QStringList& aliases,
-                       const QStringList& items, int minimum, int maximum) {
-    ControlSpec control;
-    control.name = name;
-    control.label = label;
-    control.section = section;
-    control.outputKind = outputKind;
-    control.kind = kind;
-    control.defaultValue = defaultValue;
-    control.items = items;
-    control.aliases = aliases;
-    control.minimum = minimum;
-    control.maximum =
-        kind == ControlKind::Segmented && !items.isEmpty() ? int(items.size()) - 1 : maximum;
-    registry.add(control);
-}
-
 const QStringList& KindControls::fontFamilyItems() {
     static const QStringList items = PageText::fontFamilies() + QStringList{"Trirong"};
     return items;

@@ -5,16 +5,9 @@
 
 #include "presets/ControlRegistry.h"
 
-// Adds the controls of one output kind to the registry, section by section.
-struct KindControls {
-    ControlRegistry& registry;
-    QString outputKind;  // "gallery", "slideshow", "grid"
-    QString section;     // the window's group for the controls added next
-
-    void add(const QString& name, const QString& label, ControlKind kind,
-             const QString& defaultValue, const QStringList& aliases = {},
-             const QStringList& items = {}, int minimum = 0, int maximum = 0);
-
+// Adds the controls of one output kind to the registry, section by section, with the popup items
+// the kinds share.
+struct KindControls : ControlAdder {
     // The popup items every kind shares: one definition each.
     static const QStringList& fontFamilyItems();
     static const QStringList& weightItems();

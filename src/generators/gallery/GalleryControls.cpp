@@ -24,7 +24,7 @@ QStringList cropPositions() {
 }  // namespace
 
 void cResponsiveDesign::registerControls(ControlRegistry& registry) {
-    KindControls r{registry, QStringLiteral("gallery"), {}};
+    KindControls r{{registry, QStringLiteral("gallery"), {}}};
     using K = ControlKind;
 
     r.section = "Page";

@@ -9,7 +9,7 @@
 // preset layout, the colour wells and their hex fields use for the same setting are its aliases.
 
 void cResponsiveGrid::registerControls(ControlRegistry& registry) {
-    KindControls r{registry, QStringLiteral("grid"), {}};
+    KindControls r{{registry, QStringLiteral("grid"), {}}};
     using K = ControlKind;
 
     r.section = "Page";

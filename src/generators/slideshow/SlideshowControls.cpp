@@ -18,7 +18,7 @@ QString indexOf(const QStringList& items, const QString& title) {
 }  // namespace
 
 void cSlideshow::registerControls(ControlRegistry& registry) {
-    KindControls r{registry, QStringLiteral("slideshow"), {}};
+    KindControls r{{registry, QStringLiteral("slideshow"), {}}};
     using K = ControlKind;
 
     r.section = "Page";
