@@ -11,13 +11,10 @@
 #include "support/TestSupport.h"
 
 using testsupport::freshDir;
+using testsupport::orvella;
 using testsupport::runProgram;
 
 namespace {
-
-int orvella(const QStringList& args, QString* out = nullptr, QString* err = nullptr) {
-    return runProgram(ORVELLA_BINARY, args, out, err);
-}
 
 // A photo of noise, so its JPEG copies are large.
 QString makeNoisyPhoto(const QString& dir, const QString& name, int w, int h) {

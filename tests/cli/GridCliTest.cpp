@@ -7,13 +7,10 @@
 #include "support/TestSupport.h"
 
 using testsupport::freshDir;
+using testsupport::orvella;
 using testsupport::runProgram;
 
 namespace {
-
-int orvella(const QStringList& args, QString* out = nullptr, QString* err = nullptr) {
-    return runProgram(ORVELLA_BINARY, args, out, err);
-}
 
 QString makePhoto(const QString& dir, const QString& name, int w, int h) {
     EXPECT_EQ(runProgram("vips", {"black", dir + name, QString::number(w), QString::number(h),

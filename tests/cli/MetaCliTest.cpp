@@ -4,13 +4,7 @@
 
 using metafixtures::makeImage;
 
-namespace {
-
-int orvella(const QStringList& arguments, QString* out, QString* err = nullptr) {
-    return testsupport::runProgram(ORVELLA_BINARY, arguments, out, err);
-}
-
-}  // namespace
+using testsupport::orvella;
 
 TEST(MetaCli, GetPrintsOneLinePerNameTreeIndentsTwoSpacesPerLevel) {
     const QString dir = testsupport::freshDir("cli-meta/get");

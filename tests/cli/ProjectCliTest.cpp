@@ -8,15 +8,12 @@
 #include "support/TestSupport.h"
 
 using testsupport::freshDir;
+using testsupport::orvella;
 using testsupport::readFile;
 using testsupport::runProgram;
 using testsupport::writeFile;
 
 namespace {
-
-int orvella(const QStringList& args, QString* out = nullptr, QString* err = nullptr) {
-    return runProgram(ORVELLA_BINARY, args, out, err);
-}
 
 void makePhoto(const QString& path, int w, int h, const QString& caption) {
     EXPECT_EQ(

@@ -9,15 +9,12 @@
 #include "support/TestSupport.h"
 
 using testsupport::freshDir;
+using testsupport::orvella;
 using testsupport::readFile;
 using testsupport::runProgram;
 using testsupport::writeFile;
 
 namespace {
-
-int orvella(const QStringList& args, QString* out = nullptr, QString* err = nullptr) {
-    return runProgram(ORVELLA_BINARY, args, out, err);
-}
 
 // Three small camera photos copied as a.jpg, b.jpg and c.jpg.
 QStringList copyPhotos(const QString& dir) {

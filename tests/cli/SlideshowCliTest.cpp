@@ -8,13 +8,10 @@
 #include "support/TestSupport.h"
 
 using testsupport::freshDir;
+using testsupport::orvella;
 using testsupport::runProgram;
 
 namespace {
-
-int orvella(const QStringList& args, QString* out = nullptr, QString* err = nullptr) {
-    return runProgram(ORVELLA_BINARY, args, out, err);
-}
 
 QString photo(const QString& dir, const QString& name) {
     EXPECT_EQ(runProgram("vips", {"black", dir + name, "90", "60", "--bands", "3"}), 0);

@@ -10,11 +10,9 @@
 #include "imaging/ImagingFixtures.h"
 #include "presets/ControlRegistry.h"
 
-namespace {
+using testsupport::orvella;
 
-int orvella(const QStringList& arguments, QString* out, QString* err = nullptr) {
-    return testsupport::runProgram(ORVELLA_BINARY, arguments, out, err);
-}
+namespace {
 
 // A version file served over HTTP from 127.0.0.1 by a thread of the test, to any number of
 // requests, while the program under test runs.

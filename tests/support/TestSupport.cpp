@@ -43,6 +43,10 @@ int runProgram(const QString& program, const QStringList& arguments, QString* ou
     return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
 }
 
+int orvella(const QStringList& arguments, QString* out, QString* err) {
+    return runProgram(QStringLiteral(ORVELLA_BINARY), arguments, out, err);
+}
+
 QByteArray readFile(const QString& path, const QByteArray& ifMissing) {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : ifMissing;
