@@ -1,12 +1,16 @@
 #include "app/ProjectActions.h"
 
 #include <QDir>
+#include <QEventLoop>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QFutureWatcher>
 #include <QGridLayout>
 #include <QLineEdit>
 #include <QMenu>
+#include <QProgressDialog>
 #include <QSettings>
+#include <QtConcurrent/QtConcurrentRun>
 
 #include "collection/PhotoCollection.h"
 #include "generators/OutputKinds.h"
@@ -115,11 +119,27 @@ bool ProjectActions::maySetAsideChanges() {
 bool ProjectActions::saveProject() {
     const auto chosen = saveDialog();
     if (!chosen || chosen->first.isEmpty()) return false;
-    const SettingsStore& settings = *window_.settings;
-    const QString name = ProjectFile::projectName(chosen->second, settings);
-    const ProjectFile::SaveResult saved =
-        ProjectFile::save(chosen->first, name, window_.collection->arrangedObjects(), settings,
-                          ProjectFile::layoutForTab(window_.currentTab ? window_.currentTab() : 0));
+    const QString folder = chosen->first;
+    const QString name = ProjectFile::projectName(chosen->second, *window_.settings);
+    const QList<cCollectionViewItem> records = window_.collection->arrangedObjects();
+    const SettingsStore settings = *window_.settings;  // what is saved is what the user saw
+    const PresetLayout& layout =
+        ProjectFile::layoutForTab(window_.currentTab ? window_.currentTab() : 0);
+    // Copying many photos takes a while: off the window's thread, which keeps drawing behind a
+    // modal progress dialog until the copies are done.
+    QFutureWatcher<ProjectFile::SaveResult> copying;
+    QEventLoop waiting;
+    connect(&copying, &QFutureWatcherBase::finished, &waiting, &QEventLoop::quit);
+    copying.setFuture(QtConcurrent::run(
+        [&] { return ProjectFile::save(folder, name, records, settings, layout); }));
+    if (!copying.isFinished()) {
+        QProgressDialog progress(tr("Copying the photos into the project…"), QString(), 0, 0,
+                                 window_.widget);
+        progress.setWindowModality(Qt::ApplicationModal);
+        progress.setMinimumDuration(500);
+        waiting.exec();
+    }
+    const ProjectFile::SaveResult saved = copying.result();
     if (!saved.ok) {
         ui_->alert(tr("The project was not saved."), saved.error, true);
         return false;
