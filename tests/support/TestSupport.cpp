@@ -47,6 +47,14 @@ int orvella(const QStringList& arguments, QString* out, QString* err) {
     return runProgram(QStringLiteral(ORVELLA_BINARY), arguments, out, err);
 }
 
+QStringList filesUnder(const QString& dir) {
+    QStringList files;
+    for (QDirIterator it(dir, QDir::Files, QDirIterator::Subdirectories); it.hasNext();)
+        files.append(it.next().mid(dir.size()));
+    files.sort();
+    return files;
+}
+
 QByteArray readFile(const QString& path, const QByteArray& ifMissing) {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : ifMissing;

@@ -59,6 +59,9 @@ int runProgram(const QString& program, const QStringList& arguments, QString* ou
 // Runs this build's orvella with these arguments, as a user runs it; returns its exit code.
 int orvella(const QStringList& arguments, QString* out = nullptr, QString* err = nullptr);
 
+// The files below `dir` (which ends with "/"), as paths relative to it, sorted.
+QStringList filesUnder(const QString& dir);
+
 // The bytes of a file; `ifMissing` when it cannot be read.
 QByteArray readFile(const QString& path, const QByteArray& ifMissing = {});
 // Writes a file whole (its folder made when missing); a failure fails the test.

@@ -12,6 +12,7 @@
 #include "metadata/mMeta.h"
 #include "support/TestSupport.h"
 
+using testsupport::filesUnder;
 using testsupport::freshDir;
 using testsupport::runProgram;
 
@@ -42,14 +43,6 @@ QString header(const QString& path) {
     runProgram("vipsheader", {path}, &out);
     const QString info = out.trimmed().section(": ", -1);
     return info.section(' ', 0, 0) + " " + info.section(", ", -1);
-}
-
-QStringList filesUnder(const QString& dir) {
-    QStringList files;
-    for (QDirIterator it(dir, QDir::Files, QDirIterator::Subdirectories); it.hasNext();)
-        files.append(it.next().mid(dir.size()));
-    files.sort();
-    return files;
 }
 
 // The alerts shown, one "title|description[|stops]" line each.

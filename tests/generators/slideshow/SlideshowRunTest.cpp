@@ -10,6 +10,7 @@
 
 using fixtures::Pixel;
 using fixtures::Size;
+using testsupport::filesUnder;
 using testsupport::freshDir;
 
 namespace {
@@ -17,14 +18,6 @@ namespace {
 QString readText(const QString& path) {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : "<missing>";
-}
-
-QStringList filesUnder(const QString& dir) {
-    QStringList files;
-    for (QDirIterator it(dir, QDir::Files, QDirIterator::Subdirectories); it.hasNext();)
-        files.append(it.next().mid(dir.size()));
-    files.sort();
-    return files;
 }
 
 // A photo in one colour.
