@@ -433,14 +433,18 @@ void MainWindow::generate(const OutputKind& kind) {
     WindowUserInterface* ui = ui_;
     ui->resetCancel();
     runKindTitle_ = kind.title;
+    runKindName_ = kind.name;
     statusBar()->showMessage(
         tr("Writing the %1 into %2…").arg(kind.title, QDir::toNativeSeparators(folder)));
     const auto run = kind.run;
     const auto* cleanBox = findChild<QCheckBox*>(QStringLiteral("removeEarlierFiles_") + kind.name);
     const bool clean = cleanBox && cleanBox->isChecked();
-    run_.setFuture(QtConcurrent::run([run, folder, photos, snapshot, ui, clean] {
-        return run(photos, snapshot, *ui, RunOptions{folder, 0, true, clean});
-    }));
+    const RunOptions options{.destination = folder,
+                             .openFirstPage = true,
+                             .clean = clean,
+                             .carried = carried_.value(kind.name)};
+    run_.setFuture(QtConcurrent::run(
+        [run, photos, snapshot, ui, options] { return run(photos, snapshot, *ui, options); }));
 }
 
 void MainWindow::cancelRun() {
@@ -459,6 +463,7 @@ void MainWindow::runStateChanged(bool running) {
 void MainWindow::runFinished() {
     runStateChanged(false);
     const RunResult result = run_.result();
+    if (!result.carried.isEmpty()) carried_.insert(runKindName_, result.carried);
     if (!result.ok) {
         statusBar()->showMessage(tr("Nothing was written."));
         return;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QFutureWatcher>
+#include <QHash>
 #include <QMainWindow>
 
 #include "generators/OutputKinds.h"
@@ -74,6 +75,9 @@ class MainWindow : public QMainWindow {
     WindowUserInterface* ui_ = nullptr;
     QFutureWatcher<RunResult> run_;
     QString runKindTitle_;
+    QString runKindName_;
+    // What each kind's panel carries from its last run into the next (RunResult::carried).
+    QHash<QString, QHash<QString, QString>> carried_;
     QObject* adding_ = nullptr;  // the header reader of photos being added
     QStringList pendingFiles_;   // photos to add once it is done
     ProjectActions* projects_ = nullptr;

@@ -38,3 +38,12 @@ class CaptionBuilder {
     FileName rule_;
     mMeta meta_;
 };
+
+// The captions a kind's pages show: whether any, which items, their separator and what "Show
+// Filename" gives.
+struct CaptionRequest {
+    bool shown = false;
+    QString items;
+    QString separator;
+    CaptionBuilder::FileName fileName = CaptionBuilder::FileName::BaseName;
+};

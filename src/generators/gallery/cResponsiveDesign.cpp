@@ -3,17 +3,11 @@
 #include <QFileInfo>
 #include <algorithm>
 #include <limits>
-#include <mutex>
-#include <vector>
 
 #include "generators/common/CaptionBuilder.h"
-#include "generators/common/ImageWorkers.h"
-#include "generators/common/OutputFolder.h"
 #include "generators/common/PageText.h"
-#include "generators/common/RunManifest.h"
 #include "imaging/KLImageHandling.h"
 #include "presets/SettingsStore.h"
-#include "services/UserInterface.h"
 #include "services/cNSColorHandling.h"
 #include "services/cNSFileHandling.h"
 
@@ -338,11 +332,13 @@ GallerySettings cResponsiveDesign::readSettings(const SettingsStore& s,
     return g;
 }
 
-GalleryTexts cResponsiveDesign::pageTexts(const GallerySettings& g, const QList<PhotoEntry>& photos,
-                                          const QStringList& captions) {
-    GalleryTexts texts;
-    texts.stylesheet = g.gridModel ? GalleryCss::hCreateCssGridMod2(g.css, g.columns)
-                                   : GalleryCss::hCreateCss(g.css);
+QList<PageFile> cResponsiveDesign::pageTexts(const GallerySettings& g,
+                                             const QList<PhotoEntry>& photos,
+                                             const QStringList& captions) {
+    QList<PageFile> files = {{QStringLiteral("KLcss/klGScss.css"),
+                              g.gridModel ? GalleryCss::hCreateCssGridMod2(g.css, g.columns)
+                                          : GalleryCss::hCreateCss(g.css),
+                              false}};
     const int count = int(photos.size());
     const int perPage =
         int(std::clamp<qint64>(qint64(g.columns) * g.rows, 1, std::numeric_limits<int>::max()));
@@ -354,10 +350,11 @@ GalleryTexts cResponsiveDesign::pageTexts(const GallerySettings& g, const QList<
             const QString name = QFileInfo(photos[next].url.toLocalFile()).completeBaseName();
             blocks += photoBlock(g, name, captions.value(next));
         }
-        texts.pages.append({pageFileName(g.baseName, z), pageText(g, pages, blocks)});
+        files.append({pageFileName(g.baseName, z), pageText(g, pages, blocks)});
     }
-    texts.index = indexRedirectText(g.baseName);
-    return texts;
+    // Written after the pages, so a page base name of "index" is replaced by it, as it always was.
+    files.append({QStringLiteral("index.html"), indexRedirectText(g.baseName)});
+    return files;
 }
 
 QStringList cResponsiveDesign::hScaleImageMaxValueHTML(const QString& photoPath,
@@ -429,137 +426,100 @@ RunResult cResponsiveDesign::hCreateResponsiveHTML(const QString& destination,
 
 RunResult cResponsiveDesign::run(const QList<PhotoEntry>& photos, const SettingsStore& snapshot,
                                  UserInterface& ui, const RunOptions& options) {
-    RunResult result;
-    // Snapshot.
+    return runSite(cResponsiveDesign(snapshot, options.destination), photos, ui, options);
+}
+
+cResponsiveDesign::cResponsiveDesign(const SettingsStore& snapshot, const QString& destination) {
     SettingsStore s = snapshot;
-    ui.progressStart();
-    ui.progressStep(0.2);
     hPhotoRatioCalc(s);
-    const GallerySettings g = readSettings(s, options.destination);
-    result.firstPage = options.destination + pageFileName(g.baseName, 1);
-    ui.progressStep(0.2);
+    g_ = readSettings(s, destination);
+}
 
-    if (photos.isEmpty()) {
-        ui.alert(QStringLiteral("Sorry, you forgot to select photos."),
-                 QStringLiteral("Please choose the photos."), true);
-        ui.progressStop();
-        return result;
-    }
-    if (g.columns <= 0 || g.rows <= 0) {
-        ui.alert(QStringLiteral("Sorry, the page layout is not possible."),
-                 QStringLiteral("Columns and rows must be at least 1 (columns: %1, rows: %2).")
-                     .arg(g.columns)
-                     .arg(g.rows),
-                 true);
-        ui.progressStop();
-        return result;
-    }
-    // Nothing may be written outside the output folder, nor over a photo of the run.
-    if (!cNSFileHandling::isPlainFileName(g.baseName)) {
-        ui.alert(QStringLiteral("Sorry, the page name is not possible."),
-                 QStringLiteral("The page name \"%1\" must be a plain file name, without \"/\" "
-                                "and not \"..\".")
-                     .arg(g.baseName),
-                 true);
-        ui.progressStop();
-        return result;
-    }
-    const QString inside = OutputFolder::photoInside(options.destination, folders(), photos);
-    if (!inside.isEmpty()) {
-        ui.alert(QStringLiteral("Sorry, a photo lies where the gallery is written."), inside, true);
-        ui.progressStop();
-        return result;
-    }
-    ui.progressStep(0.2);
-    if (g.image.big.size <= g.image.thumb.size)
-        ui.alert(QStringLiteral("Sorry, some wrong properties"),
-                 QStringLiteral("\r- Lightbox images are smaller than your thumbnails. "
-                                "(Thumbnail size: %1)")
-                     .arg(g.image.thumb.size),
-                 false);
-    const qint64 perPage = qint64(g.columns) * g.rows;
+QString cResponsiveDesign::kind() const {
+    return QStringLiteral("gallery");
+}
+
+QString cResponsiveDesign::firstPage() const {
+    return pageFileName(g_.baseName, 1);
+}
+
+std::optional<RunAlert> cResponsiveDesign::refusal(const QList<PhotoEntry>& photos) const {
+    if (photos.isEmpty())
+        return RunAlert{QStringLiteral("Sorry, you forgot to select photos."),
+                        QStringLiteral("Please choose the photos.")};
+    if (g_.columns <= 0 || g_.rows <= 0)
+        return RunAlert{
+            QStringLiteral("Sorry, the page layout is not possible."),
+            QStringLiteral("Columns and rows must be at least 1 (columns: %1, rows: %2).")
+                .arg(g_.columns)
+                .arg(g_.rows)};
+    // Nothing may be written outside the output folder.
+    if (!cNSFileHandling::isPlainFileName(g_.baseName))
+        return RunAlert{QStringLiteral("Sorry, the page name is not possible."),
+                        QStringLiteral("The page name \"%1\" must be a plain file name, without "
+                                       "\"/\" and not \"..\".")
+                            .arg(g_.baseName)};
+    return std::nullopt;
+}
+
+QList<RunAlert> cResponsiveDesign::warnings(const QList<PhotoEntry>& photos) const {
+    QList<RunAlert> warnings;
+    if (g_.image.big.size <= g_.image.thumb.size)
+        warnings.append({QStringLiteral("Sorry, some wrong properties"),
+                         QStringLiteral("\r- Lightbox images are smaller than your thumbnails. "
+                                        "(Thumbnail size: %1)")
+                             .arg(g_.image.thumb.size)});
+    const qint64 perPage = qint64(g_.columns) * g_.rows;
     if (photos.size() % perPage == 0)  // the page count of an exact multiple is 0
-        ui.alert(QStringLiteral("No page will be written"),
-                 QStringLiteral("%1 photos fill exactly %2 pages of %3 photos (%4 columns x %5 "
-                                "rows); an exact multiple gives no page. Change the rows or the "
-                                "columns, or the number of photos.")
-                     .arg(photos.size())
-                     .arg(photos.size() / perPage)
-                     .arg(perPage)
-                     .arg(g.columns)
-                     .arg(g.rows),
-                 false);
-    ui.progressStep(0.2);
+        warnings.append(
+            {QStringLiteral("No page will be written"),
+             QStringLiteral("%1 photos fill exactly %2 pages of %3 photos (%4 columns x %5 "
+                            "rows); an exact multiple gives no page. Change the rows or the "
+                            "columns, or the number of photos.")
+                 .arg(photos.size())
+                 .arg(photos.size() / perPage)
+                 .arg(perPage)
+                 .arg(g_.columns)
+                 .arg(g_.rows)});
+    return warnings;
+}
 
-    // Captions (read in photo order with one metadata reader) and the page texts.
-    const QStringList captions =
-        CaptionBuilder::captions(g.showMetaData, g.captionItems, g.captionSeparator,
-                                 CaptionBuilder::FileName::WithExtension, photos);
-    const GalleryTexts texts = pageTexts(g, photos, captions);
-    ui.progressStep(0.2);
+CaptionRequest cResponsiveDesign::captionRequest() const {
+    return {g_.showMetaData, g_.captionItems, g_.captionSeparator,
+            CaptionBuilder::FileName::WithExtension};
+}
 
-    // What the run writes; with --clean what earlier runs wrote besides goes first.
-    QStringList keys, paths, planned;
-    QList<QStringList> derivatives;
-    for (const PhotoEntry& photo : photos) {
-        paths.append(photo.url.toLocalFile());
-        keys.append(QFileInfo(paths.last()).completeBaseName());
-        derivatives.append({"KLimages_s/" + keys.last() + u'.' + g.image.thumb.format,
-                            "KLimages_b/" + keys.last() + u'.' + g.image.big.format});
-        planned += derivatives.last();
-    }
-    for (const auto& page : texts.pages) planned.append(page.first);
-    planned << QStringLiteral("index.html") << QStringLiteral("KLcss/klGScss.css");
-    for (const QString& name : OutputFolder::lightboxFiles())
-        planned.append("KLovlightbox/" + name);
-    if (!g.patternSource.isEmpty()) planned.append("KLovPatterns/" + g.patternFileName);
-    OutputFolder out(options.destination);
-    RunManifest manifest(QStringLiteral("gallery"), options, ui);
-    manifest.removeEarlierFiles(planned, out);
+QList<PageFile> cResponsiveDesign::pages(const QList<PhotoEntry>& photos,
+                                         const QStringList& captions) const {
+    return pageTexts(g_, photos, captions);
+}
 
-    // Output folder.
-    out.createFolders(folders());
-    out.copyLightboxFiles(QStringLiteral("KLovlightbox/"));
-    if (!g.patternSource.isEmpty())
-        out.copyPattern(g.patternSource, "KLovPatterns/" + g.patternFileName);
+SupportFiles cResponsiveDesign::supportFiles() const {
+    return {folders(), QStringLiteral("KLovlightbox/"), g_.patternSource,
+            "KLovPatterns/" + g_.patternFileName};
+}
 
-    // Images, on every core, those unchanged since an earlier run kept; progress in photo order.
-    QStringList imageSettings{QString::number(g.image.thumbAction)};
-    for (const DerivativeSettings& d : {g.image.thumb, g.image.big})
-        imageSettings << QString::number(d.size) << QString::number(d.cropWidth)
-                      << QString::number(d.cropHeight) << QString::number(d.cropPosition)
-                      << QString::number(d.shiftX) << QString::number(d.shiftY) << d.frameColor
-                      << QString::number(d.frameWidth) << d.format << d.compression;
-    out.addFailures(ImageWorkers::makeAll(
-        keys, paths, options.threads,
-        manifest.keepingUnchanged(
-            paths, derivatives, RunManifest::settingsHash(imageSettings),
-            [&](int i) { return hScaleImageMaxValueHTML(paths[i], g.image); }),
-        ui, double(quint8(98 / photos.size())), &result.unfinished));
-    result.cancelled = !result.unfinished.isEmpty();
-    if (result.cancelled) {  // no page links to images that were never made
-        manifest.save(out);
-        ui.progressStop();
-        result.failures = out.failures();
-        result.ok = true;
-        return result;
-    }
+PhotoImages cResponsiveDesign::images(const QString& photoPath) const {
+    const QString base = QFileInfo(photoPath).completeBaseName();
+    return {base,
+            {"KLimages_s/" + base + u'.' + g_.image.thumb.format,
+             "KLimages_b/" + base + u'.' + g_.image.big.format}};
+}
 
-    // Pages.
-    ui.progressStep(0.2);
-    out.writeText(QStringLiteral("KLcss/klGScss.css"), texts.stylesheet, false);
-    ui.progressStep(0.2);
-    for (const auto& [name, text] : texts.pages) out.writeText(name, text);
-    ui.progressStep(0.2);
-    // Written after the pages, so a page base name of "index" is replaced by it, as it always was.
-    out.writeText(QStringLiteral("index.html"), texts.index);
+QStringList cResponsiveDesign::imageSettings() const {
+    QStringList values{QString::number(g_.image.thumbAction)};
+    for (const DerivativeSettings& d : {g_.image.thumb, g_.image.big})
+        values << QString::number(d.size) << QString::number(d.cropWidth)
+               << QString::number(d.cropHeight) << QString::number(d.cropPosition)
+               << QString::number(d.shiftX) << QString::number(d.shiftY) << d.frameColor
+               << QString::number(d.frameWidth) << d.format << d.compression;
+    return values;
+}
 
-    manifest.save(out);
+QStringList cResponsiveDesign::makeImages(const QString& photoPath) const {
+    return hScaleImageMaxValueHTML(photoPath, g_.image);
+}
 
-    if (options.openFirstPage) out.openPage(pageFileName(g.baseName, 1), ui);
-    ui.progressStep(0.2);
-    ui.progressStop();
-    result.failures = out.failures();
-    result.ok = true;
-    return result;
+double cResponsiveDesign::photoStep(qsizetype photos) const {
+    return double(quint8(98 / photos));  // kept in 8 bits, so 0 from 99 photos on
 }

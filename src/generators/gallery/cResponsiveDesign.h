@@ -53,22 +53,18 @@ struct GallerySettings {
     GalleryCssArgs css;
 };
 
-// What a gallery run writes, computed from the settings and the photos alone.
-struct GalleryTexts {
-    QList<std::pair<QString, QString>> pages;  // file name, text
-    QString stylesheet;
-    QString index;
-};
-
 // The Photo Gallery generator: pages of thumbnails with a lightbox, a stylesheet and a
-// redirecting index.html. Headless and callable from any thread; it reaches the user only through
-// UserInterface.
-class cResponsiveDesign {
+// redirecting index.html. An object is one run's generator, built from the settings snapshot;
+// headless and callable from any thread, it reaches the user only through UserInterface.
+class cResponsiveDesign : public SiteGenerator {
   public:
     static void registerControls(ControlRegistry& registry);
 
-    // The run, in stages: snapshot, captions and page texts, output folder, images (on every
-    // core), pages, open.
+    // The generator of a run of these settings (after hPhotoRatioCalc) into `destination`.
+    cResponsiveDesign(const SettingsStore& snapshot, const QString& destination);
+
+    // The run, in stages: snapshot, page texts, output folder, images (on every core), pages,
+    // open.
     static RunResult run(const QList<PhotoEntry>& photos, const SettingsStore& snapshot,
                          UserInterface& ui, const RunOptions& options);
     // The run into `destination` (a folder path ending in "/").
@@ -89,9 +85,10 @@ class cResponsiveDesign {
 
     // The settings of a run (after hPhotoRatioCalc).
     static GallerySettings readSettings(const SettingsStore& settings, const QString& destination);
-    // The pages, stylesheet and index page of `photos` with their captions. Pure.
-    static GalleryTexts pageTexts(const GallerySettings& settings, const QList<PhotoEntry>& photos,
-                                  const QStringList& captions);
+    // The stylesheet, the pages and the index page of `photos` with their captions, in the
+    // order they are written. Pure.
+    static QList<PageFile> pageTexts(const GallerySettings& settings,
+                                     const QList<PhotoEntry>& photos, const QStringList& captions);
     // Makes the thumbnail and the big image of one photo from one decode; returns what failed as
     // "path: reason".
     static QStringList hScaleImageMaxValueHTML(const QString& photoPath,
@@ -107,4 +104,23 @@ class cResponsiveDesign {
     static QString fileNameWeight(const QString& fileNameTitle, const QString& mappedTitleWeight);
     // The folders of a gallery under its destination.
     static const QStringList& folders();
+
+    const GallerySettings& settings() const { return g_; }
+
+    // One run's answers.
+    QString kind() const override;
+    QString firstPage() const override;
+    std::optional<RunAlert> refusal(const QList<PhotoEntry>& photos) const override;
+    QList<RunAlert> warnings(const QList<PhotoEntry>& photos) const override;
+    CaptionRequest captionRequest() const override;
+    QList<PageFile> pages(const QList<PhotoEntry>& photos,
+                          const QStringList& captions) const override;
+    SupportFiles supportFiles() const override;
+    PhotoImages images(const QString& photoPath) const override;
+    QStringList imageSettings() const override;
+    QStringList makeImages(const QString& photoPath) const override;
+    double photoStep(qsizetype photos) const override;
+
+  private:
+    GallerySettings g_;
 };

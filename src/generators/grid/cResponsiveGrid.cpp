@@ -2,16 +2,11 @@
 
 #include <QFileInfo>
 #include <QRegularExpression>
-#include <vector>
 
 #include "generators/common/CaptionBuilder.h"
-#include "generators/common/ImageWorkers.h"
-#include "generators/common/OutputFolder.h"
 #include "generators/common/PageText.h"
-#include "generators/common/RunManifest.h"
 #include "imaging/KLImageHandling.h"
 #include "presets/SettingsStore.h"
-#include "services/UserInterface.h"
 
 namespace {
 
@@ -28,7 +23,8 @@ QString lightboxCall(const QString& cellClass) {
 QString cellText(const PhotoEntry& photo, const QString& caption) {
     // The link is percent-encoded, so any file name works in a browser; the caption comes from
     // the photo's file name and metadata, so it is escaped and cannot add markup.
-    const QString image = PageText::urlPath(kImages, cResponsiveGrid::outputName(photo));
+    const QString image =
+        PageText::urlPath(kImages, cResponsiveGrid::outputName(photo.url.toLocalFile()));
     return "<div class=\"" + cResponsiveGrid::cellClass(photo) + "\"> \n<a href=\"" + image +
            "\" rel=\"klOVlightbox\" title=\"" + PageText::escapeAttribute(caption) +
            "\"> <img src=\"" + image + "\" style=\"width:100%\">\n</a>\n</div>\n\n";
@@ -106,8 +102,8 @@ QString cResponsiveGrid::cellClass(const PhotoEntry& photo) {
                                      : QStringLiteral("klovlImage4");
 }
 
-QString cResponsiveGrid::outputName(const PhotoEntry& photo) {
-    return QFileInfo(photo.url.toLocalFile()).completeBaseName() + QStringLiteral(".jpeg");
+QString cResponsiveGrid::outputName(const QString& photoPath) {
+    return QFileInfo(photoPath).completeBaseName() + QStringLiteral(".jpeg");
 }
 
 GridSettings cResponsiveGrid::readSettings(const SettingsStore& s, const QString& destination) {
@@ -153,12 +149,12 @@ GridSettings cResponsiveGrid::readSettings(const SettingsStore& s, const QString
     return g;
 }
 
-GridTexts cResponsiveGrid::pageTexts(const GridSettings& g, const QList<PhotoEntry>& photos,
-                                     const QStringList& captions) {
+QList<PageFile> cResponsiveGrid::pageTexts(const GridSettings& g, const QList<PhotoEntry>& photos,
+                                           const QStringList& captions) {
     QString cells;
     for (int i = 0; i < photos.size(); ++i) cells += cellText(photos[i], captions.value(i));
-    return {g.pageName + QStringLiteral(".html"), pageText(g, cells),
-            GridCss::hCreateResponsiveGridCss(g.css)};
+    return {{kStylesheet, GridCss::hCreateResponsiveGridCss(g.css), false},
+            {g.pageName + QStringLiteral(".html"), pageText(g, cells)}};
 }
 
 QStringList cResponsiveGrid::hMakeGridImage(const QString& photoPath, const QString& folder,
@@ -194,86 +190,61 @@ RunResult cResponsiveGrid::hCreateResponsiveGrid(const QString& destination,
 
 RunResult cResponsiveGrid::run(const QList<PhotoEntry>& photos, const SettingsStore& snapshot,
                                UserInterface& ui, const RunOptions& options) {
-    RunResult result;
-    ui.progressStart();
-    ui.progressStep(0.2);
-    const GridSettings g = readSettings(snapshot, options.destination);
-    result.firstPage = options.destination + g.pageName + QStringLiteral(".html");
-    ui.progressStep(0.2);
+    return runSite(cResponsiveGrid(snapshot, options.destination), photos, ui, options);
+}
 
-    // Refusals, before anything is written.
-    auto refuse = [&](const QString& title, const QString& text) {
-        ui.alert(title, text, true);
-        ui.progressStop();
-        return result;
-    };
+cResponsiveGrid::cResponsiveGrid(const SettingsStore& snapshot, const QString& destination)
+    : g_(readSettings(snapshot, destination)), destination_(destination) {}
+
+QString cResponsiveGrid::kind() const {
+    return QStringLiteral("grid");
+}
+
+QString cResponsiveGrid::firstPage() const {
+    return g_.pageName + QStringLiteral(".html");
+}
+
+std::optional<RunAlert> cResponsiveGrid::refusal(const QList<PhotoEntry>& photos) const {
     if (photos.isEmpty())
-        return refuse(QStringLiteral("Sorry, you forgot to select photos."),
-                      QStringLiteral("Please choose the photos."));
-    if (const QString inside = OutputFolder::photoInside(options.destination, folders(), photos);
-        !inside.isEmpty())
-        return refuse(QStringLiteral("Sorry, a photo lies where the grid is written."), inside);
-    if (g.columns == 0)
-        return refuse(QStringLiteral("Sorry, the grid layout is not possible."),
-                      QStringLiteral("The maximum number of columns must be a whole number from 1 "
-                                     "to 1200 (now: \"%1\").")
-                          .arg(g.columnsText));
-    if (!isUsableName(g.pageName))
-        return refuse(QStringLiteral("Sorry, the page name is not possible."),
-                      QStringLiteral("Please give the page a name without \"/\", \"\\\" or "
-                                     "\"..\" (now: \"%1\").")
-                          .arg(g.pageName));
-    ui.progressStep(0.2);
+        return RunAlert{QStringLiteral("Sorry, you forgot to select photos."),
+                        QStringLiteral("Please choose the photos.")};
+    if (g_.columns == 0)
+        return RunAlert{QStringLiteral("Sorry, the grid layout is not possible."),
+                        QStringLiteral("The maximum number of columns must be a whole number "
+                                       "from 1 to 1200 (now: \"%1\").")
+                            .arg(g_.columnsText)};
+    if (!isUsableName(g_.pageName))
+        return RunAlert{QStringLiteral("Sorry, the page name is not possible."),
+                        QStringLiteral("Please give the page a name without \"/\", \"\\\" or "
+                                       "\"..\" (now: \"%1\").")
+                            .arg(g_.pageName)};
+    return std::nullopt;
+}
 
-    // Captions (read in photo order with one metadata reader) and the texts.
-    const QStringList captions =
-        CaptionBuilder::captions(g.showCaptions, g.captionItems, g.captionSeparator,
-                                 CaptionBuilder::FileName::BaseName, photos);
-    const GridTexts texts = pageTexts(g, photos, captions);
-    ui.progressStep(0.2);
+CaptionRequest cResponsiveGrid::captionRequest() const {
+    return {g_.showCaptions, g_.captionItems, g_.captionSeparator,
+            CaptionBuilder::FileName::BaseName};
+}
 
-    // What the run writes; with --clean what earlier runs wrote besides goes first.
-    QStringList keys, paths, planned;
-    QList<QStringList> images;
-    for (const PhotoEntry& photo : photos) {
-        keys.append(outputName(photo));
-        paths.append(photo.url.toLocalFile());
-        images.append({kImages + u'/' + keys.last()});
-        planned += images.last();
-    }
-    planned << texts.pageFileName << kStylesheet;
-    for (const QString& name : OutputFolder::lightboxFiles())
-        planned.append("KLovlightbox/" + name);
-    if (!g.patternSource.isEmpty()) planned.append("KLovPatterns/" + g.patternFileName);
-    OutputFolder out(options.destination);
-    RunManifest manifest(QStringLiteral("grid"), options, ui);
-    manifest.removeEarlierFiles(planned, out);
+QList<PageFile> cResponsiveGrid::pages(const QList<PhotoEntry>& photos,
+                                       const QStringList& captions) const {
+    return pageTexts(g_, photos, captions);
+}
 
-    // Output folder.
-    out.createFolders(folders());
-    out.copyLightboxFiles(QStringLiteral("KLovlightbox/"));
-    if (!g.patternSource.isEmpty())
-        out.copyPattern(g.patternSource, "KLovPatterns/" + g.patternFileName);
+SupportFiles cResponsiveGrid::supportFiles() const {
+    return {folders(), QStringLiteral("KLovlightbox/"), g_.patternSource,
+            "KLovPatterns/" + g_.patternFileName};
+}
 
-    // Images, on every core, those unchanged since an earlier run kept; progress in photo order.
-    const QString folder = options.destination + kImages + u'/';
-    out.addFailures(ImageWorkers::makeAll(
-        keys, paths, options.threads,
-        manifest.keepingUnchanged(paths, images, RunManifest::settingsHash({kGridImageWidth}),
-                                  [&](int i) { return hMakeGridImage(paths[i], folder, keys[i]); }),
-        ui, double(98 / photos.size()), &result.unfinished));
+PhotoImages cResponsiveGrid::images(const QString& photoPath) const {
+    const QString name = outputName(photoPath);
+    return {name, {kImages + u'/' + name}};
+}
 
-    // Stylesheet and page.
-    ui.progressStep(0.2);
-    out.writeText(kStylesheet, texts.stylesheet, false);
-    out.writeText(texts.pageFileName, texts.page);
-    manifest.save(out);
-    ui.progressStep(0.2);
+QStringList cResponsiveGrid::imageSettings() const {
+    return {kGridImageWidth};
+}
 
-    result.cancelled = !result.unfinished.isEmpty();
-    if (options.openFirstPage && !result.cancelled) out.openPage(texts.pageFileName, ui);
-    ui.progressStop();
-    result.failures = out.failures();
-    result.ok = true;
-    return result;
+QStringList cResponsiveGrid::makeImages(const QString& photoPath) const {
+    return hMakeGridImage(photoPath, destination_ + kImages + u'/', outputName(photoPath));
 }

@@ -29,19 +29,16 @@ struct GridSettings {
     GridCssArgs css;
 };
 
-// What a Responsive Grid run writes, computed from the settings and the photos alone.
-struct GridTexts {
-    QString pageFileName;  // such as "index.html"
-    QString page;
-    QString stylesheet;
-};
-
 // The Responsive Grid generator: one page of every published photo in a dense CSS grid whose
 // highlighted photos take larger cells, opening in a lightbox; its stylesheet and the grid images.
-// Headless and callable from any thread; it reaches the user only through UserInterface.
-class cResponsiveGrid {
+// An object is one run's generator, built from the settings snapshot; headless and callable from
+// any thread, it reaches the user only through UserInterface.
+class cResponsiveGrid : public SiteGenerator {
   public:
     static void registerControls(ControlRegistry& registry);
+
+    // The generator of a run of these settings into `destination`.
+    cResponsiveGrid(const SettingsStore& snapshot, const QString& destination);
 
     // The run, in stages: snapshot, refusals, captions and page texts, output folder, images (on
     // every core), stylesheet and page, open.
@@ -60,14 +57,14 @@ class cResponsiveGrid {
     // --- Stages, public for the window and the tests.
 
     static GridSettings readSettings(const SettingsStore& settings, const QString& destination);
-    // The page and the stylesheet of `photos` with their captions. Pure.
-    static GridTexts pageTexts(const GridSettings& settings, const QList<PhotoEntry>& photos,
-                               const QStringList& captions);
+    // The stylesheet and the page of `photos` with their captions. Pure.
+    static QList<PageFile> pageTexts(const GridSettings& settings, const QList<PhotoEntry>& photos,
+                                     const QStringList& captions);
     // The class of a photo's cell: "klovlImage", or for a highlighted photo "klovlImage4"
     // (landscape) or "klovlImage klovlImageVertical" (portrait or square).
     static QString cellClass(const PhotoEntry& photo);
     // The grid image's file name: the photo's base name + ".jpeg".
-    static QString outputName(const PhotoEntry& photo);
+    static QString outputName(const QString& photoPath);
     // Makes the grid image of one photo, 960 pixels wide, into `folder`; returns what failed as
     // "path: reason".
     static QStringList hMakeGridImage(const QString& photoPath, const QString& folder,
@@ -76,4 +73,20 @@ class cResponsiveGrid {
     static int columnCount(const QString& text);
     // The folders of a grid under its destination.
     static const QStringList& folders();
+
+    // One run's answers.
+    QString kind() const override;
+    QString firstPage() const override;
+    std::optional<RunAlert> refusal(const QList<PhotoEntry>& photos) const override;
+    CaptionRequest captionRequest() const override;
+    QList<PageFile> pages(const QList<PhotoEntry>& photos,
+                          const QStringList& captions) const override;
+    SupportFiles supportFiles() const override;
+    PhotoImages images(const QString& photoPath) const override;
+    QStringList imageSettings() const override;
+    QStringList makeImages(const QString& photoPath) const override;
+
+  private:
+    GridSettings g_;
+    QString destination_;
 };

@@ -2,22 +2,20 @@
 
 #include <QFileInfo>
 #include <QRegularExpression>
-#include <array>
-#include <mutex>
 #include <optional>
 
 #include "generators/common/CaptionBuilder.h"
-#include "generators/common/ImageWorkers.h"
-#include "generators/common/OutputFolder.h"
 #include "generators/common/PageText.h"
-#include "generators/common/RunManifest.h"
 #include "imaging/KLImageHandling.h"
 #include "imaging/Picture.h"
 #include "presets/SettingsStore.h"
 #include "services/TextValues.h"
-#include "services/UserInterface.h"
 
 namespace {
+
+const QString kStylesheet = QStringLiteral("KLSlideShowcss/klovlSlideshow.css");
+const QString kSlides = QStringLiteral("KLSsImages/");
+const QString kCaptionWeight = QStringLiteral("mySsFileNameFontStyle");
 
 // The maker's reference that stands in every slide whenever buttons or dots are shown.
 const QString kReference = QStringLiteral(
@@ -102,35 +100,30 @@ QString classicScript(const SlideshowSettings& p) {
            show(QStringLiteral("klSsActive"));
 }
 
-struct Refusal {
-    QString title;
-    QString text;
-};
-
 // Whether a run cannot be made of these settings and photos, and why.
-std::optional<Refusal> refusalOf(const SlideshowSettings& p, bool slider, qsizetype photos) {
+std::optional<RunAlert> refusalOf(const SlideshowSettings& p, bool slider, qsizetype photos) {
     if (photos == 0)
-        return Refusal{QStringLiteral("Sorry, you forgot to select photos."),
-                       QStringLiteral("Please choose the photos.")};
+        return RunAlert{QStringLiteral("Sorry, you forgot to select photos."),
+                        QStringLiteral("Please choose the photos.")};
     if (p.pageName.isEmpty() || p.pageName.contains(u'/') || p.pageName.contains(u'\\') ||
         p.pageName.contains(QStringLiteral("..")))
-        return Refusal{QStringLiteral("Sorry, the page name is not possible."),
-                       QStringLiteral("\"%1\" cannot name a page in the output folder: give a "
-                                      "name without \"/\", \"\\\" or \"..\".")
-                           .arg(p.pageName)};
+        return RunAlert{QStringLiteral("Sorry, the page name is not possible."),
+                        QStringLiteral("\"%1\" cannot name a page in the output folder: give a "
+                                       "name without \"/\", \"\\\" or \"..\".")
+                            .arg(p.pageName)};
     const int width = TextValues::intValue(p.imageWidth);
     const int height = TextValues::intValue(p.imageHeight);
     if (width < 1 || height < 1)
-        return Refusal{QStringLiteral("Sorry, the photo box is not possible."),
-                       QStringLiteral("Width and height must be at least 1 pixel (width: %1, "
-                                      "height: %2).")
-                           .arg(width)
-                           .arg(height)};
+        return RunAlert{QStringLiteral("Sorry, the photo box is not possible."),
+                        QStringLiteral("Width and height must be at least 1 pixel (width: %1, "
+                                       "height: %2).")
+                            .arg(width)
+                            .arg(height)};
     // The interval goes into the page's script or stylesheet as it stands: a number only.
     static const QRegularExpression seconds(QStringLiteral("^(\\d+\\.?\\d*|\\.\\d+)$"));
     if ((slider || p.autorun) && !seconds.match(p.interval).hasMatch())
-        return Refusal{QStringLiteral("Sorry, the interval is not possible."),
-                       QStringLiteral("\"%1\" is not a number of seconds.").arg(p.interval)};
+        return RunAlert{QStringLiteral("Sorry, the interval is not possible."),
+                        QStringLiteral("\"%1\" is not a number of seconds.").arg(p.interval)};
     return std::nullopt;
 }
 
@@ -156,11 +149,12 @@ const QStringList& cSlideshow::folders() {
     return list;
 }
 
-QString cSlideshow::slideName(const PhotoEntry& photo) {
-    return QFileInfo(photo.url.toLocalFile()).completeBaseName() + QStringLiteral(".jpeg");
+QString cSlideshow::slideName(const QString& photoPath) {
+    return QFileInfo(photoPath).completeBaseName() + QStringLiteral(".jpeg");
 }
 
-SlideshowSettings cSlideshow::readSettings(const SettingsStore& s, const QString& destination) {
+SlideshowSettings cSlideshow::readSettings(const SettingsStore& s, const QString& destination,
+                                           const QString& previousCaptionWeight) {
     SlideshowSettings p;
     p.templateIndex = s.index("pubSsTemplateChoice");
     p.pageName = s.text("tfSsPageName");
@@ -195,11 +189,12 @@ SlideshowSettings cSlideshow::readSettings(const SettingsStore& s, const QString
     // A "Light" caption weight lands in the heading weight and leaves the caption weight of the
     // previous run: kept as it always was.
     const QString captionWeight = s.title("pubSsFileNameWeight");
-    if (captionWeight == u"Light")
+    if (captionWeight == u"Light") {
         css.headingWeight = QStringLiteral("300");
-    else
-        mySsFileNameFontStyle = PageText::weight(captionWeight);
-    css.captionWeight = mySsFileNameFontStyle;
+        css.captionWeight = previousCaptionWeight;
+    } else {
+        css.captionWeight = PageText::weight(captionWeight);
+    }
     css.headingColor = PageText::hashColor(s.text("tfSsHTMLTitleFontColor"));
     css.headingAlign = PageText::alignment(s.integer("scSsHTMLTitleTxtAlign"));
     css.captionFontSize = s.title("pubSsFileNameSize");
@@ -216,12 +211,14 @@ SlideshowSettings cSlideshow::readSettings(const SettingsStore& s, const QString
     return p;
 }
 
-SlideshowTexts cSlideshow::classicTexts(const SlideshowSettings& p, const QList<PhotoEntry>& photos,
-                                        const QStringList& captions) {
+QList<PageFile> cSlideshow::classicTexts(const SlideshowSettings& p,
+                                         const QList<PhotoEntry>& photos,
+                                         const QStringList& captions) {
     QString html = pageStart(p);
     const int count = int(photos.size());
     for (int i = 0; i < count; ++i)
-        html += classicSlide(p, i + 1, count, slideName(photos[i]), captions.value(i));
+        html += classicSlide(p, i + 1, count, slideName(photos[i].url.toLocalFile()),
+                             captions.value(i));
     html += QStringLiteral("<!-- Slideshow container: End-->\n");
     if (p.buttons)
         html +=
@@ -237,19 +234,22 @@ SlideshowTexts cSlideshow::classicTexts(const SlideshowSettings& p, const QList<
         html += "</div>\n";
     }
     html += classicScript(p) + "}\n</script>\n" + pageEnd(p);
-    return {html, SlideshowCss::hCreateSlideShowCss(p.css)};
+    return {{kStylesheet, SlideshowCss::hCreateSlideShowCss(p.css), false},
+            {p.pageName + QStringLiteral(".html"), html}};
 }
 
-SlideshowTexts cSlideshow::sliderTexts(const SlideshowSettings& p,
-                                       const QList<PhotoEntry>& photos) {
+QList<PageFile> cSlideshow::sliderTexts(const SlideshowSettings& p,
+                                        const QList<PhotoEntry>& photos) {
     QString html = pageStart(p);
     QStringList images;
     for (qsizetype i = 0; i < photos.size(); ++i) {
         html += "<div class=\"slideProp slide" + QString::number(i) + "\">\n</div>\n\n";
-        images.append(slideName(photos[i]));
+        images.append(slideName(photos[i].url.toLocalFile()));
     }
     html += "</div>\n\n<!-- Slideshow container: End-->\n" + pageEnd(p);
-    return {html, SlideshowCss::hCreateSlideSliderShowCss(p.css, images, p.interval)};
+    return {
+        {kStylesheet, SlideshowCss::hCreateSlideSliderShowCss(p.css, images, p.interval), false},
+        {p.pageName + QStringLiteral(".html"), html}};
 }
 
 QStringList cSlideshow::hMakeSlide(const QString& photoPath, const QString& boxWidth,
@@ -282,122 +282,71 @@ QStringList cSlideshow::hMakeSlide(const QString& photoPath, const QString& boxW
 
 RunResult cSlideshow::run(const QList<PhotoEntry>& photos, const SettingsStore& snapshot,
                           UserInterface& ui, const RunOptions& options) {
-    // One panel, one object: its runs follow one another, whichever thread they run on.
-    static std::mutex mutex;
-    static cSlideshow windowSlideshow;
-    const std::lock_guard lock(mutex);
-    return windowSlideshow.hCreateSlideShow(photos, snapshot, ui, options);
+    return hCreateSlideShow(photos, snapshot, ui, options);
 }
 
 RunResult cSlideshow::hCreateSlideShow(const QList<PhotoEntry>& photos,
                                        const SettingsStore& snapshot, UserInterface& ui,
                                        const RunOptions& options) {
-    using Writer = RunResult (cSlideshow::*)(const QList<PhotoEntry>&, const SettingsStore&,
-                                             UserInterface&, const RunOptions&);
-    static constexpr std::array<Writer, 3> writers = {&cSlideshow::hCreateClassicCSS,
-                                                      &cSlideshow::hCreateClassicCSS,
-                                                      &cSlideshow::hCreateSliderSs};
     const int index = snapshot.index("pubSsTemplateChoice");
-    if (index < 0 || index >= int(writers.size())) return {};
-    return (this->*writers[size_t(index)])(photos, snapshot, ui, options);
+    if (index < 0 || index > 2) return {};
+    return runSite(cSlideshow(snapshot, options), photos, ui, options);
 }
 
-RunResult cSlideshow::hCreateClassicCSS(const QList<PhotoEntry>& photos,
-                                        const SettingsStore& snapshot, UserInterface& ui,
-                                        const RunOptions& options) {
-    return generate(false, photos, snapshot, ui, options);
+cSlideshow::cSlideshow(const SettingsStore& snapshot, const RunOptions& options)
+    : p_(readSettings(snapshot, options.destination, options.carried.value(kCaptionWeight))),
+      destination_(options.destination) {}
+
+QString cSlideshow::kind() const {
+    return QStringLiteral("slideshow");
 }
 
-RunResult cSlideshow::hCreateSliderSs(const QList<PhotoEntry>& photos,
-                                      const SettingsStore& snapshot, UserInterface& ui,
-                                      const RunOptions& options) {
-    return generate(true, photos, snapshot, ui, options);
+QString cSlideshow::firstPage() const {
+    return p_.pageName + QStringLiteral(".html");
 }
 
-RunResult cSlideshow::generate(bool slider, const QList<PhotoEntry>& photos,
-                               const SettingsStore& snapshot, UserInterface& ui,
-                               const RunOptions& options) {
-    RunResult result;
-    // Snapshot.
-    ui.progressStart();
-    ui.progressStep(0.2);
-    const SlideshowSettings p = readSettings(snapshot, options.destination);
-    const QString pageFile = p.pageName + QStringLiteral(".html");
-    result.firstPage = options.destination + pageFile;
-    ui.progressStep(0.2);
+std::optional<RunAlert> cSlideshow::refusal(const QList<PhotoEntry>& photos) const {
+    return refusalOf(p_, p_.templateIndex == 2, photos.size());
+}
 
-    if (const std::optional<Refusal> refusal = refusalOf(p, slider, photos.size())) {
-        ui.alert(refusal->title, refusal->text, true);
-        ui.progressStop();
-        return result;
-    }
-    if (const QString inside = OutputFolder::photoInside(options.destination, folders(), photos);
-        !inside.isEmpty()) {
-        ui.alert(QStringLiteral("Sorry, a photo lies where the slideshow is written."), inside,
-                 true);
-        ui.progressStop();
-        return result;
-    }
-    if (!slider && !p.autorun && !p.buttons)
-        ui.alert(QStringLiteral("The slides do not change by themselves"),
-                 p.dots ? QStringLiteral("Autorun and the previous and next buttons are off: "
-                                         "only the dots move between the slides.")
-                        : QStringLiteral("Autorun, the buttons and the dots are off: the show "
-                                         "stays on its first slide."),
-                 false);
-    ui.progressStep(0.2);
+QList<RunAlert> cSlideshow::warnings(const QList<PhotoEntry>&) const {
+    if (p_.templateIndex == 2 || p_.autorun || p_.buttons) return {};
+    return {{QStringLiteral("The slides do not change by themselves"),
+             p_.dots ? QStringLiteral("Autorun and the previous and next buttons are off: only "
+                                      "the dots move between the slides.")
+                     : QStringLiteral("Autorun, the buttons and the dots are off: the show stays "
+                                      "on its first slide.")}};
+}
 
-    // Captions (read in photo order with one metadata reader; the slider computes them but
-    // shows none) and the page texts.
-    const QStringList captions = CaptionBuilder::captions(
-        p.captions, p.captionItems, p.captionSeparator, CaptionBuilder::FileName::BaseName, photos);
-    const SlideshowTexts texts =
-        slider ? sliderTexts(p, photos) : classicTexts(p, photos, captions);
-    ui.progressStep(0.2);
+CaptionRequest cSlideshow::captionRequest() const {
+    // The slider computes the captions but shows none.
+    return {p_.captions, p_.captionItems, p_.captionSeparator, CaptionBuilder::FileName::BaseName};
+}
 
-    // What the run writes; with --clean what earlier runs wrote besides goes first.
-    QStringList names, paths, planned;
-    QList<QStringList> slides;
-    for (const PhotoEntry& photo : photos) {
-        names.append(slideName(photo));
-        paths.append(photo.url.toLocalFile());
-        slides.append({"KLSsImages/" + names.last()});
-        planned += slides.last();
-    }
-    planned << pageFile << QStringLiteral("KLSlideShowcss/klovlSlideshow.css");
-    if (!p.patternSource.isEmpty()) planned.append("KLovPatterns/" + p.patternFileName);
-    OutputFolder out(options.destination);
-    RunManifest manifest(QStringLiteral("slideshow"), options, ui);
-    manifest.removeEarlierFiles(planned, out);
+QList<PageFile> cSlideshow::pages(const QList<PhotoEntry>& photos,
+                                  const QStringList& captions) const {
+    return p_.templateIndex == 2 ? sliderTexts(p_, photos) : classicTexts(p_, photos, captions);
+}
 
-    // Output folder.
-    out.createFolders(folders());
-    if (!p.patternSource.isEmpty())
-        out.copyPattern(p.patternSource, "KLovPatterns/" + p.patternFileName);
-    ui.progressStep(0.2);
+SupportFiles cSlideshow::supportFiles() const {
+    return {folders(), QString(), p_.patternSource, "KLovPatterns/" + p_.patternFileName};
+}
 
-    // Slides, on every core, those unchanged since an earlier run kept; photos with one base name
-    // share one slide, the last one made.
-    const QString slideFolder = options.destination + QStringLiteral("KLSsImages/");
-    out.addFailures(ImageWorkers::makeAll(
-        names, paths, options.threads,
-        manifest.keepingUnchanged(
-            paths, slides, RunManifest::settingsHash({p.imageWidth, p.imageHeight}),
-            [&](int i) {
-                return hMakeSlide(paths[i], p.imageWidth, p.imageHeight, slideFolder + names[i]);
-            }),
-        ui, double(98 / photos.size()), &result.unfinished));
+PhotoImages cSlideshow::images(const QString& photoPath) const {
+    // Photos with one base name share one slide, the last one made.
+    const QString name = slideName(photoPath);
+    return {name, {kSlides + name}};
+}
 
-    // Stylesheet and page.
-    ui.progressStep(0.2);
-    out.writeText(QStringLiteral("KLSlideShowcss/klovlSlideshow.css"), texts.stylesheet, false);
-    out.writeText(pageFile, texts.page);
-    manifest.save(out);
-    ui.progressStep(0.2);
-    result.cancelled = !result.unfinished.isEmpty();
-    result.failures = out.failures();
-    if (options.openFirstPage && !result.cancelled) out.openPage(pageFile, ui);
-    ui.progressStop();
-    result.ok = true;
-    return result;
+QStringList cSlideshow::imageSettings() const {
+    return {p_.imageWidth, p_.imageHeight};
+}
+
+QStringList cSlideshow::makeImages(const QString& photoPath) const {
+    return hMakeSlide(photoPath, p_.imageWidth, p_.imageHeight,
+                      destination_ + kSlides + slideName(photoPath));
+}
+
+QHash<QString, QString> cSlideshow::carried() const {
+    return {{kCaptionWeight, p_.css.captionWeight}};
 }

@@ -37,36 +37,29 @@ struct SlideshowSettings {
     SlideshowCssArgs css;
 };
 
-// What a slideshow run writes, computed from the settings and the photos alone.
-struct SlideshowTexts {
-    QString page;
-    QString stylesheet;
-};
-
 // The Slideshow generator: one page showing one photo at a time, either the classic page (a
 // script, buttons, dots, a counter, captions) or the slider (a CSS animation alone), with its
-// stylesheet and one slide image per photo. Headless and callable from any thread; it reaches the
-// user only through UserInterface.
+// stylesheet and one slide image per photo. An object is one run's generator, built from the
+// settings snapshot; headless and callable from any thread, it reaches the user only through
+// UserInterface.
 //
-// An object is one slideshow panel: it keeps the caption weight of its last run, which a caption
-// weight of "Light" leaves in place (see readSettings). The window's runs go through one object.
-class cSlideshow {
+// The slideshow panel carries the caption weight of its last run into the next, which a caption
+// weight of "Light" leaves in place (see readSettings): RunResult::carried to RunOptions::carried.
+class cSlideshow : public SiteGenerator {
   public:
     static void registerControls(ControlRegistry& registry);
-    // A run of the window's slideshow object.
-    static RunResult run(const QList<PhotoEntry>& photos, const SettingsStore& snapshot,
-                         UserInterface& ui, const RunOptions& options);
+
+    // The generator of a run of these settings into `options.destination`, after the panel's
+    // previous run (`options.carried`).
+    cSlideshow(const SettingsStore& snapshot, const RunOptions& options);
 
     // The run of the page kind chosen by pubSsTemplateChoice: 0 and 1 the classic page, 2 the
     // slider; any other index writes nothing (and is not ok).
-    RunResult hCreateSlideShow(const QList<PhotoEntry>& photos, const SettingsStore& snapshot,
-                               UserInterface& ui, const RunOptions& options);
-    // The classic page with its images and stylesheet.
-    RunResult hCreateClassicCSS(const QList<PhotoEntry>& photos, const SettingsStore& snapshot,
-                                UserInterface& ui, const RunOptions& options);
-    // The slider page with its images and stylesheet.
-    RunResult hCreateSliderSs(const QList<PhotoEntry>& photos, const SettingsStore& snapshot,
-                              UserInterface& ui, const RunOptions& options);
+    static RunResult run(const QList<PhotoEntry>& photos, const SettingsStore& snapshot,
+                         UserInterface& ui, const RunOptions& options);
+    static RunResult hCreateSlideShow(const QList<PhotoEntry>& photos,
+                                      const SettingsStore& snapshot, UserInterface& ui,
+                                      const RunOptions& options);
 
     // After the buttons box changed: a show without buttons runs by itself.
     static void hCheckVisebility(SettingsStore& settings);
@@ -78,18 +71,19 @@ class cSlideshow {
     // --- Stages, public for the tests.
 
     // The settings of a run. When the caption weight is "Light", 300 goes into the heading weight
-    // and the caption weight stays what this object's previous run stored (empty on a first run);
-    // kept on purpose.
-    SlideshowSettings readSettings(const SettingsStore& settings, const QString& destination);
+    // and the caption weight stays `previousCaptionWeight`, that of the panel's previous run
+    // (empty on a first run); kept on purpose.
+    static SlideshowSettings readSettings(const SettingsStore& settings, const QString& destination,
+                                          const QString& previousCaptionWeight = {});
     // The classic page and its stylesheet for `photos` with their captions. Pure.
-    static SlideshowTexts classicTexts(const SlideshowSettings& settings,
-                                       const QList<PhotoEntry>& photos,
-                                       const QStringList& captions);
+    static QList<PageFile> classicTexts(const SlideshowSettings& settings,
+                                        const QList<PhotoEntry>& photos,
+                                        const QStringList& captions);
     // The slider page and its stylesheet. Pure.
-    static SlideshowTexts sliderTexts(const SlideshowSettings& settings,
-                                      const QList<PhotoEntry>& photos);
+    static QList<PageFile> sliderTexts(const SlideshowSettings& settings,
+                                       const QList<PhotoEntry>& photos);
     // The slide image of a photo: base name + ".jpeg".
-    static QString slideName(const PhotoEntry& photo);
+    static QString slideName(const QString& photoPath);
     // Makes the slide of one photo, covering the box and keeping its centre, as a JPEG at
     // `outputPath`; returns what failed as "path: reason".
     static QStringList hMakeSlide(const QString& photoPath, const QString& boxWidth,
@@ -97,9 +91,21 @@ class cSlideshow {
     // The folders of a slideshow under its destination.
     static const QStringList& folders();
 
-  private:
-    RunResult generate(bool slider, const QList<PhotoEntry>& photos, const SettingsStore& snapshot,
-                       UserInterface& ui, const RunOptions& options);
+    // One run's answers.
+    QString kind() const override;
+    QString firstPage() const override;
+    std::optional<RunAlert> refusal(const QList<PhotoEntry>& photos) const override;
+    QList<RunAlert> warnings(const QList<PhotoEntry>& photos) const override;
+    CaptionRequest captionRequest() const override;
+    QList<PageFile> pages(const QList<PhotoEntry>& photos,
+                          const QStringList& captions) const override;
+    SupportFiles supportFiles() const override;
+    PhotoImages images(const QString& photoPath) const override;
+    QStringList imageSettings() const override;
+    QStringList makeImages(const QString& photoPath) const override;
+    QHash<QString, QString> carried() const override;
 
-    QString mySsFileNameFontStyle;  // the caption weight, carried from run to run
+  private:
+    SlideshowSettings p_;
+    QString destination_;
 };

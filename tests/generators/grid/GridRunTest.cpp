@@ -249,8 +249,7 @@ TEST(GridImages, WholePercentStepFormatAndName) {
     };
     for (const auto& [name, w, h, size] : cases) {
         const QString path = makePhoto(src, name, w, h);
-        const PhotoEntry photo{QUrl::fromLocalFile(path), {}, "H", 0};
-        const QString output = cResponsiveGrid::outputName(photo);
+        const QString output = cResponsiveGrid::outputName(path);
         EXPECT_EQ(output, QFileInfo(name).completeBaseName() + ".jpeg");
         EXPECT_TRUE(cResponsiveGrid::hMakeGridImage(path, out, output).isEmpty()) << name;
         EXPECT_EQ(header(out + output), QString(size) + " jpegload") << name;

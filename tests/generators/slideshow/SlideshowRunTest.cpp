@@ -50,24 +50,20 @@ QString alerts(const RecordingUserInterface& ui) {
     return text;
 }
 
-// A run with a 40 x 30 box plus "name=value" overrides, through `slideshow`'s own object.
-RunResult run(cSlideshow& slideshow, const QString& dir, const QStringList& paths,
-              const QStringList& set, RecordingUserInterface& ui, int threads = 2,
-              const QStringList& descriptions = {}) {
+// A run with a 40 x 30 box plus "name=value" overrides, after a panel's run that left `carried`.
+RunResult run(const QString& dir, const QStringList& paths, const QStringList& set,
+              RecordingUserInterface& ui, int threads = 2, const QStringList& descriptions = {},
+              const QHash<QString, QString>& carried = {}) {
     std::vector<std::pair<QString, QString>> overrides = {{"tfSsImageWidth", "40"},
                                                           {"tfSsImageHeight", "30"}};
     for (const QString& s : set) overrides.push_back({s.section('=', 0, 0), s.section('=', 1)});
     QList<PhotoEntry> photos;
     for (int i = 0; i < paths.size(); ++i)
         photos.append({QUrl::fromLocalFile(paths[i]), descriptions.value(i)});
-    return slideshow.hCreateSlideShow(photos, testsupport::settingsWith(overrides), ui,
-                                      RunOptions{dir, threads, true});
-}
-
-RunResult run(const QString& dir, const QStringList& paths, const QStringList& set,
-              RecordingUserInterface& ui, int threads = 2, const QStringList& descriptions = {}) {
-    cSlideshow slideshow;
-    return run(slideshow, dir, paths, set, ui, threads, descriptions);
+    return cSlideshow::hCreateSlideShow(
+        photos, testsupport::settingsWith(overrides), ui,
+        RunOptions{
+            .destination = dir, .threads = threads, .openFirstPage = true, .carried = carried});
 }
 
 // The caption and heading weights of a stylesheet: "caption/heading".
@@ -83,11 +79,11 @@ QString weights(const QString& dir) {
 }  // namespace
 
 // A caption weight of "Light" goes into the heading weight and leaves the caption weight of the
-// object's previous run (none on its first run), in both page kinds.
+// panel's previous run (none on its first run), in both page kinds.
 TEST(SlideshowRun, LightCaptionWeightKeepsThePreviousOne) {
     const QString src = freshDir("slideshow-light-src");
     const QStringList photo = {solidPhoto(src, "a.png", 80, 60, {10, 20, 30})};
-    cSlideshow slideshow;
+    QHash<QString, QString> carried;
     const struct {
         QString caption, heading, kind, expected;
     } runs[] = {
@@ -98,14 +94,16 @@ TEST(SlideshowRun, LightCaptionWeightKeepsThePreviousOne) {
     for (const auto& r : runs) {
         const QString dir = freshDir("slideshow-light");
         RecordingUserInterface ui;
-        ASSERT_TRUE(run(slideshow, dir, photo,
-                        {"pubSsFileNameWeight=" + r.caption, "pubSsHTMLTitleFontStyle=" + r.heading,
-                         "pubSsTemplateChoice=" + r.kind},
-                        ui)
-                        .ok);
+        const RunResult result =
+            run(dir, photo,
+                {"pubSsFileNameWeight=" + r.caption, "pubSsHTMLTitleFontStyle=" + r.heading,
+                 "pubSsTemplateChoice=" + r.kind},
+                ui, 2, {}, carried);
+        ASSERT_TRUE(result.ok);
+        carried = result.carried;
         EXPECT_EQ(weights(dir), r.expected) << r.caption.toStdString() << r.kind.toStdString();
     }
-    // Another object starts afresh.
+    // A run without the panel's previous one starts afresh.
     const QString dir = freshDir("slideshow-light");
     RecordingUserInterface ui;
     ASSERT_TRUE(run(dir, photo, {"pubSsFileNameWeight=Light"}, ui).ok);
@@ -138,9 +136,8 @@ TEST(SlideshowRun, TemplateChoice) {
     odd.setText("pubSsTemplateChoice", "3");
     const QString dir = freshDir("slideshow-template-3");
     RecordingUserInterface ui;
-    EXPECT_FALSE(cSlideshow()
-                     .hCreateSlideShow({{QUrl::fromLocalFile(photos[0]), {}}}, odd, ui,
-                                       RunOptions{dir, 1, true})
+    EXPECT_FALSE(cSlideshow::hCreateSlideShow({{QUrl::fromLocalFile(photos[0]), {}}}, odd, ui,
+                                              RunOptions{dir, 1, true})
                      .ok);
     EXPECT_TRUE(QDir(dir).isEmpty() && ui.alerts.empty() && ui.starts == 0);
 }

@@ -19,7 +19,18 @@ QString text(QString t) {
 SlideshowSettings settings(const QStringList& set) {
     std::vector<std::pair<QString, QString>> overrides;
     for (const QString& s : set) overrides.push_back({s.section('=', 0, 0), s.section('=', 1)});
-    return cSlideshow().readSettings(testsupport::settingsWith(overrides), "/out/");
+    return cSlideshow::readSettings(testsupport::settingsWith(overrides), "/out/");
+}
+
+// The page and the stylesheet of a run's texts (the stylesheet is written first).
+struct Texts {
+    QString page;
+    QString stylesheet;
+};
+Texts split(const QList<PageFile>& files) {
+    EXPECT_EQ(files.size(), 2);
+    EXPECT_EQ(files.value(0).path, "KLSlideShowcss/klovlSlideshow.css");
+    return {files.value(1).text, files.value(0).text};
 }
 
 QList<PhotoEntry> photos(const QStringList& paths) {
@@ -183,8 +194,8 @@ QString classicCss() {
 // width images, captions (escaped), buttons, dots, the timer; photo names that need it encoded.
 TEST(SlideshowText, ClassicPageWithEverythingOn) {
     const SlideshowSettings p = settings(kAllOn);
-    const SlideshowTexts texts = cSlideshow::classicTexts(
-        p, photos({"/photos/a.png", "/other/b c#1.jpg"}), {"x < y & z", ""});
+    const Texts texts = split(cSlideshow::classicTexts(
+        p, photos({"/photos/a.png", "/other/b c#1.jpg"}), {"x < y & z", ""}));
     const QString slide =
         R"(<!-- Full-width images with number and caption text -->|)"
         R"(<div class="klSsSlides fade">|<div class="klSsNumbertext">%1 / 2</div>|)" +
@@ -212,7 +223,7 @@ TEST(SlideshowText, ClassicPageWithEverythingOn) {
 TEST(SlideshowText, ClassicPageWithEverythingOff) {
     const SlideshowSettings p =
         settings(kAllOn + kAllOff + QStringList{"pubSsHTMLTitleFontFamily=Trirong"});
-    const SlideshowTexts texts = cSlideshow::classicTexts(p, photos({"/photos/a.b.png"}), {});
+    const Texts texts = split(cSlideshow::classicTexts(p, photos({"/photos/a.b.png"}), {}));
     const QString expected =
         kPrologue + QString(kStylesheetLink) + QString(kFontLink).arg("Trirong") +
         R"(<!-- Slideshow container: Begin -->|<div class="klSsSlideshow-container">|)"
@@ -251,7 +262,7 @@ TEST(SlideshowText, ScriptsAndReferenceForEachCombination) {
     };
     for (const auto& c : cases) {
         const QString page =
-            cSlideshow::classicTexts(settings(kAllOn + c.set), photos({"/a.jpg"}), {}).page;
+            split(cSlideshow::classicTexts(settings(kAllOn + c.set), photos({"/a.jpg"}), {})).page;
         const QString tail = text(c.script + "</div>|</body>|</html>|");
         EXPECT_TRUE(page.endsWith(tail)) << c.set.join(' ').toStdString() << page.toStdString();
         EXPECT_EQ(page.contains("klSsRef"), c.reference) << c.set.join(' ').toStdString();
@@ -264,8 +275,8 @@ TEST(SlideshowText, ScriptsAndReferenceForEachCombination) {
 TEST(SlideshowText, SliderPageAndStylesheet) {
     const SlideshowSettings p =
         settings(kAllOn + QStringList{"pubSsTemplateChoice=2", "tfSsInterval=2.5"});
-    const SlideshowTexts texts =
-        cSlideshow::sliderTexts(p, photos({"/p/a.jpg", "/p/b c.png", "/q/c.tif"}));
+    const Texts texts =
+        split(cSlideshow::sliderTexts(p, photos({"/p/a.jpg", "/p/b c.png", "/q/c.tif"})));
     const QString block = R"(<div class="slideProp slide%1">|</div>||)";
     const QString page = kPrologue + QString("<title>Trip &amp; Co</title>|") + kStylesheetLink +
                          QString(kFontLink).arg("Exo+2") + kBeforeSlides + block.arg(0) +
@@ -310,8 +321,8 @@ TEST(SlideshowText, SliderTimings) {
     const QRegularExpression timing(R"((?:opaqTransition |animation-delay: )(-?\d+)s)");
     for (const auto& c : cases) {
         const QStringList all = {"/a.jpg", "/b.jpg", "/c.jpg"};
-        const QString css = cSlideshow::sliderTexts(settings({"tfSsInterval=" + c.interval}),
-                                                    photos(all.mid(0, c.count)))
+        const QString css = split(cSlideshow::sliderTexts(settings({"tfSsInterval=" + c.interval}),
+                                                          photos(all.mid(0, c.count))))
                                 .stylesheet;
         QStringList found;
         for (auto it = timing.globalMatch(css); it.hasNext();) found << it.next().captured(1);
