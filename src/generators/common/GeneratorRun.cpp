@@ -17,36 +17,34 @@ RunResult refused(UserInterface& ui, const RunAlert& alert, RunResult result) {
 
 }  // namespace
 
-RunResult runSite(const SiteGenerator& generator, const QList<PhotoEntry>& photos,
-                  UserInterface& ui, const RunOptions& options) {
+RunResult runSite(const SitePlan& plan, const QList<PhotoEntry>& photos, UserInterface& ui,
+                  const RunOptions& options) {
     RunResult result;
     ui.progressStart();
     ui.progressStep(0.2);
-    result.firstPage = options.destination + generator.firstPage();
-    result.carried = generator.carried();
+    result.firstPage = options.destination + plan.firstPage;
+    result.carried = plan.carried;
     ui.progressStep(0.2);
 
     // Refusals, before anything is written; nothing may be written over a photo of the run.
-    const SupportFiles support = generator.supportFiles();
-    if (const std::optional<RunAlert> refusal = generator.refusal(photos))
-        return refused(ui, *refusal, result);
+    const SupportFiles& support = plan.support;
+    if (plan.refusal) return refused(ui, *plan.refusal, result);
     if (const QString inside =
             OutputFolder::photoInside(options.destination, support.folders, photos);
         !inside.isEmpty())
         return refused(
             ui,
-            {QStringLiteral("Sorry, a photo lies where the %1 is written.").arg(generator.kind()),
-             inside},
+            {QStringLiteral("Sorry, a photo lies where the %1 is written.").arg(plan.kind), inside},
             result);
-    for (const RunAlert& warning : generator.warnings(photos))
+    for (const RunAlert& warning : plan.warnings)
         ui.alert(warning.title, warning.description, false);
     ui.progressStep(0.2);
 
     // Captions (read in photo order with one metadata reader) and the page texts.
-    const CaptionRequest request = generator.captionRequest();
-    const QList<PageFile> pages = generator.pages(
-        photos, CaptionBuilder::captions(request.shown, request.items, request.separator,
-                                         request.fileName, photos));
+    const CaptionRequest& request = plan.captions;
+    const QList<PageFile> pages =
+        plan.pages(photos, CaptionBuilder::captions(request.shown, request.items, request.separator,
+                                                    request.fileName, photos));
     ui.progressStep(0.2);
 
     // What the run writes; with `clean` what earlier runs wrote besides goes first.
@@ -54,7 +52,7 @@ RunResult runSite(const SiteGenerator& generator, const QList<PhotoEntry>& photo
     QList<QStringList> images;
     for (const PhotoEntry& photo : photos) {
         paths.append(photo.url.toLocalFile());
-        const PhotoImages made = generator.images(paths.last());
+        const PhotoImages made = plan.images(paths.last());
         keys.append(made.key);
         images.append(made.files);
         planned += made.files;
@@ -65,7 +63,7 @@ RunResult runSite(const SiteGenerator& generator, const QList<PhotoEntry>& photo
             planned.append(support.lightboxFolder + name);
     if (!support.patternSource.isEmpty()) planned.append(support.patternPath);
     OutputFolder out(options.destination);
-    RunManifest manifest(generator.kind(), options, ui);
+    RunManifest manifest(plan.kind, options, ui);
     manifest.removeEarlierFiles(planned, out);
 
     // Output folder.
@@ -77,10 +75,10 @@ RunResult runSite(const SiteGenerator& generator, const QList<PhotoEntry>& photo
     // Images, on every core, those unchanged since an earlier run kept; progress in photo order.
     out.addFailures(ImageWorkers::makeAll(
         keys, paths, options.threads,
-        manifest.keepingUnchanged(paths, images,
-                                  RunManifest::settingsHash(generator.imageSettings()),
-                                  [&](int i) { return generator.makeImages(paths[i]); }),
-        ui, generator.photoStep(photos.size()), &result.unfinished));
+        manifest.keepingUnchanged(paths, images, RunManifest::settingsHash(plan.imageSettings),
+                                  [&](int i) { return plan.makeImages(paths[i]); }),
+        ui, plan.photoStep ? plan.photoStep(photos.size()) : double(98 / photos.size()),
+        &result.unfinished));
     result.cancelled = !result.unfinished.isEmpty();
 
     // Pages, unless a cancel left images out that they would link.
@@ -89,7 +87,7 @@ RunResult runSite(const SiteGenerator& generator, const QList<PhotoEntry>& photo
         for (const PageFile& page : pages) out.writeText(page.path, page.text, page.pageIcon);
     }
     manifest.save(out);
-    if (options.openFirstPage && !result.cancelled) out.openPage(generator.firstPage(), ui);
+    if (options.openFirstPage && !result.cancelled) out.openPage(plan.firstPage, ui);
     ui.progressStep(0.2);
     ui.progressStop();
     result.failures = out.failures();

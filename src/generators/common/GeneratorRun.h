@@ -4,6 +4,7 @@
 #include <QList>
 #include <QString>
 #include <QStringList>
+#include <functional>
 #include <optional>
 
 #include "generators/common/CaptionBuilder.h"
@@ -61,43 +62,32 @@ struct PhotoImages {
     QStringList files;  // their paths under the output folder
 };
 
-// What an output kind answers for one run. A kind builds one of these from the settings snapshot
-// and the output folder at the start of each run; `runSite` asks it, stage by stage, for what
-// differs between the kinds. Nothing here writes a file.
-class SiteGenerator {
-  public:
-    virtual ~SiteGenerator() = default;
-
-    // "gallery", "slideshow", "grid": the run record's kind and the word the alerts use.
-    virtual QString kind() const = 0;
-    // The page a browser opens first, relative to the output folder.
-    virtual QString firstPage() const = 0;
-    // Why these settings and photos give no run, before anything is written.
-    virtual std::optional<RunAlert> refusal(const QList<PhotoEntry>& photos) const = 0;
-    // What the user should know while the run goes on.
-    virtual QList<RunAlert> warnings(const QList<PhotoEntry>& photos) const {
-        (void)photos;
-        return {};
-    }
-    // Which captions the pages show.
-    virtual CaptionRequest captionRequest() const = 0;
-    // The pages and stylesheets, in the order they are written. Pure.
-    virtual QList<PageFile> pages(const QList<PhotoEntry>& photos,
-                                  const QStringList& captions) const = 0;
-    virtual SupportFiles supportFiles() const = 0;
-    virtual PhotoImages images(const QString& photoPath) const = 0;
+// One run of an output kind as the kind plans it from the settings snapshot, the photos and the
+// output folder: what differs between the kinds. `runSite` walks the stages and asks the plan at
+// each. Nothing here writes a file.
+struct SitePlan {
+    QString kind = {};  // "gallery", "slideshow", "grid": the run record's kind, the alerts' word
+    QString firstPage = {};  // the page a browser opens first, relative to the output folder
+    std::optional<RunAlert> refusal = {};  // why no run can be made, before anything is written
+    QList<RunAlert> warnings = {};         // what the user should know while the run goes on
+    CaptionRequest captions = {};          // which captions the pages show
+    // The pages and stylesheets of the photos with their captions, in the order they are
+    // written. Pure.
+    std::function<QList<PageFile>(const QList<PhotoEntry>&, const QStringList& captions)> pages =
+        {};
+    SupportFiles support = {};
+    std::function<PhotoImages(const QString& photoPath)> images = {};
     // The values the images depend on besides their photo: a change makes them again.
-    virtual QStringList imageSettings() const = 0;
+    QStringList imageSettings = {};
     // Makes the images of one photo; returns what failed as "path: reason". Called on workers.
-    virtual QStringList makeImages(const QString& photoPath) const = 0;
-    // The progress step after each photo.
-    virtual double photoStep(qsizetype photos) const { return double(98 / photos); }
-    // What the next run of this panel starts from.
-    virtual QHash<QString, QString> carried() const { return {}; }
+    std::function<QStringList(const QString& photoPath)> makeImages = {};
+    // The progress step after each photo; by default 98 / photos in whole numbers.
+    double (*photoStep)(qsizetype photos) = nullptr;
+    QHash<QString, QString> carried = {};  // what the next run of this panel starts from
 };
 
 // The run of any kind, in stages: refusals, warnings, captions and page texts, the plan of files
 // (removing what earlier runs wrote with `clean`), output folder, images on every core, pages, the
 // run record, open. A cancel writes no page.
-RunResult runSite(const SiteGenerator& generator, const QList<PhotoEntry>& photos,
-                  UserInterface& ui, const RunOptions& options);
+RunResult runSite(const SitePlan& plan, const QList<PhotoEntry>& photos, UserInterface& ui,
+                  const RunOptions& options);

@@ -426,52 +426,69 @@ RunResult cResponsiveDesign::hCreateResponsiveHTML(const QString& destination,
 
 RunResult cResponsiveDesign::run(const QList<PhotoEntry>& photos, const SettingsStore& snapshot,
                                  UserInterface& ui, const RunOptions& options) {
-    return runSite(cResponsiveDesign(snapshot, options.destination), photos, ui, options);
+    return runSite(plan(snapshot, photos, options.destination), photos, ui, options);
 }
 
-cResponsiveDesign::cResponsiveDesign(const SettingsStore& snapshot, const QString& destination) {
+SitePlan cResponsiveDesign::plan(const SettingsStore& snapshot, const QList<PhotoEntry>& photos,
+                                 const QString& destination) {
     SettingsStore s = snapshot;
     hPhotoRatioCalc(s);
-    g_ = readSettings(s, destination);
-}
+    const GallerySettings g = readSettings(s, destination);
+    SitePlan plan{
+        .kind = QStringLiteral("gallery"),
+        .firstPage = pageFileName(g.baseName, 1),
+        .captions = {g.showMetaData, g.captionItems, g.captionSeparator,
+                     CaptionBuilder::FileName::WithExtension},
+        .pages = [g](const QList<PhotoEntry>& shown,
+                     const QStringList& captions) { return pageTexts(g, shown, captions); },
+        .support = {folders(), QStringLiteral("KLovlightbox/"), g.patternSource,
+                    "KLovPatterns/" + g.patternFileName},
+        .images =
+            [g](const QString& photoPath) {
+                const QString base = QFileInfo(photoPath).completeBaseName();
+                return PhotoImages{base,
+                                   {"KLimages_s/" + base + u'.' + g.image.thumb.format,
+                                    "KLimages_b/" + base + u'.' + g.image.big.format}};
+            },
+        .imageSettings = {QString::number(g.image.thumbAction)},
+        .makeImages =
+            [image = g.image](const QString& photoPath) {
+                return hScaleImageMaxValueHTML(photoPath, image);
+            },
+        // Kept in 8 bits, so 0 from 99 photos on.
+        .photoStep = [](qsizetype count) { return double(quint8(98 / count)); },
+    };
+    for (const DerivativeSettings& d : {g.image.thumb, g.image.big})
+        plan.imageSettings << QString::number(d.size) << QString::number(d.cropWidth)
+                           << QString::number(d.cropHeight) << QString::number(d.cropPosition)
+                           << QString::number(d.shiftX) << QString::number(d.shiftY) << d.frameColor
+                           << QString::number(d.frameWidth) << d.format << d.compression;
 
-QString cResponsiveDesign::kind() const {
-    return QStringLiteral("gallery");
-}
-
-QString cResponsiveDesign::firstPage() const {
-    return pageFileName(g_.baseName, 1);
-}
-
-std::optional<RunAlert> cResponsiveDesign::refusal(const QList<PhotoEntry>& photos) const {
+    // Refusals: nothing may be written outside the output folder.
     if (photos.isEmpty())
-        return RunAlert{QStringLiteral("Sorry, you forgot to select photos."),
+        plan.refusal = {QStringLiteral("Sorry, you forgot to select photos."),
                         QStringLiteral("Please choose the photos.")};
-    if (g_.columns <= 0 || g_.rows <= 0)
-        return RunAlert{
+    else if (g.columns <= 0 || g.rows <= 0)
+        plan.refusal = {
             QStringLiteral("Sorry, the page layout is not possible."),
             QStringLiteral("Columns and rows must be at least 1 (columns: %1, rows: %2).")
-                .arg(g_.columns)
-                .arg(g_.rows)};
-    // Nothing may be written outside the output folder.
-    if (!cNSFileHandling::isPlainFileName(g_.baseName))
-        return RunAlert{QStringLiteral("Sorry, the page name is not possible."),
+                .arg(g.columns)
+                .arg(g.rows)};
+    else if (!cNSFileHandling::isPlainFileName(g.baseName))
+        plan.refusal = {QStringLiteral("Sorry, the page name is not possible."),
                         QStringLiteral("The page name \"%1\" must be a plain file name, without "
                                        "\"/\" and not \"..\".")
-                            .arg(g_.baseName)};
-    return std::nullopt;
-}
+                            .arg(g.baseName)};
+    if (plan.refusal) return plan;
 
-QList<RunAlert> cResponsiveDesign::warnings(const QList<PhotoEntry>& photos) const {
-    QList<RunAlert> warnings;
-    if (g_.image.big.size <= g_.image.thumb.size)
-        warnings.append({QStringLiteral("Sorry, some wrong properties"),
-                         QStringLiteral("\r- Lightbox images are smaller than your thumbnails. "
-                                        "(Thumbnail size: %1)")
-                             .arg(g_.image.thumb.size)});
-    const qint64 perPage = qint64(g_.columns) * g_.rows;
+    if (g.image.big.size <= g.image.thumb.size)
+        plan.warnings.append({QStringLiteral("Sorry, some wrong properties"),
+                              QStringLiteral("\r- Lightbox images are smaller than your "
+                                             "thumbnails. (Thumbnail size: %1)")
+                                  .arg(g.image.thumb.size)});
+    const qint64 perPage = qint64(g.columns) * g.rows;
     if (photos.size() % perPage == 0)  // the page count of an exact multiple is 0
-        warnings.append(
+        plan.warnings.append(
             {QStringLiteral("No page will be written"),
              QStringLiteral("%1 photos fill exactly %2 pages of %3 photos (%4 columns x %5 "
                             "rows); an exact multiple gives no page. Change the rows or the "
@@ -479,47 +496,7 @@ QList<RunAlert> cResponsiveDesign::warnings(const QList<PhotoEntry>& photos) con
                  .arg(photos.size())
                  .arg(photos.size() / perPage)
                  .arg(perPage)
-                 .arg(g_.columns)
-                 .arg(g_.rows)});
-    return warnings;
-}
-
-CaptionRequest cResponsiveDesign::captionRequest() const {
-    return {g_.showMetaData, g_.captionItems, g_.captionSeparator,
-            CaptionBuilder::FileName::WithExtension};
-}
-
-QList<PageFile> cResponsiveDesign::pages(const QList<PhotoEntry>& photos,
-                                         const QStringList& captions) const {
-    return pageTexts(g_, photos, captions);
-}
-
-SupportFiles cResponsiveDesign::supportFiles() const {
-    return {folders(), QStringLiteral("KLovlightbox/"), g_.patternSource,
-            "KLovPatterns/" + g_.patternFileName};
-}
-
-PhotoImages cResponsiveDesign::images(const QString& photoPath) const {
-    const QString base = QFileInfo(photoPath).completeBaseName();
-    return {base,
-            {"KLimages_s/" + base + u'.' + g_.image.thumb.format,
-             "KLimages_b/" + base + u'.' + g_.image.big.format}};
-}
-
-QStringList cResponsiveDesign::imageSettings() const {
-    QStringList values{QString::number(g_.image.thumbAction)};
-    for (const DerivativeSettings& d : {g_.image.thumb, g_.image.big})
-        values << QString::number(d.size) << QString::number(d.cropWidth)
-               << QString::number(d.cropHeight) << QString::number(d.cropPosition)
-               << QString::number(d.shiftX) << QString::number(d.shiftY) << d.frameColor
-               << QString::number(d.frameWidth) << d.format << d.compression;
-    return values;
-}
-
-QStringList cResponsiveDesign::makeImages(const QString& photoPath) const {
-    return hScaleImageMaxValueHTML(photoPath, g_.image);
-}
-
-double cResponsiveDesign::photoStep(qsizetype photos) const {
-    return double(quint8(98 / photos));  // kept in 8 bits, so 0 from 99 photos on
+                 .arg(g.columns)
+                 .arg(g.rows)});
+    return plan;
 }

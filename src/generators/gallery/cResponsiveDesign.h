@@ -54,14 +54,15 @@ struct GallerySettings {
 };
 
 // The Photo Gallery generator: pages of thumbnails with a lightbox, a stylesheet and a
-// redirecting index.html. An object is one run's generator, built from the settings snapshot;
-// headless and callable from any thread, it reaches the user only through UserInterface.
-class cResponsiveDesign : public SiteGenerator {
+// redirecting index.html. Headless and callable from any thread; it reaches the user only through
+// UserInterface.
+class cResponsiveDesign {
   public:
     static void registerControls(ControlRegistry& registry);
 
-    // The generator of a run of these settings (after hPhotoRatioCalc) into `destination`.
-    cResponsiveDesign(const SettingsStore& snapshot, const QString& destination);
+    // A run of these settings (after hPhotoRatioCalc) and photos, as the run driver walks it.
+    static SitePlan plan(const SettingsStore& snapshot, const QList<PhotoEntry>& photos,
+                         const QString& destination);
 
     // The run, in stages: snapshot, page texts, output folder, images (on every core), pages,
     // open.
@@ -104,23 +105,4 @@ class cResponsiveDesign : public SiteGenerator {
     static QString fileNameWeight(const QString& fileNameTitle, const QString& mappedTitleWeight);
     // The folders of a gallery under its destination.
     static const QStringList& folders();
-
-    const GallerySettings& settings() const { return g_; }
-
-    // One run's answers.
-    QString kind() const override;
-    QString firstPage() const override;
-    std::optional<RunAlert> refusal(const QList<PhotoEntry>& photos) const override;
-    QList<RunAlert> warnings(const QList<PhotoEntry>& photos) const override;
-    CaptionRequest captionRequest() const override;
-    QList<PageFile> pages(const QList<PhotoEntry>& photos,
-                          const QStringList& captions) const override;
-    SupportFiles supportFiles() const override;
-    PhotoImages images(const QString& photoPath) const override;
-    QStringList imageSettings() const override;
-    QStringList makeImages(const QString& photoPath) const override;
-    double photoStep(qsizetype photos) const override;
-
-  private:
-    GallerySettings g_;
 };

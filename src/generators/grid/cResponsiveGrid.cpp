@@ -190,61 +190,44 @@ RunResult cResponsiveGrid::hCreateResponsiveGrid(const QString& destination,
 
 RunResult cResponsiveGrid::run(const QList<PhotoEntry>& photos, const SettingsStore& snapshot,
                                UserInterface& ui, const RunOptions& options) {
-    return runSite(cResponsiveGrid(snapshot, options.destination), photos, ui, options);
+    return runSite(plan(snapshot, photos, options.destination), photos, ui, options);
 }
 
-cResponsiveGrid::cResponsiveGrid(const SettingsStore& snapshot, const QString& destination)
-    : g_(readSettings(snapshot, destination)), destination_(destination) {}
-
-QString cResponsiveGrid::kind() const {
-    return QStringLiteral("grid");
-}
-
-QString cResponsiveGrid::firstPage() const {
-    return g_.pageName + QStringLiteral(".html");
-}
-
-std::optional<RunAlert> cResponsiveGrid::refusal(const QList<PhotoEntry>& photos) const {
+SitePlan cResponsiveGrid::plan(const SettingsStore& snapshot, const QList<PhotoEntry>& photos,
+                               const QString& destination) {
+    const GridSettings g = readSettings(snapshot, destination);
+    SitePlan plan{
+        .kind = QStringLiteral("grid"),
+        .firstPage = g.pageName + QStringLiteral(".html"),
+        .captions = {g.showCaptions, g.captionItems, g.captionSeparator,
+                     CaptionBuilder::FileName::BaseName},
+        .pages = [g](const QList<PhotoEntry>& shown,
+                     const QStringList& captions) { return pageTexts(g, shown, captions); },
+        .support = {folders(), QStringLiteral("KLovlightbox/"), g.patternSource,
+                    "KLovPatterns/" + g.patternFileName},
+        .images =
+            [](const QString& photoPath) {
+                const QString name = outputName(photoPath);
+                return PhotoImages{name, {kImages + u'/' + name}};
+            },
+        .imageSettings = {kGridImageWidth},
+        .makeImages =
+            [folder = destination + kImages + u'/'](const QString& photoPath) {
+                return hMakeGridImage(photoPath, folder, outputName(photoPath));
+            },
+    };
     if (photos.isEmpty())
-        return RunAlert{QStringLiteral("Sorry, you forgot to select photos."),
+        plan.refusal = {QStringLiteral("Sorry, you forgot to select photos."),
                         QStringLiteral("Please choose the photos.")};
-    if (g_.columns == 0)
-        return RunAlert{QStringLiteral("Sorry, the grid layout is not possible."),
+    else if (g.columns == 0)
+        plan.refusal = {QStringLiteral("Sorry, the grid layout is not possible."),
                         QStringLiteral("The maximum number of columns must be a whole number "
                                        "from 1 to 1200 (now: \"%1\").")
-                            .arg(g_.columnsText)};
-    if (!isUsableName(g_.pageName))
-        return RunAlert{QStringLiteral("Sorry, the page name is not possible."),
+                            .arg(g.columnsText)};
+    else if (!isUsableName(g.pageName))
+        plan.refusal = {QStringLiteral("Sorry, the page name is not possible."),
                         QStringLiteral("Please give the page a name without \"/\", \"\\\" or "
                                        "\"..\" (now: \"%1\").")
-                            .arg(g_.pageName)};
-    return std::nullopt;
-}
-
-CaptionRequest cResponsiveGrid::captionRequest() const {
-    return {g_.showCaptions, g_.captionItems, g_.captionSeparator,
-            CaptionBuilder::FileName::BaseName};
-}
-
-QList<PageFile> cResponsiveGrid::pages(const QList<PhotoEntry>& photos,
-                                       const QStringList& captions) const {
-    return pageTexts(g_, photos, captions);
-}
-
-SupportFiles cResponsiveGrid::supportFiles() const {
-    return {folders(), QStringLiteral("KLovlightbox/"), g_.patternSource,
-            "KLovPatterns/" + g_.patternFileName};
-}
-
-PhotoImages cResponsiveGrid::images(const QString& photoPath) const {
-    const QString name = outputName(photoPath);
-    return {name, {kImages + u'/' + name}};
-}
-
-QStringList cResponsiveGrid::imageSettings() const {
-    return {kGridImageWidth};
-}
-
-QStringList cResponsiveGrid::makeImages(const QString& photoPath) const {
-    return hMakeGridImage(photoPath, destination_ + kImages + u'/', outputName(photoPath));
+                            .arg(g.pageName)};
+    return plan;
 }

@@ -31,14 +31,14 @@ struct GridSettings {
 
 // The Responsive Grid generator: one page of every published photo in a dense CSS grid whose
 // highlighted photos take larger cells, opening in a lightbox; its stylesheet and the grid images.
-// An object is one run's generator, built from the settings snapshot; headless and callable from
-// any thread, it reaches the user only through UserInterface.
-class cResponsiveGrid : public SiteGenerator {
+// Headless and callable from any thread; it reaches the user only through UserInterface.
+class cResponsiveGrid {
   public:
     static void registerControls(ControlRegistry& registry);
 
-    // The generator of a run of these settings into `destination`.
-    cResponsiveGrid(const SettingsStore& snapshot, const QString& destination);
+    // A run of these settings and photos, as the run driver walks it.
+    static SitePlan plan(const SettingsStore& snapshot, const QList<PhotoEntry>& photos,
+                         const QString& destination);
 
     // The run, in stages: snapshot, refusals, captions and page texts, output folder, images (on
     // every core), stylesheet and page, open.
@@ -73,20 +73,4 @@ class cResponsiveGrid : public SiteGenerator {
     static int columnCount(const QString& text);
     // The folders of a grid under its destination.
     static const QStringList& folders();
-
-    // One run's answers.
-    QString kind() const override;
-    QString firstPage() const override;
-    std::optional<RunAlert> refusal(const QList<PhotoEntry>& photos) const override;
-    CaptionRequest captionRequest() const override;
-    QList<PageFile> pages(const QList<PhotoEntry>& photos,
-                          const QStringList& captions) const override;
-    SupportFiles supportFiles() const override;
-    PhotoImages images(const QString& photoPath) const override;
-    QStringList imageSettings() const override;
-    QStringList makeImages(const QString& photoPath) const override;
-
-  private:
-    GridSettings g_;
-    QString destination_;
 };

@@ -290,63 +290,46 @@ RunResult cSlideshow::hCreateSlideShow(const QList<PhotoEntry>& photos,
                                        const RunOptions& options) {
     const int index = snapshot.index("pubSsTemplateChoice");
     if (index < 0 || index > 2) return {};
-    return runSite(cSlideshow(snapshot, options), photos, ui, options);
+    return runSite(plan(snapshot, photos, options), photos, ui, options);
 }
 
-cSlideshow::cSlideshow(const SettingsStore& snapshot, const RunOptions& options)
-    : p_(readSettings(snapshot, options.destination, options.carried.value(kCaptionWeight))),
-      destination_(options.destination) {}
-
-QString cSlideshow::kind() const {
-    return QStringLiteral("slideshow");
-}
-
-QString cSlideshow::firstPage() const {
-    return p_.pageName + QStringLiteral(".html");
-}
-
-std::optional<RunAlert> cSlideshow::refusal(const QList<PhotoEntry>& photos) const {
-    return refusalOf(p_, p_.templateIndex == 2, photos.size());
-}
-
-QList<RunAlert> cSlideshow::warnings(const QList<PhotoEntry>&) const {
-    if (p_.templateIndex == 2 || p_.autorun || p_.buttons) return {};
-    return {{QStringLiteral("The slides do not change by themselves"),
-             p_.dots ? QStringLiteral("Autorun and the previous and next buttons are off: only "
-                                      "the dots move between the slides.")
-                     : QStringLiteral("Autorun, the buttons and the dots are off: the show stays "
-                                      "on its first slide.")}};
-}
-
-CaptionRequest cSlideshow::captionRequest() const {
-    // The slider computes the captions but shows none.
-    return {p_.captions, p_.captionItems, p_.captionSeparator, CaptionBuilder::FileName::BaseName};
-}
-
-QList<PageFile> cSlideshow::pages(const QList<PhotoEntry>& photos,
-                                  const QStringList& captions) const {
-    return p_.templateIndex == 2 ? sliderTexts(p_, photos) : classicTexts(p_, photos, captions);
-}
-
-SupportFiles cSlideshow::supportFiles() const {
-    return {folders(), QString(), p_.patternSource, "KLovPatterns/" + p_.patternFileName};
-}
-
-PhotoImages cSlideshow::images(const QString& photoPath) const {
-    // Photos with one base name share one slide, the last one made.
-    const QString name = slideName(photoPath);
-    return {name, {kSlides + name}};
-}
-
-QStringList cSlideshow::imageSettings() const {
-    return {p_.imageWidth, p_.imageHeight};
-}
-
-QStringList cSlideshow::makeImages(const QString& photoPath) const {
-    return hMakeSlide(photoPath, p_.imageWidth, p_.imageHeight,
-                      destination_ + kSlides + slideName(photoPath));
-}
-
-QHash<QString, QString> cSlideshow::carried() const {
-    return {{kCaptionWeight, p_.css.captionWeight}};
+SitePlan cSlideshow::plan(const SettingsStore& snapshot, const QList<PhotoEntry>& photos,
+                          const RunOptions& options) {
+    const SlideshowSettings p =
+        readSettings(snapshot, options.destination, options.carried.value(kCaptionWeight));
+    const bool slider = p.templateIndex == 2;
+    SitePlan plan{
+        .kind = QStringLiteral("slideshow"),
+        .firstPage = p.pageName + QStringLiteral(".html"),
+        .refusal = refusalOf(p, slider, photos.size()),
+        // The slider computes the captions but shows none.
+        .captions = {p.captions, p.captionItems, p.captionSeparator,
+                     CaptionBuilder::FileName::BaseName},
+        .pages =
+            [p, slider](const QList<PhotoEntry>& shown, const QStringList& captions) {
+                return slider ? sliderTexts(p, shown) : classicTexts(p, shown, captions);
+            },
+        .support = {folders(), QString(), p.patternSource, "KLovPatterns/" + p.patternFileName},
+        // Photos with one base name share one slide, the last one made.
+        .images =
+            [](const QString& photoPath) {
+                const QString name = slideName(photoPath);
+                return PhotoImages{name, {kSlides + name}};
+            },
+        .imageSettings = {p.imageWidth, p.imageHeight},
+        .makeImages =
+            [p, folder = options.destination + kSlides](const QString& photoPath) {
+                return hMakeSlide(photoPath, p.imageWidth, p.imageHeight,
+                                  folder + slideName(photoPath));
+            },
+        .carried = {{kCaptionWeight, p.css.captionWeight}},
+    };
+    if (!slider && !p.autorun && !p.buttons)
+        plan.warnings.append(
+            {QStringLiteral("The slides do not change by themselves"),
+             p.dots ? QStringLiteral("Autorun and the previous and next buttons are off: only "
+                                     "the dots move between the slides.")
+                    : QStringLiteral("Autorun, the buttons and the dots are off: the show stays "
+                                     "on its first slide.")});
+    return plan;
 }

@@ -39,19 +39,19 @@ struct SlideshowSettings {
 
 // The Slideshow generator: one page showing one photo at a time, either the classic page (a
 // script, buttons, dots, a counter, captions) or the slider (a CSS animation alone), with its
-// stylesheet and one slide image per photo. An object is one run's generator, built from the
-// settings snapshot; headless and callable from any thread, it reaches the user only through
-// UserInterface.
+// stylesheet and one slide image per photo. Headless and callable from any thread; it reaches
+// the user only through UserInterface.
 //
 // The slideshow panel carries the caption weight of its last run into the next, which a caption
 // weight of "Light" leaves in place (see readSettings): RunResult::carried to RunOptions::carried.
-class cSlideshow : public SiteGenerator {
+class cSlideshow {
   public:
     static void registerControls(ControlRegistry& registry);
 
-    // The generator of a run of these settings into `options.destination`, after the panel's
-    // previous run (`options.carried`).
-    cSlideshow(const SettingsStore& snapshot, const RunOptions& options);
+    // A run of these settings and photos into `options.destination` after the panel's previous
+    // run (`options.carried`), as the run driver walks it.
+    static SitePlan plan(const SettingsStore& snapshot, const QList<PhotoEntry>& photos,
+                         const RunOptions& options);
 
     // The run of the page kind chosen by pubSsTemplateChoice: 0 and 1 the classic page, 2 the
     // slider; any other index writes nothing (and is not ok).
@@ -90,22 +90,4 @@ class cSlideshow : public SiteGenerator {
                                   const QString& boxHeight, const QString& outputPath);
     // The folders of a slideshow under its destination.
     static const QStringList& folders();
-
-    // One run's answers.
-    QString kind() const override;
-    QString firstPage() const override;
-    std::optional<RunAlert> refusal(const QList<PhotoEntry>& photos) const override;
-    QList<RunAlert> warnings(const QList<PhotoEntry>& photos) const override;
-    CaptionRequest captionRequest() const override;
-    QList<PageFile> pages(const QList<PhotoEntry>& photos,
-                          const QStringList& captions) const override;
-    SupportFiles supportFiles() const override;
-    PhotoImages images(const QString& photoPath) const override;
-    QStringList imageSettings() const override;
-    QStringList makeImages(const QString& photoPath) const override;
-    QHash<QString, QString> carried() const override;
-
-  private:
-    SlideshowSettings p_;
-    QString destination_;
 };

@@ -178,69 +178,50 @@ TEST(GalleryRun, PageTextsOfBothModels) {
     EXPECT_TRUE(QFile::exists(grid + "index.html"));
 }
 
-// 13 and 12 photos at 12 a page, 5 at 3 x 2, with bad photos among them that do not stop the run.
-// One worker or all of them: the same files byte for byte.
-TEST(GalleryRun, PagesThreadsAndBadPhotos) {
-    const QString src = freshDir("gallery-pages-src");
-    write(src + "empty.jpg", "");
-    write(src + "corrupt.jpg", QByteArray("\xFF\xD8\xFF\xE0 not really a jpeg", 23).repeated(20));
-    QDir().mkpath(src + "folder.png");
-    QDir().mkpath(src + "other");
-    // Two photos whose outputs share a name (t0) must still come out as a single worker makes them.
-    QStringList photos = {
-        makePhoto(src, "t0.png", 60, 50),           src + "empty.jpg",  src + "corrupt.jpg",
-        makePhoto(src, "t1.png", 70, 50),           src + "folder.png", src + "missing.png",
-        makePhoto(src + "other/", "t0.png", 90, 90)};
-    photos += testsupport::mateBackgroundJpegs().mid(0, 1);
-    for (int i = 2; i < 7; ++i)
-        photos.append(makePhoto(src, QStringLiteral("t%1.png").arg(i), 60 + 10 * i, 50));
-    const auto gallery = [&](int count, const QString& columns, const QString& rows, int threads) {
-        const QString dir = freshDir(QStringLiteral("gallery-pages-%1-%2").arg(count).arg(threads));
-        const QStringList set = {"cbPgShowMetaData=1", "ifNumberOfColumns=" + columns,
-                                 "tfPgMetaDataToShow=Show Filename;EXIF Creation Date",
-                                 "ifNumberOfRows=" + rows};
-        RecordingUserInterface ui;
-        EXPECT_TRUE(run(dir, photos.mid(0, count), set, ui, threads).ok);
-        EXPECT_EQ(ui.opened, QStringList{"file:///" + dir + "myIndex.html"});
-        EXPECT_TRUE(QFile::exists(dir + "index.html") && QFile::exists(dir + "KLcss/klGScss.css"));
-        // Photos after the bad ones are made all the same.
-        EXPECT_EQ(header(dir + "KLimages_s/t1.jpeg") + header(dir + "KLimages_b/t1.jpeg"),
-                  "40x30 jpegload80x57 jpegload");
-        return dir;
-    };
-    const QString one = gallery(13, "4", "3", 1), all = gallery(13, "4", "3", 0);
-    const QString twelve = gallery(12, "4", "3", 2), five = gallery(5, "3", "2", 2);
-    // Both pages of 13 have the navigation bar; the one page of 5 has none. An exact multiple of
-    // the page size gives no page at all, kept on purpose.
+// 13 and 12 photos at 12 a page, 5 at 3 x 2: the pages, their photos and navigation bars. An exact
+// multiple of the page size gives no page at all, kept on purpose.
+TEST(GalleryRun, Pages) {
+    const struct {
+        int photos;
+        QString columns, rows;
+        std::vector<int> perPage;
+    } cases[] = {{13, "4", "3", {12, 1}}, {12, "4", "3", {}}, {5, "3", "2", {5}}};
     const QString nav =
         R"(<div id="navBar" class="klOVpageNav" style="width:100%;padding:6px;text-align:left;">)"
         R"(<a href="myIndex.html"> 1 </a><a href="myIndex2.html">2 </a></div>)"
         R"(<div class="klOVtitle">)";
-    const QString first = readText(one + "myIndex.html"), second = readText(one + "myIndex2.html");
-    EXPECT_TRUE(first.contains(nav) && second.contains(nav) &&
-                second.contains("KLimages_s/t6.jpeg"));
-    const QString fivePage = readText(five + "myIndex.html");
-    EXPECT_EQ(std::make_tuple(first.count(kImg), second.count(kImg), fivePage.count(kImg),
-                              fivePage.contains("navBar")),
-              std::make_tuple(12, 1, 5, false));
-    EXPECT_FALSE(QFile::exists(one + "myIndex3.html") || QFile::exists(five + "myIndex2.html") ||
-                 QFile::exists(twelve + "myIndex.html"));
-    const QStringList files = filesUnder(one);
-    ASSERT_EQ(files, filesUnder(all));
-    for (const QString& f : files)
-        EXPECT_TRUE(readText(one + f) == readText(all + f)) << f.toStdString();
+    for (const auto& c : cases) {
+        QList<PhotoEntry> photos;
+        for (int i = 0; i < c.photos; ++i)
+            photos.append({QUrl::fromLocalFile(QStringLiteral("/p/t%1.png").arg(i)), {}});
+        const QList<PageFile> files = cResponsiveDesign::pageTexts(
+            cResponsiveDesign::readSettings(
+                store({"ifNumberOfColumns=" + c.columns, "ifNumberOfRows=" + c.rows}), "/out/"),
+            photos, {});
+        QStringList names;
+        for (const PageFile& f : files) names.append(f.path);
+        QStringList expected = {"KLcss/klGScss.css"};
+        for (size_t page = 0; page < c.perPage.size(); ++page) {
+            expected.append(cResponsiveDesign::pageFileName("myIndex", int(page) + 1));
+            const QString& text = files.value(qsizetype(page) + 1).text;
+            EXPECT_EQ(text.count(kImg), c.perPage[page]) << c.photos;
+            EXPECT_EQ(text.contains(nav), c.perPage.size() == 2) << c.photos;
+        }
+        EXPECT_EQ(names, expected + QStringList{"index.html"});
+    }
 }
 
-// An empty choice and a layout of 0 columns are refused before anything is written.
+// A layout of 0 columns or rows and a page name leaving the folder are refused before anything
+// is written.
 TEST(GalleryRun, RefusedRuns) {
     const QString photo = makePhoto(freshDir("gallery-refused-src"), "a.png", 40, 30);
-    for (const auto& [photos, settings, alert] :
-         std::vector<std::tuple<QStringList, QStringList, QString>>{
-             {{}, {}, "Sorry, you forgot to select photos.|Please choose the photos.|"},
-             {{photo}, {"ifNumberOfColumns=0"}, "Sorry, the page layout is not possible.|"}}) {
+    for (const auto& [setting, alert] : std::vector<std::pair<QString, QString>>{
+             {"ifNumberOfColumns=0", "Sorry, the page layout is not possible.|"},
+             {"ifNumberOfRows=0", "Sorry, the page layout is not possible.|"},
+             {"tfHTMLfileName=../up", "Sorry, the page name is not possible.|"}}) {
         const QString dir = freshDir("gallery-refused");
         RecordingUserInterface ui;
-        EXPECT_FALSE(run(dir, photos, settings, ui).ok);
+        EXPECT_FALSE(run(dir, {photo}, {setting}, ui).ok);
         EXPECT_TRUE(alerts(ui).startsWith(alert) && alerts(ui).endsWith("|stops\n") &&
                     ui.alerts.size() == 1)
             << alerts(ui).toStdString();

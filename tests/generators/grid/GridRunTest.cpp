@@ -170,50 +170,11 @@ TEST(GridRun, PageTextsCellsAndFiles) {
               page("", "Libre+Franklin", "", cellsOff).toStdString());
 }
 
-// One worker or all of them: the same files byte for byte, also with photos whose outputs share a
-// name; bad photos are reported by name and the others made.
-TEST(GridRun, ThreadsAndBadPhotos) {
-    const QString src = freshDir("grid-threads-src");
-    QDir().mkpath(src + "other");
-    QFile corrupt(src + "corrupt.jpg");
-    ASSERT_TRUE(corrupt.open(QIODevice::WriteOnly));
-    corrupt.write(QByteArray("\xFF\xD8\xFF\xE0 not really a jpeg", 23).repeated(20));
-    corrupt.close();
-    QList<PhotoEntry> photos;
-    for (const QString& path :
-         {makePhoto(src, "t0.png", 60, 50), src + "corrupt.jpg", makePhoto(src, "t1.png", 70, 90),
-          src + "missing.png", makePhoto(src + "other/", "t0.png", 90, 90),
-          makePhoto(src, "t2.png", 80, 50)})
-        photos.append({QUrl::fromLocalFile(path), QString(), "H", 1});
-    QStringList dirs;
-    for (const int threads : {1, 0}) {
-        const QString dir = freshDir(QStringLiteral("grid-threads-%1").arg(threads));
-        RecordingUserInterface ui;
-        const RunResult result = cResponsiveGrid::hCreateResponsiveGrid(
-            dir, photos, store({"cbRgExifUC=1", "tfRgMetaDataToShow=Show Filename"}), ui, threads);
-        EXPECT_TRUE(result.ok);
-        ASSERT_EQ(result.failures.size(), 2) << result.failures.join('\n').toStdString();
-        EXPECT_TRUE(result.failures[0].startsWith(src + "corrupt.jpg: ") &&
-                    result.failures[1].startsWith(src + "missing.png: "))
-            << result.failures.join('\n').toStdString();
-        // The second t0 comes last and stays: 90 x 90 at a whole 1066 % gives 960 x 959.
-        EXPECT_EQ((header(dir + "KLovImages/t0.jpeg") + ", " + header(dir + "KLovImages/t2.jpeg"))
-                      .toStdString(),
-                  "960x959 jpegload, 960x600 jpegload");
-        dirs.append(dir);
-    }
-    const QStringList files = filesUnder(dirs[0]);
-    ASSERT_EQ(files, filesUnder(dirs[1]));
-    for (const QString& f : files)
-        EXPECT_TRUE(readText(dirs[0] + f) == readText(dirs[1] + f)) << f.toStdString();
-}
-
 // No photo, column counts that are not whole numbers from 1 to 1200, and page names that would
 // leave the folder are refused with one alert, before anything is written.
 TEST(GridRun, RefusalsWriteNothing) {
     const QString photo = makePhoto(freshDir("grid-refused-src"), "a.png", 40, 30);
     const std::vector<std::tuple<QStringList, QStringList, QString>> cases = {
-        {{}, {}, "Sorry, you forgot to select photos.|Please choose the photos."},
         {{photo}, {"tfRGMaxColumns=0"}, "Sorry, the grid layout is not possible.|"},
         {{photo}, {"tfRGMaxColumns=-3"}, "Sorry, the grid layout is not possible.|"},
         {{photo}, {"tfRGMaxColumns=four"}, "Sorry, the grid layout is not possible.|"},

@@ -196,39 +196,6 @@ TEST(SlideshowRun, UprightSlidesAndOddNames) {
                     .contains(R"(<img src="KLSsImages/50%25%20off%20%231.jpeg" style=)"));
 }
 
-// Slides made on one worker or on all of them are the same files; two photos with one base name
-// give one slide, the later photo's, that both slides show. A photo that cannot be read is named
-// with its reason and the others are made all the same.
-TEST(SlideshowRun, ThreadsSameBaseNamesAndBadPhotos) {
-    const QString src = freshDir("slideshow-threads-src");
-    QDir().mkpath(src + "other");
-    fixtures::writeBytes(src + "empty.jpg", "");
-    QStringList photos = {solidPhoto(src, "t0.png", 90, 60, {200, 0, 0}), src + "empty.jpg",
-                          solidPhoto(src + "other/", "t0.jpg", 60, 90, {0, 0, 200})};
-    for (int i = 1; i < 6; ++i)
-        photos.append(
-            solidPhoto(src, QStringLiteral("t%1.png").arg(i), 50 + 20 * i, 60, {40.0 * i, 100, 0}));
-    photos += testsupport::mateBackgroundJpegs().mid(0, 1);
-    QStringList dirs;
-    for (const int threads : {1, 0}) {
-        dirs << freshDir(QStringLiteral("slideshow-threads-%1").arg(threads));
-        RecordingUserInterface ui;
-        const RunResult result = run(dirs.last(), photos, {}, ui, threads);
-        EXPECT_TRUE(result.ok);
-        ASSERT_EQ(result.failures.size(), 1);
-        EXPECT_TRUE(result.failures[0].startsWith(src + "empty.jpg: "))
-            << result.failures[0].toStdString();
-        EXPECT_EQ(colourAt(dirs.last() + "KLSsImages/t0.jpeg", 20, 15), "b");
-        EXPECT_EQ(readText(dirs.last() + "slideshow.html").count(R"(src="KLSsImages/t0.jpeg")"), 2);
-    }
-    const QStringList files = filesUnder(dirs[0]);
-    EXPECT_EQ(files.size(), 9);  // 7 slides, page, stylesheet
-    ASSERT_EQ(files, filesUnder(dirs[1]));
-    for (const QString& f : files)
-        EXPECT_TRUE(fixtures::bytesOf(dirs[0] + f) == fixtures::bytesOf(dirs[1] + f))
-            << f.toStdString();
-}
-
 // Captions from the caption items: empty values and unknown names skipped, the separator between
 // values, metadata holding markup escaped; off, every slide still has its empty caption block.
 TEST(SlideshowRun, Captions) {
@@ -270,7 +237,6 @@ TEST(SlideshowRun, RefusalsWarningsAndPattern) {
         QStringList photos, set;
         QString alert;
     } refused[] = {
-        {{}, {}, "Sorry, you forgot to select photos.|Please choose the photos.|stops\n"},
         {{photo}, {"tfSsPageName=../up"}, "Sorry, the page name is not possible.|"},
         {{photo}, {"tfSsPageName="}, "Sorry, the page name is not possible.|"},
         {{photo}, {"tfSsImageWidth=0"}, "Sorry, the photo box is not possible.|"},
