@@ -20,13 +20,6 @@ using Status = ProjectFile::OpenResult::Status;
 
 namespace {
 
-// A JPEG or PNG of that size, with an EXIF user comment when `caption` is given.
-QString makePhoto(const QString& dir, const QString& name, int w, int h, const QString& caption) {
-    makeImage(dir + name, w, h);
-    if (!caption.isEmpty()) tag(dir + name, {"-UserComment=" + caption});
-    return dir + name;
-}
-
 // The project file as Python's plistlib reads it, as JSON; fails unless every value is a string
 // or a dictionary.
 QJsonObject plistlib(const QString& file) {
@@ -51,13 +44,13 @@ QMap<QString, QByteArray> tree(const QString& dir) {
     return files;
 }
 
-// Three photos: b unpublished, c highlighted.
+// Three photos: b unpublished, c highlighted; a and b with an EXIF user comment.
 QList<cCollectionViewItem> threePhotos(const QString& dir) {
+    tag(makeImage(dir + "a.jpg", 60, 40), {"-UserComment=Harbour at dawn"});
+    tag(makeImage(dir + "b.jpg", 40, 60), {"-UserComment=Tabs\tand \"quotes\" <&>"});
     PhotoCollection collection;
     collection.setCellImageSize(0);
-    collection.appendPhotos({makePhoto(dir, "a.jpg", 60, 40, "Harbour at dawn"),
-                             makePhoto(dir, "b.jpg", 40, 60, "Tabs\tand \"quotes\" <&>"),
-                             makePhoto(dir, "c.png", 50, 50, "")});
+    collection.appendPhotos({dir + "a.jpg", dir + "b.jpg", makeImage(dir + "c.png", 50, 50)});
     collection.setSelect(1, false);
     collection.setHighlight(2, true);
     return collection.arrangedObjects();
@@ -195,7 +188,7 @@ TEST(ProjectFile, CopiesThatCannotBeMadeAreReported) {
     QList<cCollectionViewItem> records = threePhotos(dir);
     PhotoCollection more;
     more.setCellImageSize(0);
-    more.appendPhotos({makePhoto(dir + "other/", "a.jpg", 30, 30, "")});
+    more.appendPhotos({makeImage(dir + "other/a.jpg")});
     records.append(more.arrangedObjects());
     QFile::remove(dir + "b.jpg");
     const auto saved =
@@ -250,7 +243,7 @@ TEST(ProjectFile, CountAndLoadStatus) {
 TEST(ProjectFile, HostileAndDamagedProjects) {
     const QString dir = freshDir("projects-hostile"), folder = dir + "project/";
     QDir().mkpath(folder + "photos");
-    makePhoto(dir, "secret.jpg", 20, 20, "outside");
+    tag(makeImage(dir + "secret.jpg"), {"-UserComment=outside"});
     const auto before = tree(dir);
     auto withName = [](const QByteArray& name) {
         return "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>count</key>"
@@ -272,7 +265,7 @@ TEST(ProjectFile, HostileAndDamagedProjects) {
          Status::Unreadable, "not a string"},
     };
     for (const auto& [bytes, status, reason] : cases) {
-        SCOPED_TRACE(reason);
+        SCOPED_TRACE(bytes.toStdString());
         const QString file = folder + "p.orvprj";
         writeFile(file, bytes);
         const auto opened = ProjectFile::open(folder, file);
