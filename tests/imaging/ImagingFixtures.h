@@ -66,14 +66,11 @@ inline std::string loader(const QString& path) {
 }
 
 inline void writeBytes(const QString& path, const QByteArray& bytes) {
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
+    testsupport::writeFile(path, bytes);
 }
 
 inline QByteArray bytesOf(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    return testsupport::readFile(path);
 }
 
 inline bool isEmptyDir(const QString& dir) {

@@ -32,15 +32,22 @@ inline void tag(const QString& file, QStringList arguments) {
     EXPECT_EQ(testsupport::runProgram("exiftool", arguments, nullptr, &err), 0) << qPrintable(err);
 }
 
-inline QByteArray bytes(const QString& file) {
-    QFile f(file);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+// exiftool's values of the tags (names as `exiftool -TAG` takes them, separated by spaces), "-"
+// for a missing one, joined with "|".
+inline std::string tags(const QString& file, const QString& names) {
+    QStringList arguments{"-f", "-s3"};
+    for (const QString& name : names.split(u' ')) arguments << u'-' + name;
+    QString out;
+    testsupport::runProgram("exiftool", arguments << file, &out);
+    out.chop(out.endsWith(u'\n') ? 1 : 0);
+    return out.replace(u'\n', u'|').toStdString();
 }
 
+inline QByteArray bytes(const QString& file) {
+    return testsupport::readFile(file);
+}
 inline void writeBytes(const QString& file, const QByteArray& data) {
-    QFile f(file);
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    ASSERT_EQ(f.write(data), data.size());
+    testsupport::writeFile(file, data);
 }
 
 }  // namespace metafixtures
