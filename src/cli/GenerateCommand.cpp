@@ -43,7 +43,7 @@ const char* const kHelp =
     "                        no longer needed); only files recorded in DIR/.orvella-manifest\n"
     "                        as written by orvella, never other files\n"
     "  --rebuild             make every image again; without it an image whose photo and\n"
-    "                        settings are unchanged since the run that made it is kept"
+    "                        settings are unchanged since the run that made it is kept\n"
     "  --preset NAME|FILE    start from a preset: a path that exists is a preset file, anything\n"
     "                        else a stored preset of that kind (see `orvella preset`); --set\n"
     "                        values override it\n"

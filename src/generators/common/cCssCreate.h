@@ -19,4 +19,7 @@ class cCssCreate {
     static QString fontLine(const QString& family);
     // "R,G,B," with each 0..255 component printed "%f" (128 gives "128.000000").
     static QString rgbComponents(const CssRgb& color);
+    // The rules of the lightbox's buttons and of their hover and focus, as both lightbox
+    // stylesheets write them.
+    static QString lightboxButtonRules();
 };

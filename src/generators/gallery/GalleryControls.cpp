@@ -143,12 +143,7 @@ void cResponsiveDesign::registerControls(ControlRegistry& registry) {
     r.add("sliderLightboxRDBgColorOpacity", "Backdrop opacity (%)", K::Slider, "85", {}, {}, 0,
           100);
 
-    r.section = "Background pattern";
-    r.add("cbTbShowPatternImage", "Show pattern", K::Checkbox, "0", {"cbTbRdShowPatternImage"});
-    r.add("tfTbPatternPath", "Pattern image", K::Path, "", {"tfTbRdPatternPath"});
-    r.add("tfTbPatternScale", "Pattern size (%)", K::Text, "20", {"tfTbRdPatternScale"});
-    r.add("pubTbPatternOpacity", "Opacity", K::PopupIndex, "2", {"pubTbRdPatternOpacity"},
-          KindControls::patternOpacityItems());
+    r.addPatternSection("Tb", "TbRd");
 
     // Kept in presets, not read by the run: not shown in the window.
     r.section = "";

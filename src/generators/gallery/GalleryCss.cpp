@@ -81,13 +81,7 @@ QString navigationAndLightboxRules(const GalleryCssArgs& a, const QString& font)
     s += ".klOVlightbox_caption p {\nmargin: 0 auto;\nmax-width: 70%;\ndisplay: inline-block;\n"
          "*display: inline;\nzoom: 1;\npadding: 10px;\ncolor: #fff;\nfont-size: 12px;\n"
          "line-height: 18px;\nfont-family: 'Roboto', sans-serif;\n}\n\n";
-    s += ".klOVlightbox_button {\nposition: absolute;\nz-index: 9999;\n"
-         "background: no-repeat center center;\nwidth: 32px;\nheight: 32px;\nopacity: 0.4;\n"
-         "-webkit-transition: all 0.3s;\n-moz-transition: all 0.3s;\n-ms-transition: all 0.3s;\n"
-         "transition: all 0.3s;\n}\n\n";
-    s += ".klOVlightbox_button:hover,\n.klOVlightbox_button:focus {\nopacity: 1;\n"
-         "-webkit-transform: scale(1.4);\n-moz-transform: scale(1.4);\n"
-         "-ms-transform: scale(1.4);\ntransform: scale(1.4);\n}\n\n";
+    s += cCssCreate::lightboxButtonRules();
     s += ".klOVlightbox_close {\nright: 10px;\ntop: 10px;\n"
          "background-image: url(\"../KLovlightbox/close.png\");\n}\n\n";
     s += ".klOVlightbox_nav {\ntop: 50%;\nmargin-top: -16px;\n}\n\n";

@@ -57,12 +57,7 @@ void cResponsiveGrid::registerControls(ControlRegistry& registry) {
     r.add("sliderLightboxRGBgColorOpacity", "Backdrop opacity (%)", K::Slider, "85", {}, {}, 0,
           100);
 
-    r.section = "Background pattern";
-    r.add("cbRgShowPatternImage", "Show pattern", K::Checkbox, "0");
-    r.add("tfRgPatternPath", "Pattern image", K::Path, "");
-    r.add("tfRgPatternScale", "Pattern size (%)", K::Text, "20");
-    r.add("pubRgPatternOpacity", "Opacity", K::PopupIndex, "2", {},
-          KindControls::patternOpacityItems());
+    r.addPatternSection("Rg");
 
     // Kept in presets and passed along, but the page does not change with them: not shown in the
     // window.

@@ -115,13 +115,7 @@ QString GridCss::hCreateResponsiveGridCss(const GridCssArgs& a) {
          "*display: inline;\nzoom: 1;\npadding: 10px;\nfont-weight:" +
          a.captionWeight + ";\ncolor: " + a.captionColor + ";\nfont-size: " + a.captionFontSize +
          ";\nline-height: 18px;\n" + font + "}\n\n";
-    s += ".klOVlightbox_button {\nposition: absolute;\nz-index: 9999;\n"
-         "background: no-repeat center center;\nwidth: 32px;\nheight: 32px;\nopacity: 0.4;\n"
-         "-webkit-transition: all 0.3s;\n-moz-transition: all 0.3s;\n-ms-transition: all 0.3s;\n"
-         "transition: all 0.3s;\n}\n\n";
-    s += ".klOVlightbox_button:hover,\n.klOVlightbox_button:focus {\nopacity: 1;\n"
-         "-webkit-transform: scale(1.4);\n-moz-transform: scale(1.4);\n"
-         "-ms-transform: scale(1.4);\ntransform: scale(1.4);\n}\n\n";
+    s += cCssCreate::lightboxButtonRules();
     s += ".klOVlightbox_close {\nright: 10px;\ntop: 10px;\n" + lightboxButtonImage("close.png") +
          "}\n\n";
     s += ".klOVlightbox_nav {\ntop: 50%;\nmargin-top: -16px;\n}\n\n";

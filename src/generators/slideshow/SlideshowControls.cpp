@@ -74,10 +74,5 @@ void cSlideshow::registerControls(ControlRegistry& registry) {
     r.add("tfSsHTMLTitleFontColor", "Heading", K::Color, "EDEDED", {"cwIntro"});
     r.add("tfSsFileNameFontColor", "Captions", K::Color, "FFFFFF", {"cwCaption"});
 
-    r.section = "Background pattern";
-    r.add("cbSsShowPatternImage", "Show pattern", K::Checkbox, "0");
-    r.add("tfSsPatternPath", "Pattern image", K::Path, "");
-    r.add("tfSsPatternScale", "Pattern size (%)", K::Text, "20");
-    r.add("pubSsPatternOpacity", "Opacity", K::PopupIndex, "2", {},
-          KindControls::patternOpacityItems());
+    r.addPatternSection("Ss");
 }
