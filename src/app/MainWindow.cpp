@@ -480,15 +480,21 @@ void MainWindow::runFinished() {
     }
     if (!result.failures.isEmpty()) {
         statusBar()->showMessage(
-            tr("Written with %n failure(s); first page: %1", nullptr, int(result.failures.size()))
-                .arg(page));
-        ui_->alert(tr("Some files could not be written."), result.failures.join(u'\n'), false);
+            result.firstPage.isEmpty()
+                ? tr("No page was written; %n failure(s).", nullptr, int(result.failures.size()))
+                : tr("Written with %n failure(s); first page: %1", nullptr,
+                     int(result.failures.size()))
+                      .arg(page));
+        ui_->alert(tr("Some photos or files could not be made; they are left out of the pages."),
+                   result.failures.join(u'\n'), false);
         return;
     }
     // Kept by the generator: a photo count that fills the pages exactly writes no page.
-    statusBar()->showMessage(QFileInfo::exists(result.firstPage)
-                                 ? tr("%1 written; first page: %2").arg(runKindTitle_, page)
-                                 : tr("%1 written, but no page file: %2").arg(runKindTitle_, page));
+    statusBar()->showMessage(result.firstPage.isEmpty()
+                                 ? tr("%1 written, but no page: the photos fill the pages "
+                                      "exactly.")
+                                       .arg(runKindTitle_)
+                                 : tr("%1 written; first page: %2").arg(runKindTitle_, page));
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {

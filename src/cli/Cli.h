@@ -64,9 +64,22 @@ struct PhotoSelection {
 // --unpublish or --highlight: true when taken, with `error` set when its value is wrong.
 bool takeSelectionOption(const QStringList& args, int& i, PhotoSelection& selection,
                          QString* error);
-// Takes args[i] (and its value, moving i past it) when it is --out DIR, --threads N or --open,
-// the options of a run that writes a site: true when taken, with `error` set when its value is
-// wrong. `options->destination` is left to writeSite.
+// While it lives, SIGINT and SIGTERM ask the run to stop (through its UserInterface) instead of
+// ending the process, so the files being written are finished and none is left half done. The
+// second signal ends the process as usual.
+class InterruptGuard {
+  public:
+    InterruptGuard();
+    ~InterruptGuard();
+    InterruptGuard(const InterruptGuard&) = delete;
+    InterruptGuard& operator=(const InterruptGuard&) = delete;
+    // The signal received (SIGINT, SIGTERM), 0 for none.
+    static int received();
+};
+
+// Takes args[i] (and its value, moving i past it) when it is --out DIR, --threads N, --open,
+// --no-wait or --memory-budget MB, the options of a run that writes a site: true when taken, with
+// `error` set when its value is wrong. `options->destination` is left to writeSite.
 bool takeRunOption(const QStringList& args, int& i, QString* out, RunOptions* options,
                    QString* error);
 // Settings of `kind` (defaults, then the preset, then the --set values) and the collection of the

@@ -38,6 +38,10 @@ const char* const kHelp =
     "                        gives it a larger cell\n"
     "  --threads N           image workers (default 0: one per core)\n"
     "  --open                open the first page in the default browser\n"
+    "  --no-wait             refuse at once while another run writes into DIR (by default a\n"
+    "                        run waits for it)\n"
+    "  --memory-budget MB    decoded pixels in the making at once (default 640); a photo\n"
+    "                        waits for the photos before it rather than go beyond it\n"
     "  --clean               first remove the files that earlier runs wrote into DIR and that\n"
     "                        this run does not write again (images of photos left out, pages\n"
     "                        no longer needed); only files recorded in DIR/.orvella-manifest\n"
@@ -49,8 +53,11 @@ const char* const kHelp =
     "                        values override it\n"
     "  --project FILE        see `orvella project build`\n"
     "\n"
+    "Ctrl-C or SIGTERM stop a run after the files being written: no page is written and the\n"
+    "run record keeps what was made.\n"
+    "\n"
     "Exit codes: 0 done, 1 a file could not be read or written (each is named on stderr),\n"
-    "2 wrong usage or a run refused by an alert.\n";
+    "2 wrong usage or a run refused by an alert, 130 or 143 stopped by SIGINT or SIGTERM.\n";
 
 // Alerts and progress on the terminal.
 class TerminalUserInterface : public UserInterface {
@@ -78,6 +85,7 @@ class TerminalUserInterface : public UserInterface {
         draw();
     }
     void progressStop() override { endBar(); }
+    bool isCancelled() const override { return InterruptGuard::received() != 0; }
     void openUrl(const QString& url) override {
         // Not through QDesktopServices: the command line runs without a GUI application.
         if (!QProcess::startDetached(QStringLiteral("xdg-open"), {url}))
@@ -204,6 +212,14 @@ bool takeRunOption(const QStringList& args, int& i, QString* out, RunOptions* op
             options->threads = TextValues::intValue(args[++i]);
     } else if (a == u"--open") {
         options->openFirstPage = true;
+    } else if (a == u"--no-wait") {
+        options->waitForLock = false;
+    } else if (a == u"--memory-budget") {
+        static const QRegularExpression digits(QStringLiteral("^[1-9]\\d{0,6}$"));
+        if (i + 1 >= args.size() || !digits.match(args[i + 1]).hasMatch())
+            *error = QStringLiteral("--memory-budget takes a number of megabytes (at least 1)");
+        else
+            options->memoryBudget = args[++i].toLongLong() << 20;
     } else {
         return false;
     }
@@ -235,7 +251,7 @@ int makeSelection(const OutputKind& kind, const PhotoSelection& selection, Setti
     collection.appendPhotos(paths);
     // A photo that could not be read is named, the run goes on, and the exit code tells.
     for (const QString& skipped : collection.skippedPhotos())
-        io.err << prefix << ": skipped " << skipped << "\n";
+        io.err << prefix << ": " << skipped << "\n";
     if (selection.sort == u"az") collection.setSortingModeAz();
     if (selection.sort == u"za") collection.setSortingModezA();
 
@@ -276,11 +292,19 @@ int writeSite(const OutputKind& kind, const PhotoCollection& collection,
 
     TerminalUserInterface ui(io, prefix);
     options.destination = destination;
+    const InterruptGuard interrupts;
     const RunResult result =
         kind.run(collection.hGetPhotosFromArrayController(), settings, ui, options);
     if (!result.ok || ui.stopped) return kUsage;
     for (const QString& failure : result.failures) io.err << prefix << ": " << failure << "\n";
-    io.out << result.firstPage << "\n";
+    // A signal that came after the last photo stopped nothing: the site is whole.
+    if (const int signal = InterruptGuard::received(); signal && result.cancelled) {
+        io.err << prefix << ": interrupted: no page was written; " << result.unfinished.size()
+               << " photo(s) were not made; the run record holds the images that were\n";
+        return 128 + signal;
+    }
+    // The last line on stdout is the first page, when this run left one.
+    if (!result.firstPage.isEmpty()) io.out << result.firstPage << "\n";
     return result.failures.isEmpty() && collection.skippedPhotos().isEmpty() ? kOk : kFailed;
 }
 

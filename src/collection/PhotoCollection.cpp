@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "imaging/CellImage.h"
+#include "imaging/KLImageHandling.h"
 #include "metadata/mMeta.h"
 #include "services/Log.h"
 #include "services/UserInterface.h"
@@ -44,12 +45,14 @@ bool before(const cCollectionViewItem& a, const cCollectionViewItem& b, bool des
     return descending ? order > 0 : order < 0;
 }
 
+// Why no image can be made of the file, in the words every run uses.
 QString unreadableReason(const QString& path) {
-    const QFileInfo info(path);
-    if (!info.exists()) return QStringLiteral("no such file");
-    if (info.isDir()) return QStringLiteral("a folder");
-    if (info.size() == 0) return QStringLiteral("an empty file");
-    return QStringLiteral("not a readable image");
+    int width = 0;
+    int height = 0;
+    QString reason;
+    return PhotoDecoder::uprightSize(path, &width, &height, &reason)
+               ? QStringLiteral("not a readable image")
+               : reason;
 }
 
 }  // namespace

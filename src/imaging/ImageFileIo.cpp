@@ -43,9 +43,40 @@ VImage open(const QString& path, bool sequential) {
     return VImage::new_from_file(QFile::encodeName(path).constData(), options);
 }
 
-bool pixelSize(const QString& path, int* width, int* height) {
+namespace {
+
+// A JPEG or PNG cut short before its end marker: the decoder would fill the rest with grey.
+bool isCutShort(const QString& path) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) return false;
+    const QByteArray head = file.read(8);
+    const qint64 size = file.size();
+    file.seek(std::max<qint64>(0, size - 4096));
+    const QByteArray tail = file.readAll();
+    if (head.startsWith("\xFF\xD8\xFF")) return !tail.contains("\xFF\xD9");
+    if (head.startsWith("\x89PNG\r\n\x1A\n")) return !tail.contains("IEND");
+    return false;
+}
+
+}  // namespace
+
+bool pixelSize(const QString& path, int* width, int* height, QString* reason) {
     *width = 0;
     *height = 0;
+    const auto refuse = [&](const QString& why) {
+        klLog() << "image refused:" << path << why;
+        if (reason) *reason = why;
+        return false;
+    };
+    // Reasons of its own for each file: the library's error text is shared by every thread.
+    const QFileInfo info(path);
+    if (!info.exists()) return refuse(QStringLiteral("no such file"));
+    if (info.isDir()) return refuse(QStringLiteral("a folder, not a photo"));
+    if (!info.isFile()) return refuse(QStringLiteral("not a regular file"));
+    if (info.size() == 0) return refuse(QStringLiteral("an empty file"));
+    VipsRuntime::ensureStarted();
+    if (!vips_foreign_find_load(QFile::encodeName(path).constData()))
+        return refuse(QStringLiteral("not an image"));
     try {
         const VImage header = open(path, true);  // lazy: reads the header only
         // Orientations 5 to 8 turn the photo a quarter: it is seen with its sides exchanged.
@@ -55,17 +86,17 @@ bool pixelSize(const QString& path, int* width, int* height) {
         const bool turned = orientation >= 5 && orientation <= 8;
         const qint64 w = turned ? header.height() : header.width();
         const qint64 h = turned ? header.width() : header.height();
-        if (w <= 0 || h <= 0 || w * h > kMaxPixels) {
-            klLog() << "image refused (size" << w << "x" << h << "):" << path;
-            return false;
-        }
+        if (w <= 0 || h <= 0) return refuse(QStringLiteral("an image without pixels"));
+        if (isCutShort(path)) return refuse(QStringLiteral("truncated"));
+        if (w * h > kMaxPixels)
+            return refuse(QStringLiteral("too large (%1 megapixels; the limit is %2)")
+                              .arg(qRound64(double(w) * double(h) / 1e6))
+                              .arg(kMaxPixels / 1'000'000));
         *width = int(w);
         *height = int(h);
         return true;
-    } catch (const VError& e) {
-        vips_error_clear();  // the message is in e
-        klLog() << "image not readable:" << path << e.what();
-        return false;
+    } catch (const VError&) {
+        return refuse(QStringLiteral("damaged: its header cannot be read"));
     }
 }
 
@@ -88,8 +119,8 @@ VImage toSrgb8(const VImage& image, bool keepAlpha) {
 
 namespace {
 
-// A 24-bit bottom-up BMP of the pixels (libvips has no BMP writer).
-void writeBmp(const VImage& image, const QString& path) {
+// The bytes of a 24-bit bottom-up BMP file of the pixels (libvips has no BMP writer).
+QByteArray bmpBytes(const VImage& image) {
     const VImage rgb = toSrgb8(image, false);
     size_t size = 0;
     std::unique_ptr<uchar, decltype(&g_free)> pixels(
@@ -127,11 +158,7 @@ void writeBmp(const VImage& image, const QString& path) {
             dst[3 * x + 2] = char(src[3 * x]);
         }
     }
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.flush())
-        throw VError(file.errorString().toStdString());
-    file.close();
-    if (file.error() != QFileDevice::NoError) throw VError(file.errorString().toStdString());
+    return bytes;
 }
 
 // The same image without EXIF, IPTC and XMP; the colour profile stays so colours keep meaning.
@@ -158,42 +185,54 @@ QString save(const VImage& image, const QString& path, const QString& typeIdenti
         typeIdentifier != u"com.compuserve.gif" && typeIdentifier != u"public.jp2")
         return QStringLiteral("Failed");
 
+    // Encoded in memory and written here, so a failure to write says its own reason ("No space
+    // left on device"), and a failure while encoding is one of the photo's pixels: the library's
+    // error text, shared by every thread, is never read.
     const QString temporary = AtomicFile::temporaryPathFor(path);
-    const QByteArray name = QFile::encodeName(temporary);
+    QByteArray bytes;
     try {
         VImage out = keepMetadata ? image : withoutMetadata(image);
         // JPEG has no alpha: transparent pixels go onto white, as on a page.
         if (jpeg && out.bands() == 4) out = toSrgb8(out, false);
-        if (jpeg) {
-            out.jpegsave(name.constData(), VImage::option()->set("Q", jpegQuality));
-        } else if (tiff) {
-            out.tiffsave(name.constData());
-            // The TIFF writer stores no EXIF of its own: add the block the image carries.
-            if (keepMetadata && out.get_typeof("exif-data") != 0) {
-                size_t length = 0;
-                const void* block = out.get_blob("exif-data", &length);
-                mMeta::writeExifBlock(
-                    temporary, QByteArray(static_cast<const char*>(block), qsizetype(length)));
-            }
-        } else if (typeIdentifier == u"public.png") {
-            out.pngsave(name.constData());
-        } else if (typeIdentifier == u"com.compuserve.gif") {
-            out.gifsave(name.constData());
-        } else if (typeIdentifier == u"public.jp2") {
-            out.jp2ksave(name.constData());
+        VipsBlob* blob = nullptr;
+        if (jpeg)
+            blob = out.jpegsave_buffer(VImage::option()->set("Q", jpegQuality));
+        else if (tiff)
+            blob = out.tiffsave_buffer();
+        else if (typeIdentifier == u"public.png")
+            blob = out.pngsave_buffer();
+        else if (typeIdentifier == u"com.compuserve.gif")
+            blob = out.gifsave_buffer();
+        else if (typeIdentifier == u"public.jp2")
+            blob = out.jp2ksave_buffer();
+        if (blob) {
+            size_t length = 0;
+            const void* data = vips_blob_get(blob, &length);
+            bytes = QByteArray(static_cast<const char*>(data), qsizetype(length));
+            vips_area_unref(VIPS_AREA(blob));
         } else {
-            writeBmp(out, temporary);
+            bytes = bmpBytes(out);
         }
-    } catch (const VError& e) {
-        vips_error_clear();  // the message is in e
-        const QString reason = QString::fromUtf8(e.what()).trimmed();
-        klLog() << "image not written:" << path << reason;
-        if (error) *error = reason;
-        QFile::remove(temporary);
+    } catch (const VError&) {
+        klLog() << "image not made:" << path;
+        if (error)
+            *error = QStringLiteral("the photo's pixels cannot be read (truncated or damaged)");
         return QStringLiteral("Failed");
     }
-    // rename(2) replaces the old file in one step: a reader never sees a missing or half file.
     QString reason;
+    if (!AtomicFile::writeTemporary(temporary, bytes, &reason)) {
+        klLog() << "image not written:" << path << reason;
+        if (error) *error = reason;
+        return QStringLiteral("Failed");
+    }
+    // The TIFF writer stores no EXIF of its own: add the block the image carries.
+    if (tiff && keepMetadata && image.get_typeof("exif-data") != 0) {
+        size_t length = 0;
+        const void* block = image.get_blob("exif-data", &length);
+        mMeta::writeExifBlock(temporary,
+                              QByteArray(static_cast<const char*>(block), qsizetype(length)));
+    }
+    // rename(2) replaces the old file in one step: a reader never sees a missing or half file.
     if (!AtomicFile::commit(temporary, path, &reason)) {
         klLog() << "image not written:" << path << reason;
         if (error) *error = reason;

@@ -26,7 +26,7 @@ bool isRefusedType(const QString& typeIdentifier);
 
 // The pixel size as the photo is seen (EXIF orientation applied), from the header only. False (and
 // 0 x 0) when the file cannot be read, has a zero side or is larger than kMaxPixels.
-bool pixelSize(const QString& path, int* width, int* height);
+bool pixelSize(const QString& path, int* width, int* height, QString* reason = nullptr);
 
 // Opens a file lazily; a truncated or damaged file fails when its pixels are read. Throws
 // vips::VError.

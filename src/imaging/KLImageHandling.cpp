@@ -110,11 +110,7 @@ Picture Picture::Data::with(const VImage& image) const {
 namespace PhotoDecoder {
 
 bool uprightSize(const QString& path, int* width, int* height, QString* error) {
-    if (ImageFileIo::pixelSize(path, width, height)) return true;
-    if (error)
-        *error = QFileInfo(path).isFile() ? QStringLiteral("not a readable image")
-                                          : QStringLiteral("no such file");
-    return false;
+    return ImageFileIo::pixelSize(path, width, height, error);
 }
 
 namespace {

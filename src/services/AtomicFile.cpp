@@ -35,6 +35,10 @@ bool isTemporaryName(const QString& fileName) {
 
 bool write(const QString& path, const QByteArray& bytes, QString* error) {
     const QString temporary = temporaryPathFor(path);
+    return writeTemporary(temporary, bytes, error) && commit(temporary, path, error);
+}
+
+bool writeTemporary(const QString& temporary, const QByteArray& bytes, QString* error) {
     const QByteArray name = QFile::encodeName(temporary);
     auto fail = [&](int code) {
         if (error) *error = systemError(code);
@@ -65,7 +69,7 @@ bool write(const QString& path, const QByteArray& bytes, QString* error) {
         return fail(code);
     }
     if (::close(fd) != 0) return fail(errno);
-    return commit(temporary, path, error);
+    return true;
 }
 
 bool commit(const QString& temporary, const QString& path, QString* error) {

@@ -16,6 +16,9 @@ bool isTemporaryName(const QString& fileName);
 // Writes `bytes` to `path`. On failure nothing changes under `path`, no temporary file remains and
 // `error` (when given) says why.
 bool write(const QString& path, const QByteArray& bytes, QString* error = nullptr);
+// Writes `bytes` to `temporary` (a name made by temporaryPathFor) and flushes them to disk; on
+// failure the file is gone and `error` says why.
+bool writeTemporary(const QString& temporary, const QByteArray& bytes, QString* error = nullptr);
 // Replaces `path` by the finished temporary file; removes the temporary file on failure.
 bool commit(const QString& temporary, const QString& path, QString* error = nullptr);
 

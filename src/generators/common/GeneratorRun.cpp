@@ -1,9 +1,16 @@
 #include "generators/common/GeneratorRun.h"
 
+#include <QDir>
+#include <QFileInfo>
+#include <QtConcurrent/QtConcurrentMap>
+#include <vector>
+
 #include "collection/PhotoCollection.h"
 #include "generators/common/ImageWorkers.h"
 #include "generators/common/OutputFolder.h"
 #include "generators/common/RunManifest.h"
+#include "imaging/KLImageHandling.h"
+#include "services/FolderLock.h"
 #include "services/UserInterface.h"
 
 namespace {
@@ -15,14 +22,70 @@ RunResult refused(UserInterface& ui, const RunAlert& alert, RunResult result) {
     return result;
 }
 
+// What a photo's header says before anything is planned: its decoded size in bytes, or why no
+// image can be made of it.
+struct Header {
+    qint64 bytes = 0;
+    QString fault;
+};
+
+Header headerOf(const QString& path) {
+    Header header;
+    int width = 0;
+    int height = 0;
+    if (KLImageHandling::isSupportedSource(path, &header.fault) &&
+        PhotoDecoder::uprightSize(path, &width, &height, &header.fault))
+        header.bytes = qint64(width) * height * 4;  // 8-bit RGB(A), as the images are made
+    return header;
+}
+
+// The photos whose entry in `keep` is set.
+QList<PhotoEntry> kept(const QList<PhotoEntry>& photos, const std::vector<char>& keep) {
+    QList<PhotoEntry> list;
+    for (qsizetype i = 0; i < photos.size(); ++i)
+        if (keep[size_t(i)]) list.append(photos[i]);
+    return list;
+}
+
+QList<PageFile> pagesOf(const SitePlan& plan, const QList<PhotoEntry>& photos) {
+    const CaptionRequest& request = plan.captions;
+    return plan.pages(photos,
+                      CaptionBuilder::captions(request.shown, request.items, request.separator,
+                                               request.fileName, photos));
+}
+
 }  // namespace
 
-RunResult runSite(const SitePlan& plan, const QList<PhotoEntry>& photos, UserInterface& ui,
+RunResult runSite(const std::function<SitePlan(const QList<PhotoEntry>&)>& planOf,
+                  const QList<PhotoEntry>& requested, UserInterface& ui,
                   const RunOptions& options) {
     RunResult result;
     ui.progressStart();
     ui.progressStep(0.2);
-    result.firstPage = options.destination + plan.firstPage;
+
+    // Photos whose header shows that no image can be made of them are left out before anything
+    // is planned; the headers are read on every core.
+    const QList<Header> headers = QtConcurrent::blockingMapped(
+        requested, [](const PhotoEntry& photo) { return headerOf(photo.url.toLocalFile()); });
+    std::vector<char> readable(size_t(requested.size()));
+    std::vector<qint64> costs;
+    QStringList unreadable;
+    for (qsizetype i = 0; i < requested.size(); ++i) {
+        readable[size_t(i)] = headers[i].fault.isEmpty();
+        if (readable[size_t(i)])
+            costs.push_back(headers[i].bytes);
+        else
+            unreadable.append(requested[i].url.toLocalFile() + QStringLiteral(": ") +
+                              headers[i].fault);
+    }
+    const QList<PhotoEntry> photos = kept(requested, readable);
+    if (!requested.isEmpty() && photos.isEmpty()) {  // nothing to publish, nothing written
+        ui.progressStop();
+        result.failures = unreadable;
+        result.ok = true;
+        return result;
+    }
+    const SitePlan plan = planOf(photos);
     result.carried = plan.carried;
     ui.progressStep(0.2);
 
@@ -38,13 +101,34 @@ RunResult runSite(const SitePlan& plan, const QList<PhotoEntry>& photos, UserInt
             result);
     for (const RunAlert& warning : plan.warnings)
         ui.alert(warning.title, warning.description, false);
+
+    // One writer per output folder: a run into a folder another run writes into waits for it.
+    QDir().mkpath(options.destination);
+    const FolderLock lock(
+        options.destination,
+        [&](qint64 pid) {
+            ui.alert(QStringLiteral("Waiting for another run"),
+                     QStringLiteral("Process %1 is writing into %2; this run starts when it ends.")
+                         .arg(pid)
+                         .arg(options.destination),
+                     false);
+        },
+        options.waitForLock ? std::function<bool()>([&] { return !ui.isCancelled(); }) : nullptr);
+    if (!lock.held())
+        return refused(ui,
+                       {QStringLiteral("Sorry, another run is writing into this folder."),
+                        lock.error().isEmpty()
+                            ? QStringLiteral("Process %1 is writing into %2. Try again when it "
+                                             "has finished.")
+                                  .arg(lock.holder())
+                                  .arg(options.destination)
+                            : options.destination + FolderLock::kFileName + QStringLiteral(": ") +
+                                  lock.error()},
+                       result);
     ui.progressStep(0.2);
 
     // Captions (read in photo order with one metadata reader) and the page texts.
-    const CaptionRequest& request = plan.captions;
-    const QList<PageFile> pages =
-        plan.pages(photos, CaptionBuilder::captions(request.shown, request.items, request.separator,
-                                                    request.fileName, photos));
+    QList<PageFile> pages = pagesOf(plan, photos);
     ui.progressStep(0.2);
 
     // What the run writes; with `clean` what earlier runs wrote besides goes first.
@@ -63,6 +147,7 @@ RunResult runSite(const SitePlan& plan, const QList<PhotoEntry>& photos, UserInt
             planned.append(support.lightboxFolder + name);
     if (!support.patternSource.isEmpty()) planned.append(support.patternPath);
     OutputFolder out(options.destination);
+    out.addFailures(unreadable);
     RunManifest manifest(plan.kind, options, ui);
     manifest.removeEarlierFiles(planned, out);
 
@@ -72,22 +157,33 @@ RunResult runSite(const SitePlan& plan, const QList<PhotoEntry>& photos, UserInt
     if (!support.patternSource.isEmpty())
         out.copyPattern(support.patternSource, support.patternPath);
 
-    // Images, on every core, those unchanged since an earlier run kept; progress in photo order.
+    // Images, on every core within the memory budget, those unchanged since an earlier run kept;
+    // progress in photo order.
+    std::vector<char> made(size_t(photos.size()), 1);
+    const auto make = manifest.keepingUnchanged(
+        paths, images, RunManifest::settingsHash(plan.imageSettings), [&](int i) {
+            const QStringList failures = plan.makeImages(paths[i]);
+            made[size_t(i)] = failures.isEmpty();
+            return failures;
+        });
     out.addFailures(ImageWorkers::makeAll(
-        keys, paths, options.threads,
-        manifest.keepingUnchanged(paths, images, RunManifest::settingsHash(plan.imageSettings),
-                                  [&](int i) { return plan.makeImages(paths[i]); }),
-        ui, plan.photoStep ? plan.photoStep(photos.size()) : double(98 / photos.size()),
-        &result.unfinished));
+        keys, paths, options.threads, make, ui,
+        plan.photoStep ? plan.photoStep(photos.size()) : double(98 / photos.size()),
+        &result.unfinished, costs, options.memoryBudget));
     result.cancelled = !result.unfinished.isEmpty();
 
-    // Pages, unless a cancel left images out that they would link.
+    // Pages, unless a cancel left images out that they would link; a photo whose images could not
+    // be made is left out of them, as if it had not been published.
     if (!result.cancelled) {
+        if (std::find(made.begin(), made.end(), 0) != made.end())
+            pages = pagesOf(plan, kept(photos, made));
         ui.progressStep(0.2);
         for (const PageFile& page : pages) out.writeText(page.path, page.text, page.pageIcon);
+        if (out.writtenFiles().contains(plan.firstPage))
+            result.firstPage = options.destination + plan.firstPage;
     }
     manifest.save(out);
-    if (options.openFirstPage && !result.cancelled) out.openPage(plan.firstPage, ui);
+    if (options.openFirstPage && !result.firstPage.isEmpty()) out.openPage(plan.firstPage, ui);
     ui.progressStep(0.2);
     ui.progressStop();
     result.failures = out.failures();

@@ -19,6 +19,11 @@ struct RunOptions {
     bool openFirstPage = false;
     bool clean = false;    // remove the files earlier runs wrote that this run does not write again
     bool rebuild = false;  // make every image again, even those that are unchanged
+    bool waitForLock = true;  // false: refuse at once while another run writes into the folder
+    // Decoded pixels in flight, in bytes: a worker waits rather than go beyond it (a photo larger
+    // than the budget is made alone).
+    qint64 memoryBudget = kDefaultMemoryBudget;
+    static constexpr qint64 kDefaultMemoryBudget = 640LL << 20;
     // What a kind's panel carries from one of its runs to the next (RunResult::carried of the
     // previous run); empty for a first run.
     QHash<QString, QString> carried = {};
@@ -29,7 +34,8 @@ struct RunResult {
     bool ok = false;         // false: an alert stopped the run before anything was written
     bool cancelled = false;  // the user cancelled: no page was written; `unfinished` names the
                              // photos whose images were not made
-    QString firstPage;       // the path of the page a browser opens first
+    QString firstPage;       // the path of the page a browser opens first; "" when no page of
+                             // this run is there
     QStringList failures;    // "path: reason" for each file that could not be read or written
     QStringList unfinished;  // photos left out by a cancel
     QHash<QString, QString> carried;  // for the next run of the same panel
@@ -86,8 +92,9 @@ struct SitePlan {
     QHash<QString, QString> carried = {};  // what the next run of this panel starts from
 };
 
-// The run of any kind, in stages: refusals, warnings, captions and page texts, the plan of files
-// (removing what earlier runs wrote with `clean`), output folder, images on every core, pages, the
-// run record, open. A cancel writes no page.
-RunResult runSite(const SitePlan& plan, const QList<PhotoEntry>& photos, UserInterface& ui,
-                  const RunOptions& options);
+// The run of any kind, in stages: photos that cannot be read left out, refusals, warnings, the
+// folder's lock, captions and page texts, the plan of files (removing what earlier runs wrote with
+// `clean`), output folder, images on every core, pages of the photos whose images were made, the
+// run record, open. A cancel writes no page. `planOf` is the kind's plan for the photos it gets.
+RunResult runSite(const std::function<SitePlan(const QList<PhotoEntry>& photos)>& planOf,
+                  const QList<PhotoEntry>& photos, UserInterface& ui, const RunOptions& options);

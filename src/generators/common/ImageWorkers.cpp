@@ -9,8 +9,13 @@
 #include "services/UserInterface.h"
 
 ImageWorkers::ImageWorkers(const QStringList& outputKeys, int threads,
-                           std::function<void(int)> make, const UserInterface& ui)
-    : make_(std::move(make)), ui_(ui), state_(size_t(outputKeys.size()), 0) {
+                           std::function<void(int)> make, const UserInterface& ui,
+                           std::vector<qint64> costs, qint64 budget)
+    : make_(std::move(make)),
+      ui_(ui),
+      state_(size_t(outputKeys.size()), 0),
+      costs_(std::move(costs)),
+      budget_(budget) {
     QHash<QString, int> chainOf;
     for (int i = 0; i < outputKeys.size(); ++i) {
         const QString key = outputKeys[i].toLower();
@@ -39,12 +44,13 @@ bool ImageWorkers::waitFor(int photo) {
 
 QStringList ImageWorkers::makeAll(const QStringList& outputKeys, const QStringList& paths,
                                   int threads, const std::function<QStringList(int)>& make,
-                                  UserInterface& ui, double step, QStringList* unfinished) {
+                                  UserInterface& ui, double step, QStringList* unfinished,
+                                  const std::vector<qint64>& costs, qint64 budget) {
     warnOfSharedNames(outputKeys, paths, ui);
     std::vector<QStringList> failures(size_t(outputKeys.size()));
     {
         ImageWorkers workers(
-            outputKeys, threads, [&](int i) { failures[size_t(i)] = make(i); }, ui);
+            outputKeys, threads, [&](int i) { failures[size_t(i)] = make(i); }, ui, costs, budget);
         for (int i = 0; i < outputKeys.size(); ++i) {
             if (!workers.waitFor(i)) unfinished->append(paths.value(i));
             ui.progressStep(step);
@@ -80,6 +86,8 @@ void ImageWorkers::work() {
         const size_t chain = next_.fetch_add(1);
         if (chain >= chains_.size()) return;
         for (const int photo : chains_[chain]) {
+            const qint64 cost = costs_.empty() ? 0 : costs_[size_t(photo)];
+            take(cost);
             const bool skip = ui_.isCancelled();
             if (!skip) {
                 try {
@@ -90,6 +98,7 @@ void ImageWorkers::work() {
                     klLog() << "image work failed for photo" << photo;
                 }
             }
+            give(cost);
             {
                 std::lock_guard lock(mutex_);
                 state_[size_t(photo)] = skip ? 2 : 1;
@@ -97,4 +106,20 @@ void ImageWorkers::work() {
             changed_.notify_all();
         }
     }
+}
+
+void ImageWorkers::take(qint64 cost) {
+    if (budget_ <= 0) return;
+    std::unique_lock lock(mutex_);
+    changed_.wait(lock, [&] { return inFlight_ == 0 || inFlight_ + cost <= budget_; });
+    inFlight_ += cost;
+}
+
+void ImageWorkers::give(qint64 cost) {
+    if (budget_ <= 0) return;
+    {
+        std::lock_guard lock(mutex_);
+        inFlight_ -= cost;
+    }
+    changed_.notify_all();
 }

@@ -17,8 +17,11 @@ class UserInterface;
 class ImageWorkers {
   public:
     // `make(i)` makes the images of photo i on a worker thread. `threads` 0 means one per core.
+    // Photo i holds `costs[i]` bytes of decoded pixels while it is made; a worker waits rather
+    // than start a photo that takes the photos in the making beyond `budget` (a photo larger than
+    // the budget is made alone). No costs: no limit.
     ImageWorkers(const QStringList& outputKeys, int threads, std::function<void(int)> make,
-                 const UserInterface& ui);
+                 const UserInterface& ui, std::vector<qint64> costs = {}, qint64 budget = 0);
     // Waits for the workers.
     ~ImageWorkers();
 
@@ -34,7 +37,8 @@ class ImageWorkers {
     // cancel left out are appended to `unfinished`.
     static QStringList makeAll(const QStringList& outputKeys, const QStringList& paths, int threads,
                                const std::function<QStringList(int)>& make, UserInterface& ui,
-                               double step, QStringList* unfinished);
+                               double step, QStringList* unfinished,
+                               const std::vector<qint64>& costs = {}, qint64 budget = 0);
 
     // Warns, naming both files, of each photo whose images take the name of an earlier photo's
     // (the same base name in two folders, or "small.jpg" and "small.png").
@@ -43,6 +47,8 @@ class ImageWorkers {
 
   private:
     void work();
+    void take(qint64 cost);
+    void give(qint64 cost);
 
     std::function<void(int)> make_;
     const UserInterface& ui_;
@@ -51,5 +57,8 @@ class ImageWorkers {
     std::mutex mutex_;
     std::condition_variable changed_;
     std::vector<char> state_;  // 0 waiting, 1 made, 2 skipped
+    std::vector<qint64> costs_;
+    qint64 budget_ = 0;
+    qint64 inFlight_ = 0;  // the costs of the photos being made
     std::vector<std::thread> workers_;
 };

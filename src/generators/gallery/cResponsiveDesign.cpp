@@ -426,7 +426,11 @@ RunResult cResponsiveDesign::hCreateResponsiveHTML(const QString& destination,
 
 RunResult cResponsiveDesign::run(const QList<PhotoEntry>& photos, const SettingsStore& snapshot,
                                  UserInterface& ui, const RunOptions& options) {
-    return runSite(plan(snapshot, photos, options.destination), photos, ui, options);
+    return runSite(
+        [&](const QList<PhotoEntry>& readable) {
+            return plan(snapshot, readable, options.destination);
+        },
+        photos, ui, options);
 }
 
 SitePlan cResponsiveDesign::plan(const SettingsStore& snapshot, const QList<PhotoEntry>& photos,

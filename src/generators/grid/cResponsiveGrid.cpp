@@ -190,7 +190,11 @@ RunResult cResponsiveGrid::hCreateResponsiveGrid(const QString& destination,
 
 RunResult cResponsiveGrid::run(const QList<PhotoEntry>& photos, const SettingsStore& snapshot,
                                UserInterface& ui, const RunOptions& options) {
-    return runSite(plan(snapshot, photos, options.destination), photos, ui, options);
+    return runSite(
+        [&](const QList<PhotoEntry>& readable) {
+            return plan(snapshot, readable, options.destination);
+        },
+        photos, ui, options);
 }
 
 SitePlan cResponsiveGrid::plan(const SettingsStore& snapshot, const QList<PhotoEntry>& photos,

@@ -290,7 +290,9 @@ RunResult cSlideshow::hCreateSlideShow(const QList<PhotoEntry>& photos,
                                        const RunOptions& options) {
     const int index = snapshot.index("pubSsTemplateChoice");
     if (index < 0 || index > 2) return {};
-    return runSite(plan(snapshot, photos, options), photos, ui, options);
+    return runSite(
+        [&](const QList<PhotoEntry>& readable) { return plan(snapshot, readable, options); },
+        photos, ui, options);
 }
 
 SitePlan cSlideshow::plan(const SettingsStore& snapshot, const QList<PhotoEntry>& photos,

@@ -1,0 +1,215 @@
+// Runs that meet real faults, through the command line as a user meets them: bad and huge photos,
+// a full disk, a signal, two runs into one folder. What the visitor sees (pages linking only
+// images that exist) and what the user reads (each file with its own reason) are checked.
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QThread>
+#include <csignal>
+
+#include "services/AtomicFile.h"
+#include "support/TestSupport.h"
+
+using testsupport::filesUnder;
+using testsupport::freshDir;
+using testsupport::orvella;
+using testsupport::readFile;
+
+namespace {
+
+const QStringList kKinds = {"gallery", "slideshow", "grid"};
+
+quint32 crc32Of(const QByteArray& bytes) {
+    quint32 crc = 0xFFFFFFFF;
+    for (const char byte : bytes) {
+        crc ^= quint8(byte);
+        for (int bit = 0; bit < 8; ++bit) crc = (crc >> 1) ^ (0xEDB88320 & (0 - (crc & 1)));
+    }
+    return ~crc;
+}
+
+// A PNG whose header claims w x h pixels (its data is one pixel): no decoder gets that far.
+void writeClaimingPng(const QString& path, quint32 w, quint32 h) {
+    const auto chunk = [](const QByteArray& type, const QByteArray& data) {
+        QByteArray c;
+        for (int shift = 24; shift >= 0; shift -= 8) c += char(quint32(data.size()) >> shift);
+        const QByteArray body = type + data;
+        const quint32 crc = crc32Of(body);
+        c += body;
+        for (int shift = 24; shift >= 0; shift -= 8) c += char(crc >> shift);
+        return c;
+    };
+    QByteArray ihdr;
+    for (const quint32 v : {w, h})
+        for (int shift = 24; shift >= 0; shift -= 8) ihdr += char(v >> shift);
+    ihdr += QByteArray("\x08\x02\x00\x00\x00", 5);
+    testsupport::writeFile(path, QByteArray("\x89PNG\r\n\x1a\n", 8) + chunk("IHDR", ihdr) +
+                                     chunk("IDAT", qCompress(QByteArray(4, 0)).mid(4)) +
+                                     chunk("IEND", {}));
+}
+
+// Three small camera photos copied into `dir`.
+QStringList goodPhotos(const QString& dir) {
+    QStringList copies;
+    for (const QString& jpeg : testsupport::mateBackgroundJpegs())
+        if (QFileInfo(jpeg).size() < 400000 && copies.size() < 3) {
+            copies.append(dir + QFileInfo(jpeg).fileName());
+            QFile::copy(jpeg, copies.last());
+        }
+    EXPECT_EQ(copies.size(), 3);
+    return copies;
+}
+
+// The pages and stylesheets of a site, by relative path.
+QMap<QString, QByteArray> pagesOf(const QString& dir) {
+    QMap<QString, QByteArray> pages;
+    for (const QString& f : filesUnder(dir))
+        if (f.endsWith(".html") || f.endsWith(".css")) pages.insert(f, readFile(dir + f));
+    return pages;
+}
+
+// No temporary file of a run anywhere under `dir`.
+void expectNoTemporaryFiles(const QString& dir) {
+    for (const QString& f : filesUnder(dir))
+        EXPECT_FALSE(AtomicFile::isTemporaryName(QFileInfo(f).fileName())) << f.toStdString();
+}
+
+QStringList kindsRecorded(const QString& dir) {
+    QStringList kinds;
+    const QJsonArray files =
+        QJsonDocument::fromJson(readFile(dir + ".orvella-manifest"))["files"].toArray();
+    for (const QJsonValue& f : files)
+        if (!kinds.contains(f["kind"].toString())) kinds.append(f["kind"].toString());
+    kinds.sort();
+    return kinds;
+}
+
+}  // namespace
+
+// Photos that cannot be made are named with their own reason and left out of every page: the
+// pages are those of a run without them, and the exit code is 1.
+TEST(Faults, BadAndHugePhotosAreLeftOutOfThePages) {
+    const QString src = freshDir("faults-bad-src");
+    const QString good = freshDir("faults-good-src");
+    const QStringList photos = goodPhotos(good);
+    for (const QString& p : photos) QFile::copy(p, src + QFileInfo(p).fileName());
+    testsupport::writeFile(src + "Cut.jpg", readFile(photos[0]).left(20000));
+    writeClaimingPng(src + "Claims.png", 60000, 60000);
+    writeClaimingPng(src + "Huge.png", 30000, 30000);
+    testsupport::writeFile(src + "Noise.png", QByteArray(5000, 'x'));
+    const QStringList reasons = {src + "Claims.png: too large (3600 megapixels; the limit is 250)",
+                                 src + "Cut.jpg: truncated",
+                                 src + "Huge.png: too large (900 megapixels; the limit is 250)",
+                                 src + "Noise.png: not an image"};
+    for (const QString& kind : kKinds) {
+        const QString out = freshDir("faults-bad-" + kind),
+                      clean = freshDir("faults-clean-" + kind);
+        QString stdOut, err;
+        EXPECT_EQ(orvella({"generate", kind, "--out", out, src}, &stdOut, &err), 1);
+        for (const QString& reason : reasons)
+            EXPECT_TRUE(err.contains("orvella generate: " + reason + "\n"))
+                << kind.toStdString() << qPrintable(err);
+        ASSERT_EQ(orvella({"generate", kind, "--out", clean, good}), 0);
+        EXPECT_EQ(pagesOf(out), pagesOf(clean)) << kind.toStdString();
+        EXPECT_TRUE(QFile::exists(stdOut.trimmed().section('\n', -1)));
+    }
+}
+
+// A full disk: every failure names its own file and its own reason, nothing half written is
+// left, and no page path is printed when no page was written.
+TEST(Faults, FullDiskMessagesAreEachTheirOwn) {
+    const QString src = freshDir("faults-full-src");
+    const QStringList photos = goodPhotos(src);
+    const QString out = freshDir("faults-full");
+    // A small filesystem where the test may mount one, else a file size limit.
+    const bool mounted =
+        testsupport::runProgram("mount", {"-t", "tmpfs", "-o", "size=160k", "tmpfs", out}) == 0;
+    const QString reason = mounted ? "No space left on device" : "File too large";
+    QString stdOut, err;
+    const QString limit = mounted ? "unlimited" : "40";
+    EXPECT_EQ(testsupport::runProgram(
+                  "bash",
+                  {"-c", "trap '' XFSZ; ulimit -f " + limit + "; exec \"$@\"", "orvella",
+                   ORVELLA_BINARY, "generate", "gallery", "--threads", "2", "--out", out, src},
+                  &stdOut, &err),
+              1);
+    const QStringList lines = err.split('\n', Qt::SkipEmptyParts);
+    int failures = 0;
+    for (const QString& line : lines) {
+        if (!line.startsWith("orvella generate: " + out)) continue;
+        ++failures;
+        EXPECT_TRUE(line.endsWith(": " + reason)) << qPrintable(line);
+        EXPECT_FALSE(QFile::exists(line.section(": ", 1, 1))) << qPrintable(line);
+    }
+    EXPECT_GT(failures, 0) << qPrintable(err);
+    expectNoTemporaryFiles(out);
+    const QString printed = stdOut.trimmed();
+    EXPECT_TRUE(printed.isEmpty() || QFile::exists(printed)) << qPrintable(printed);
+    if (mounted) testsupport::runProgram("umount", {out});
+}
+
+// SIGTERM and SIGINT at several points of a run: the run stops after the files being written,
+// leaves no temporary file, writes no page once stopped, and says so with 143 or 130; a signal
+// after the last photo stops nothing.
+TEST(Faults, SignalsStopARunCleanly) {
+    const QString src = freshDir("faults-signal-src");
+    const QString photo = goodPhotos(src).first();
+    for (int i = 0; i < 40; ++i) QFile::link(photo, src + QStringLiteral("p%1.jpg").arg(i));
+    for (const auto& [signal, afterMs] :
+         std::vector<std::pair<int, int>>{{SIGTERM, 300}, {SIGINT, 1200}, {SIGTERM, 2500}}) {
+        const QString out = freshDir(QStringLiteral("faults-signal-%1").arg(afterMs));
+        QProcess run;
+        run.start(ORVELLA_BINARY, {"generate", "grid", "--out", out, src});
+        ASSERT_TRUE(run.waitForStarted());
+        QThread::msleep(afterMs);
+        ::kill(pid_t(run.processId()), signal);
+        ASSERT_TRUE(run.waitForFinished(120000));
+        const QString err = QString::fromUtf8(run.readAllStandardError());
+        expectNoTemporaryFiles(out);
+        if (run.exitCode() == 0) {  // the run had finished its photos
+            EXPECT_TRUE(QFile::exists(out + "index.html"));
+            continue;
+        }
+        EXPECT_EQ(run.exitCode(), 128 + signal) << qPrintable(err);
+        EXPECT_TRUE(err.contains("interrupted: no page was written")) << qPrintable(err);
+        EXPECT_FALSE(QFile::exists(out + "index.html"));
+        EXPECT_TRUE(QFile::exists(out + ".orvella-manifest"));
+        EXPECT_FALSE(QFile::exists(out + ".orvella-lock"));
+    }
+}
+
+// Two runs into one folder at once: the second waits for the first, neither fails, and the record
+// keeps both kinds, so --clean of each finds its own files; --no-wait refuses, naming the other.
+TEST(Faults, OneWriterPerFolder) {
+    const QString src = freshDir("faults-lock-src");
+    const QStringList photos = goodPhotos(src);
+    const QString out = freshDir("faults-lock");
+    QProcess first;
+    first.start(ORVELLA_BINARY, {"generate", "gallery", "--out", out, src});
+    ASSERT_TRUE(first.waitForStarted());
+    while (!QFile::exists(out + ".orvella-lock") && first.state() == QProcess::Running)
+        QThread::msleep(10);
+    QString err;
+    EXPECT_EQ(orvella({"generate", "slideshow", "--no-wait", "--out", out, src}, nullptr, &err), 2);
+    EXPECT_TRUE(err.contains(QStringLiteral("Process %1 is writing into").arg(first.processId())))
+        << qPrintable(err);
+    EXPECT_EQ(orvella({"generate", "grid", "--out", out, src}, nullptr, &err), 0)
+        << qPrintable(err);
+    ASSERT_TRUE(first.waitForFinished(120000));
+    EXPECT_EQ(first.exitCode(), 0) << first.readAllStandardError().toStdString();
+    EXPECT_EQ(kindsRecorded(out), QStringList({"gallery", "grid"}));
+    // The gallery without its first photo: --clean removes that photo's gallery images only.
+    const QString base = QFileInfo(photos[0]).completeBaseName();
+    EXPECT_EQ(orvella({"generate", "gallery", "--clean", "--out", out, photos[1], photos[2]}), 0);
+    EXPECT_FALSE(QFile::exists(out + "KLimages_s/" + base + ".jpeg"));
+    EXPECT_TRUE(QFile::exists(out + "KLovImages/" + base + ".jpeg"));
+    EXPECT_EQ(kindsRecorded(out), QStringList({"gallery", "grid"}));
+    EXPECT_FALSE(QFile::exists(out + ".orvella-lock"));
+}
