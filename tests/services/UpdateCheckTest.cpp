@@ -20,8 +20,7 @@ def serve(c):
         request = b""
         while b"\r\n\r\n" not in request and (data := c.recv(4096)): request += data
         print(request.decode("latin-1"), flush=True)
-        status = b"404 Not Found" if mode == "missing" else b"200 OK"
-        head = b"HTTP/1.1 " + status + b"\r\nContent-Type: text/plain; charset=utf-8\r\n"
+        head = b"HTTP/1.1 " + (b"404 Not Found" if mode == "missing" else b"200 OK") + b"\r\n"
         if mode in ("reply", "missing"):
             c.sendall(head + b"Content-Length: %d\r\nConnection: close\r\n\r\n" % len(body) + body)
         else:
@@ -34,29 +33,19 @@ def serve(c):
 while True: threading.Thread(target=serve, args=(server.accept()[0],), daemon=True).start()
 )";
 
-class VersionServer {
-  public:
+struct VersionServer : QProcess {
     VersionServer(const QString& mode, const QByteArray& body, int size) {
-        process_.start("python3",
-                       {"-c", kServer, mode, QString::fromUtf8(body), QString::number(size)});
-        while (!process_.canReadLine() && process_.waitForReadyRead(20000)) {
+        start("python3", {"-c", kServer, mode, QString::fromUtf8(body), QString::number(size)});
+        while (!canReadLine() && waitForReadyRead(20000)) {
         }
-        port_ = process_.readLine().trimmed();
+        url = "http://127.0.0.1:" + readLine().trimmed() + "/version.txt";
     }
-    ~VersionServer() { stop(); }
+    ~VersionServer() override { stop(); }
     void stop() {
-        process_.kill();
-        process_.waitForFinished();
+        kill();
+        waitForFinished();
     }
-    QString url() const { return "http://127.0.0.1:" + port_ + "/version.txt"; }
-    QByteArray requests() {
-        process_.waitForReadyRead(5000);
-        return process_.readAllStandardOutput();
-    }
-
-  private:
-    QProcess process_;
-    QString port_;
+    QString url;
 };
 
 QStringList logged;
@@ -117,7 +106,7 @@ TEST(UpdateCheck, CommandLineAgainstARealServer) {
     for (const auto& [mode, body, size, code, out, err] : cases) {
         SCOPED_TRACE(mode.toStdString() + " " + std::to_string(size));
         VersionServer server(mode == u"closed" ? "reply" : mode, body, size);
-        const QString url = server.url();
+        const QString url = server.url;
         if (mode == u"closed") server.stop();  // its port is refused from now on
         QString printed, said;
         EXPECT_EQ(testsupport::orvella({"update-check", "--url", url, "--build", "2", "--timeout",
@@ -129,7 +118,8 @@ TEST(UpdateCheck, CommandLineAgainstARealServer) {
                         ? said.startsWith("orvella update-check: " + url + ": ")
                         : said == (err.isEmpty() ? "" : "orvella update-check: " + url + err))
             << said.toStdString();
-        const QByteArray request = server.requests().toLower();
+        server.waitForReadyRead(5000);
+        const QByteArray request = server.readAllStandardOutput().toLower();
         EXPECT_TRUE(mode == u"closed" || (request.startsWith("get /version.txt http/1.1\r\n") &&
                                           request.contains("cache-control: no-cache")))
             << request.toStdString();
