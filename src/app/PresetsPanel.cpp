@@ -31,6 +31,11 @@ PresetsPanel::PresetsPanel(const QString& outputKind, SettingsStore& settings, U
     name_->setPlaceholderText(tr("Name of the preset"));
     status_ = new QLabel;
     status_->setWordWrap(true);
+    problem_ = new QLabel;
+    problem_->setObjectName(QStringLiteral("tfPresetsProblem"));
+    problem_->setWordWrap(true);
+    problem_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    problem_->hide();
 
     auto button = [this](const QString& text, const QString& name, void (PresetsPanel::*action)()) {
         auto* b = new QPushButton(text);
@@ -48,6 +53,11 @@ PresetsPanel::PresetsPanel(const QString& outputKind, SettingsStore& settings, U
         button(tr("Export…"), QStringLiteral("btExportPreset"), &PresetsPanel::exportPreset);
     auto* importButton =
         button(tr("Import…"), QStringLiteral("btImportPreset"), &PresetsPanel::importPreset);
+    repair_ = button(tr("Move Aside and Start Anew"), QStringLiteral("btRepairPresets"),
+                     &PresetsPanel::repairDatabase);
+    repair_->setToolTip(
+        tr("Rename the damaged database with today's date beside it and start an empty one"));
+    repair_->hide();
     connect(name_, &QLineEdit::returnPressed, this, &PresetsPanel::addPreset);
     connect(list_, &QListWidget::itemDoubleClicked, this, &PresetsPanel::loadPreset);
 
@@ -58,30 +68,81 @@ PresetsPanel::PresetsPanel(const QString& outputKind, SettingsStore& settings, U
     for (QPushButton* b : {load, remove, exportButton, importButton}) buttons->addWidget(b);
     buttons->addStretch();
     auto* layout = new QVBoxLayout(this);
+    layout->addWidget(problem_);
+    layout->addWidget(repair_, 0, Qt::AlignLeft);
     layout->addWidget(list_, 1);
     layout->addLayout(nameRow);
     layout->addLayout(buttons);
     layout->addWidget(status_);
     setEnabled(layout_ != nullptr);
+}
+
+void PresetsPanel::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
     refreshList();
+}
+
+void PresetsPanel::failed(const cPresetManager& manager, const QString& title,
+                          const QString& message) {
+    const DbFailure& fault = manager.failure();
+    if (fault.failed() && fault.fault != DbFault::DamagedRow && fault.fault != DbFault::Refused) {
+        problem_->setText(fault.text());
+        problem_->show();
+        repair_->setVisible(fault.movable());
+    }
+    if (!title.isEmpty()) ui_.alert(title, message, false);
 }
 
 void PresetsPanel::refreshList() {
     list_->clear();
+    problem_->hide();
+    repair_->hide();
     if (!layout_) return;
     cPresetManager manager(dbPath_);
-    for (const auto& entry : manager.hUpdateLoadPresetsTableView(
-             QStringLiteral("Presets"), QStringLiteral("Process"), layout_->code))
-        list_->addItem(entry.nmPreset);
+    QList<cPresetManager::ListEntry> entries;
+    QString message;
+    if (manager.listPresets(*layout_, &entries, &message) != cPresetManager::Outcome::Ok) {
+        failed(manager, QString(), message);
+        return;
+    }
+    for (const auto& entry : entries) {
+        const QString name = cPresetManager::displayName(entry.nmPreset);
+        auto* item = new QListWidgetItem(list_);
+        item->setData(kNameRole, entry.nmPreset);
+        if (entry.damage.isEmpty()) {
+            item->setText(name);
+            continue;
+        }
+        item->setText(entry.nmPreset.isEmpty() ? tr("Damaged preset (row %1)").arg(entry.rowId)
+                                               : tr("%1 (damaged)").arg(name));
+        item->setData(kDamageRole, entry.damage);
+        item->setToolTip(entry.damage);
+        item->setForeground(palette().brush(QPalette::Disabled, QPalette::Text));
+    }
+}
+
+void PresetsPanel::repairDatabase() {
+    cPresetManager manager(dbPath_);
+    QString movedTo, message;
+    if (manager.repairDatabase(&movedTo, &message) != cPresetManager::Outcome::Ok) {
+        ui_.alert(tr("The presets database was not moved."), message, false);
+        return;
+    }
+    refreshList();
+    status_->setText(movedTo.isEmpty() ? message
+                                       : tr("The damaged database was moved to %1; a new one "
+                                            "was started.")
+                                             .arg(movedTo));
 }
 
 void PresetsPanel::addPreset() {
     if (!layout_) return;
     QString stored, message;
-    const auto outcome = cPresetManager(dbPath_).addPresetValuesToDB(
-        settings_, *layout_, name_->text(), &stored, &message);
+    cPresetManager manager(dbPath_);
+    const auto outcome =
+        manager.addPresetValuesToDB(settings_, *layout_, name_->text(), &stored, &message);
     if (outcome != cPresetManager::Outcome::Ok) {
-        ui_.alert(tr("The preset was not saved."), message, false);
+        failed(manager, tr("The preset was not saved."), message);
         return;
     }
     status_->setText(tr("Saved as “%1”.").arg(stored));
@@ -93,27 +154,33 @@ void PresetsPanel::removePreset() {
     const int row = list_->currentRow();
     klLog() << QStringLiteral("mySelectedRow: %1").arg(row);
     if (row < 0 || !layout_) return;
-    const QString name = list_->item(row)->text();
+    const QString name = list_->item(row)->data(kNameRole).toString();
     QString message;
-    if (cPresetManager(dbPath_).hRemovePreset(name, &message) == cPresetManager::Outcome::Failed)
-        ui_.alert(tr("The preset was not removed."), message, false);
-    else
-        status_->setText(tr("“%1” removed.").arg(name));
+    cPresetManager manager(dbPath_);
+    const auto outcome = manager.hRemovePreset(name, &message);
+    if (outcome == cPresetManager::Outcome::Failed) {
+        failed(manager, tr("The preset was not removed."), message);
+        return;
+    }
+    status_->setText(outcome == cPresetManager::Outcome::Ok
+                         ? tr("“%1” removed.").arg(cPresetManager::displayName(name))
+                         : message);
     refreshList();
 }
 
 void PresetsPanel::loadPreset() {
     QListWidgetItem* item = list_->currentItem();
     if (!item || !layout_) return;
+    const QString name = item->data(kNameRole).toString();
     QString message;
-    const auto outcome =
-        cPresetManager(dbPath_).loadPresetFromDB(settings_, *layout_, item->text(), &message);
+    cPresetManager manager(dbPath_);
+    const auto outcome = manager.loadPresetFromDB(settings_, *layout_, name, &message);
     if (outcome != cPresetManager::Outcome::Ok) {
-        ui_.alert(tr("The preset was not loaded."), message, false);
+        failed(manager, tr("The preset was not loaded."), message);
         return;
     }
-    name_->setText(item->text());
-    status_->setText(tr("“%1” loaded.").arg(item->text()));
+    name_->setText(cPresetManager::displayName(name));
+    status_->setText(tr("“%1” loaded.").arg(cPresetManager::displayName(name)));
     Q_EMIT loaded(layout_->kind);
 }
 

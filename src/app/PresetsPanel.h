@@ -5,13 +5,19 @@
 class QLabel;
 class QLineEdit;
 class QListWidget;
+class QPushButton;
+class cPresetManager;
 class SettingsStore;
 class UserInterface;
 struct PresetLayout;
 
 // The presets of one output kind in its tab: the stored presets, oldest first, a name field, and
 // add (save the current settings), remove, load (also by double-click), export to and import from
-// a preset file. Database failures show their fixed message in the alert sheet; the window goes on.
+// a preset file. The list is read again whenever the panel is shown. Failures of an action show in
+// the alert sheet (the fixed message, the file and the reason); the window goes on. A database
+// that cannot be read is named with its fault above the empty list, with an offer to move it
+// aside and start a new one when that cures it. A stored preset that cannot be read is listed as
+// damaged, its reason in its tooltip.
 class PresetsPanel : public QWidget {
     Q_OBJECT
   public:
@@ -25,6 +31,8 @@ class PresetsPanel : public QWidget {
     void loadPreset();
     void exportPreset();
     void importPreset();
+    // Moves the damaged database aside and starts a new one.
+    void repairDatabase();
     // The file forms, without dialogs.
     bool exportTo(const QString& file);
     bool importFrom(const QString& file);
@@ -33,7 +41,18 @@ class PresetsPanel : public QWidget {
     // Settings were loaded into the store; `kind` is the kind whose tab they belong to.
     void loaded(const QString& kind);
 
+  public:
+    // The role of a list item's stored name (its text may be shown otherwise) and damage.
+    static constexpr int kNameRole = Qt::UserRole;
+    static constexpr int kDamageRole = Qt::UserRole + 1;
+
+  protected:
+    void showEvent(QShowEvent* event) override;
+
   private:
+    // Shows what failed; the database's fault stays shown above the list until a refresh.
+    void failed(const cPresetManager& manager, const QString& title, const QString& message);
+
     const PresetLayout* layout_ = nullptr;
     SettingsStore& settings_;
     UserInterface& ui_;
@@ -41,4 +60,6 @@ class PresetsPanel : public QWidget {
     QListWidget* list_ = nullptr;
     QLineEdit* name_ = nullptr;
     QLabel* status_ = nullptr;
+    QLabel* problem_ = nullptr;
+    QPushButton* repair_ = nullptr;
 };

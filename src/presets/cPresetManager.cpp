@@ -80,12 +80,28 @@ void setOrLog(SettingsStore& settings, const QString& name, const QString& value
     if (!settings.set(name, value, &error)) klLog() << "preset: not loaded:" << error;
 }
 
+bool isControl(QChar c) {
+    return c.category() == QChar::Other_Control;
+}
+
+// A stored text as the settings may take it: no control characters, which would reach the pages
+// (a text view keeps its tabs and line breaks).
+QString withoutControls(const QString& text, bool multiLine) {
+    QString kept;
+    for (const QChar c : text)
+        if (!isControl(c) || (multiLine && (c == u'\t' || c == u'\n' || c == u'\r')))
+            kept.append(c);
+    return kept;
+}
+
 void apply(SettingsStore& settings, const PresetLayout& layout, const PresetField& field,
-           const QString& text) {
+           const QString& stored) {
     using E = FieldEncoding;
     if (field.encoding == E::Zero) return;
     const QString name = QString::fromLatin1(*field.loadInto ? field.loadInto : field.control);
     if (!knownControl(settings, name)) return;
+    const QString text = withoutControls(stored, field.encoding == E::TextView);
+    if (text.size() != stored.size()) klLog() << "preset: control characters left out of" << name;
     switch (field.encoding) {
         case E::Text:
         case E::TextView:
@@ -160,36 +176,56 @@ void cPresetManager::applyPresetFields(SettingsStore& settings, const PresetLayo
               field.field < fields.size() ? fields[field.field] : QString());
 }
 
+cPresetManager::Outcome cPresetManager::failed(const DbFailure& failure, QString* message) {
+    failure_ = failure;
+    if (message) *message = failure.text();
+    return Outcome::Failed;
+}
+
+cPresetManager::Outcome cPresetManager::failed(const dbViewController& db, QString* message) {
+    return failed(db.fault(), message);
+}
+
+QString cPresetManager::displayName(const QString& name) {
+    QString shown = name;
+    for (QChar& c : shown)
+        if (isControl(c)) c = QChar::ReplacementCharacter;
+    return shown;
+}
+
+QString cPresetManager::damageOf(const dbViewController::StoredRow& row) const {
+    const QString name = row.lostFields.contains(0) || row.fields.value(0).isEmpty()
+                             ? QStringLiteral("a preset")
+                             : QStringLiteral("the preset \"%1\"").arg(displayName(row.fields[0]));
+    return QStringLiteral("%1 cannot be read (row %2: %3)")
+        .arg(name, QString::number(row.id), row.damage);
+}
+
 cPresetManager::Outcome cPresetManager::storePresetFields(QStringList fields, QString* storedName,
                                                           QString* message) {
+    failure_ = {};
     const QString name = fields.value(0);
-    if (name.trimmed().isEmpty()) {
-        if (message) *message = QStringLiteral("A preset needs a name.");
+    auto refuse = [&](const QString& why) {
+        if (message) *message = why;
         return Outcome::Refused;
-    }
+    };
+    if (name.trimmed().isEmpty()) return refuse(QStringLiteral("A preset needs a name."));
     // The presets list splits stored rows at "|".
-    if (name.contains(u'|')) {
-        if (message) *message = QStringLiteral("A preset name cannot hold \"|\".");
-        return Outcome::Refused;
-    }
-    {
-        dbViewController db(dbPath_);
-        if (!db.linkToPresetsDB()) {
-            if (message) *message = db.failure();
-            return Outcome::Failed;
-        }
-    }
-    dbViewController check(dbPath_);
-    const QString found = check.checkPresetNameFromTableNamed(
-        QStringLiteral("Presets"), QStringLiteral("NameOfPreset"), name, QStringLiteral("Process"),
-        fields.value(1));
-    // Checked once: a third save adds a second "_[x]" row.
-    if (!found.isNull() && found == name) fields[0] = name + QStringLiteral("_[x]");
+    if (name.contains(u'|')) return refuse(QStringLiteral("A preset name cannot hold \"|\"."));
+    if (std::any_of(name.cbegin(), name.cend(), isControl))
+        return refuse(QStringLiteral("A preset name cannot hold control characters."));
+    // Read through first: a file that cannot be read is never written to.
     dbViewController db(dbPath_);
-    if (!db.insertSortingPresetToDB01(fields)) {
-        if (message) *message = db.failure();
-        return Outcome::Failed;
-    }
+    QList<dbViewController::StoredRow> rows;
+    if (!db.linkToPresetsDB() ||
+        !db.readRows(QStringLiteral("Presets"), QStringLiteral("NameOfPreset"), name, &rows))
+        return failed(db, message);
+    // Checked once: a third save adds a second "_[x]" row.
+    if (std::any_of(rows.cbegin(), rows.cend(), [&](const dbViewController::StoredRow& row) {
+            return row.matches && row.fields.value(1) == fields.value(1);
+        }))
+        fields[0] = name + QStringLiteral("_[x]");
+    if (!db.insertSortingPresetToDB01(fields)) return failed(db, message);
     if (storedName) *storedName = fields[0];
     return Outcome::Ok;
 }
@@ -201,83 +237,101 @@ cPresetManager::Outcome cPresetManager::addPresetValuesToDB(const SettingsStore&
     return storePresetFields(presetFields(settings, layout, name), storedName, message);
 }
 
-QList<cPresetManager::ListEntry> cPresetManager::hUpdateLoadPresetsTableView(const QString& table,
-                                                                             const QString& column,
-                                                                             const QString& value) {
-    QList<ListEntry> entries;
-    {
-        dbViewController link(dbPath_);
-        link.linkToPresetsDB();
-    }
+cPresetManager::Outcome cPresetManager::hUpdateLoadPresetsTableView(const QString& table,
+                                                                    const QString& column,
+                                                                    const QString& value,
+                                                                    QList<ListEntry>* entries,
+                                                                    QString* message) {
+    failure_ = {};
+    entries->clear();
     dbViewController db(dbPath_);
-    const QStringList rows = db.checkForActionType(table, column, value);
-    if (rows.isEmpty()) {
-        klLog() << "Empty array";
-        return entries;
-    }
-    for (const QString& row : rows) {
-        const QStringList items = row.split(u'|');
-        const QString joined = items.value(0) + u'|' + items.value(1);
+    QList<dbViewController::StoredRow> rows;
+    if (!db.linkToPresetsDB() || !db.readRows(table, column, value, &rows))
+        return failed(db, message);
+    if (rows.isEmpty()) klLog() << "Empty array";
+    for (const dbViewController::StoredRow& row : rows) {
+        if (!row.damage.isEmpty()) {
+            entries->append({row.fields.value(0), row.fields.value(1), QString(),
+                             db.dbFilePath() + QStringLiteral(": ") + damageOf(row), row.id});
+            continue;
+        }
+        const QString text = row.fields.join(u'|');
+        const QString joined = row.fields.value(0) + u'|' + row.fields.value(1);
         // The piece after the first occurrence, up to a second one if the text recurs.
-        const QStringList pieces = row.split(joined);
-        entries.append({QStringLiteral("%1").arg(items.value(0)),
-                        QStringLiteral("%1").arg(items.value(1)),
-                        QStringLiteral("%1").arg(pieces.value(1))});
+        const QStringList pieces = text.split(joined);
+        entries->append({QStringLiteral("%1").arg(row.fields.value(0)),
+                         QStringLiteral("%1").arg(row.fields.value(1)),
+                         QStringLiteral("%1").arg(pieces.value(1)), QString(), row.id});
         ++myLogCounter;
     }
     myLogCounter = 0;
-    return entries;
-}
-
-QStringList cPresetManager::presetNames(const PresetLayout& layout) {
-    QStringList names;
-    for (const ListEntry& entry : hUpdateLoadPresetsTableView(
-             QStringLiteral("Presets"), QStringLiteral("Process"), layout.code))
-        names.append(entry.nmPreset);
-    return names;
+    return Outcome::Ok;
 }
 
 cPresetManager::Outcome cPresetManager::hRemovePreset(const QString& name, QString* message) {
-    {
-        dbViewController link(dbPath_);
-        if (!link.linkToPresetsDB()) {
-            if (message) *message = link.failure();
-            return Outcome::Failed;
-        }
-    }
+    failure_ = {};
     dbViewController db(dbPath_);
-    const bool existed =
-        !db.rowsWhere(QStringLiteral("Presets"), QStringLiteral("NameOfPreset"), name).isEmpty();
-    db.removePresetFromDatabase(QStringLiteral("Presets"), QStringLiteral("NameOfPreset"), name);
-    if (!existed) {
+    QList<dbViewController::StoredRow> rows;
+    if (!db.linkToPresetsDB() ||
+        !db.readRows(QStringLiteral("Presets"), QStringLiteral("NameOfPreset"), name, &rows))
+        return failed(db, message);
+    if (std::none_of(rows.cbegin(), rows.cend(),
+                     [](const dbViewController::StoredRow& row) { return row.matches; })) {
         if (message) *message = QStringLiteral("No preset is named \"%1\".").arg(name);
         return Outcome::Refused;
     }
-    return Outcome::Ok;
+    db.removePresetFromDatabase(QStringLiteral("Presets"), QStringLiteral("NameOfPreset"), name);
+    return db.fault().failed() ? failed(db, message) : Outcome::Ok;
 }
 
 cPresetManager::Outcome cPresetManager::loadPresetFromDB(SettingsStore& settings,
                                                          const PresetLayout& layout,
                                                          const QString& name, QString* message) {
-    {
-        dbViewController link(dbPath_);
-        if (!link.linkToPresetsDB()) {
-            if (message) *message = link.failure();
-            return Outcome::Failed;
-        }
-    }
+    failure_ = {};
     dbViewController db(dbPath_);
-    const QList<QStringList> rows =
-        db.rowsWhere(QStringLiteral("Presets"), QStringLiteral("NameOfPreset"), name);
-    // The newest of that name and kind.
+    QList<dbViewController::StoredRow> rows;
+    if (!db.linkToPresetsDB() ||
+        !db.readRows(QStringLiteral("Presets"), QStringLiteral("NameOfPreset"), name, &rows))
+        return failed(db, message);
+    // The newest of that name and kind; a row whose kind is lost may be it.
     for (auto it = rows.crbegin(); it != rows.crend(); ++it) {
-        if (it->value(1) != layout.code) continue;
-        applyPresetFields(settings, layout, *it);
+        if (!it->matches || (it->fields.value(1) != layout.code && !it->lostFields.contains(1)))
+            continue;
+        if (!it->damage.isEmpty())
+            return failed({QString(), db.dbFilePath(), damageOf(*it), DbFault::DamagedRow},
+                          message);
+        applyPresetFields(settings, layout, it->fields);
         return Outcome::Ok;
     }
     if (message)
         *message = QStringLiteral("No %1 preset is named \"%2\".").arg(kindTitle(layout), name);
     return Outcome::Refused;
+}
+
+cPresetManager::Outcome cPresetManager::repairDatabase(QString* movedTo, QString* message) {
+    failure_ = {};
+    movedTo->clear();
+    dbViewController db(dbPath_);
+    const QString path = db.dbFilePath();
+    if (db.verifyPresetsDb()) {
+        if (message) *message = QStringLiteral("%1 has no fault; nothing was moved.").arg(path);
+        return Outcome::Ok;
+    }
+    DbFailure fault = db.fault();
+    if (!fault.movable()) {
+        fault.reason += QStringLiteral("; nothing was moved");
+        return failed(fault, message);
+    }
+    QString error;
+    if (!dbViewController::moveAside(path, QDate::currentDate(), movedTo, &error))
+        return failed({QString(), QString(), error, DbFault::Other}, message);
+    klLog() << path << "(" << fault.reason << ") was moved to" << *movedTo;
+    dbViewController fresh(dbPath_);
+    if (!fresh.linkToPresetsDB()) return failed(fresh, message);
+    if (message)
+        *message = QStringLiteral("%1 (%2) was moved to %3; a new presets database was started.")
+                       .arg(path, fault.reason, *movedTo);
+    return Outcome::Ok;
 }
 
 cPresetManager::Outcome cPresetManager::loadPreset(SettingsStore& settings,

@@ -6,6 +6,7 @@
 #include <QStringList>
 
 #include "presets/PresetLayouts.h"
+#include "presets/dbViewController.h"
 
 class SettingsStore;
 
@@ -15,11 +16,15 @@ class SettingsStore;
 // not built in) gives an empty field on saving and is skipped on loading, with a log line.
 //
 // Every database action uses a fresh dbViewController on the file given here (default: the
-// user's presets database).
+// user's presets database). A database that cannot be read is reported with its file and reason,
+// never as an empty list, and never written to. A stored row that cannot be read is listed as
+// damaged and refused on loading; the other rows work. Control characters a row carries are left
+// out of the settings it loads (a text view keeps its tabs and line breaks).
 class cPresetManager {
   public:
     // Refused: the request cannot be carried out as asked (unknown name, bad file), exit 2 on the
-    // command line. Failed: the database failed with its fixed message, exit 1.
+    // command line. Failed: the database failed (its fixed message, the file and the reason) or
+    // the preset asked for cannot be read, exit 1; failure() tells which fault.
     enum class Outcome { Ok, Refused, Failed };
 
     // One entry of the presets list.
@@ -27,6 +32,10 @@ class cPresetManager {
         QString nmPreset;    // the name
         QString nmProces;    // the kind code
         QString nmbrAction;  // the rest of the row after name and kind
+        // Why the row cannot be read, naming the file, the preset (when its name survives) and the
+        // row; "" for a sound row.
+        QString damage;
+        qint64 rowId = 0;
     };
 
     // A preset dictionary: "mySqlVal0" (time stamp) to "mySqlVal101".
@@ -48,10 +57,15 @@ class cPresetManager {
     // Stores ready fields 0 to 101 as a preset, with the same naming rule.
     Outcome storePresetFields(QStringList fields, QString* storedName, QString* message);
 
-    // The presets list of one kind ("Presets", "Process", kind code), oldest first.
-    QList<ListEntry> hUpdateLoadPresetsTableView(const QString& table, const QString& column,
-                                                 const QString& value);
-    QStringList presetNames(const PresetLayout& layout);
+    // The presets list of one kind ("Presets", "Process", kind code), oldest first; a row whose
+    // kind cannot be read is listed under every kind.
+    Outcome hUpdateLoadPresetsTableView(const QString& table, const QString& column,
+                                        const QString& value, QList<ListEntry>* entries,
+                                        QString* message);
+    Outcome listPresets(const PresetLayout& layout, QList<ListEntry>* entries, QString* message) {
+        return hUpdateLoadPresetsTableView(QStringLiteral("Presets"), QStringLiteral("Process"),
+                                           layout.code, entries, message);
+    }
     // Removes every preset of that name, whatever its kind.
     Outcome hRemovePreset(const QString& name, QString* message);
 
@@ -61,6 +75,19 @@ class cPresetManager {
     // A path that exists is a preset file (of this kind), anything else a stored name.
     Outcome loadPreset(SettingsStore& settings, const PresetLayout& layout,
                        const QString& nameOrFile, QString* message);
+
+    // Moves a damaged database aside ("FILE.damaged-YYYY-MM-DD" beside it, never over another
+    // file) and starts a new one; `movedTo` gets the name it was moved to. Ok with `movedTo`
+    // empty and nothing moved when the file has no fault; Failed when it is locked or cannot be
+    // moved.
+    Outcome repairDatabase(QString* movedTo, QString* message);
+    // The database file.
+    QString dbFilePath() const { return dbViewController(dbPath_).dbFilePath(); }
+    // The fault of the last Failed outcome.
+    const DbFailure& failure() const { return failure_; }
+
+    // A stored name as it may be shown: control characters become U+FFFD.
+    static QString displayName(const QString& name);
 
     // Preset dictionaries.
     static PresetDictionary addPresetValuesToPLIST(const SettingsStore& settings,
@@ -103,5 +130,11 @@ class cPresetManager {
     int myLogCounter = 0;
 
   private:
+    Outcome failed(const dbViewController& db, QString* message);
+    Outcome failed(const DbFailure& failure, QString* message);
+    // The reason a row cannot be read, naming the file, the preset and the row.
+    QString damageOf(const dbViewController::StoredRow& row) const;
+
     QString dbPath_;
+    DbFailure failure_;
 };

@@ -1,11 +1,17 @@
 #include "presets/dbViewController.h"
 
+#include <fcntl.h>
 #include <sqlite3.h>
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <QStandardPaths>
+#include <QStringDecoder>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
 #include <functional>
 
 #include "services/Log.h"
@@ -36,6 +42,18 @@ class Statement {
     QString text(int column) const {
         const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(stmt_, column));
         return text ? QString::fromUtf8(text, sqlite3_column_bytes(stmt_, column)) : QString();
+    }
+    // Reads a column as text into `text` (when given); the damage when it holds none: no value, or
+    // bytes that are not UTF-8.
+    const char* readText(int column, QString* text) const {
+        if (sqlite3_column_type(stmt_, column) == SQLITE_NULL) return "holds no value";
+        const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(stmt_, column));
+        QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+        const QString decoded =
+            decoder.decode(QByteArrayView(bytes, sqlite3_column_bytes(stmt_, column)));
+        if (decoder.hasError()) return "is not text";
+        if (text) *text = decoded;
+        return nullptr;
     }
     QByteArray blob(int column) const {
         const void* blob = sqlite3_column_blob(stmt_, column);
@@ -108,39 +126,124 @@ QString dbViewController::declaredType(int position) {
     return position >= 22 && position <= 42 ? QStringLiteral("Integer") : QStringLiteral("Text");
 }
 
-bool dbViewController::fail(const QString& message) {
-    failure_ = message;
-    klLog() << message;
+bool dbViewController::fail(const QString& message, DbFault fault, const QString& reason) {
+    failure_ = {message, path_, reason, fault};
+    klLog() << failure_.text();
+    close();
     return false;
 }
 
-bool dbViewController::open(bool create) {
+bool dbViewController::refuse(const QString& message, const QString& reason) {
+    failure_ = {message, QString(), reason, DbFault::Refused};
+    klLog() << failure_.text();
     close();
-    const QByteArray file = dbFilePath().toUtf8();
-    const int flags = SQLITE_OPEN_READWRITE | (create ? SQLITE_OPEN_CREATE : 0);
-    if (sqlite3_open_v2(file.constData(), &myDb, flags, nullptr) != SQLITE_OK) {
-        klLog() << "sqlite:" << (myDb ? sqlite3_errmsg(myDb) : "out of memory");
-        close();
-        return false;
+    return false;
+}
+
+bool dbViewController::failSqlite(const QString& message, int code) {
+    const QString said = QString::fromUtf8(myDb ? sqlite3_errmsg(myDb) : sqlite3_errstr(code));
+    const int error = myDb ? sqlite3_system_errno(myDb) : 0;
+    const QFileInfo file(path_);
+    switch (code & 0xff) {
+        case SQLITE_BUSY:
+        case SQLITE_LOCKED:
+            return fail(message, DbFault::Locked,
+                        QStringLiteral("locked by another program; gave up after %1 seconds (%2)")
+                            .arg(QString::number(lockWaitMs / 1000.0), said));
+        case SQLITE_CORRUPT:
+        case SQLITE_NOTADB:
+            return fail(message, DbFault::Damaged,
+                        QStringLiteral("the file is damaged (%1)").arg(said));
+        case SQLITE_READONLY:
+            return fail(message, DbFault::Unwritable,
+                        QStringLiteral("cannot be written (%1)").arg(said));
+        default:
+            break;
     }
-    sqlite3_busy_timeout(myDb, 5000);
+    if (file.exists() && !file.isFile())
+        return fail(message, DbFault::NotAFile, QStringLiteral("a folder, not a file"));
+    const QString why = error ? QString::fromLocal8Bit(std::strerror(error)) : said;
+    if (file.exists() && (error == EACCES || error == EPERM))
+        return fail(message, DbFault::Unreadable, QStringLiteral("cannot be read (%1)").arg(why));
+    if (!file.exists())
+        return fail(message, DbFault::Other, QStringLiteral("cannot be created (%1)").arg(why));
+    return fail(message, DbFault::Other, error ? said + QStringLiteral(" (") + why + u')' : said);
+}
+
+bool dbViewController::open(bool create, const QString& message) {
+    close();
+    failure_ = {};
+    const QFileInfo file(dbFilePath());
+    if (file.exists() && !file.isFile())
+        return fail(
+            message, DbFault::NotAFile,
+            file.isDir() ? QStringLiteral("a folder, not a file") : QStringLiteral("not a file"));
+    if (!create && !file.exists())
+        return fail(message, DbFault::Other, QStringLiteral("there is no such file"));
+    const bool existed = file.exists();
+    const QByteArray name = path_.toUtf8();
+    const int flags = SQLITE_OPEN_READWRITE | (create ? SQLITE_OPEN_CREATE : 0);
+    if (const int code = sqlite3_open_v2(name.constData(), &myDb, flags, nullptr);
+        code != SQLITE_OK)
+        return failSqlite(message, code);
+    sqlite3_busy_timeout(myDb, lockWaitMs);
+    return check(existed, message);
+}
+
+bool dbViewController::check(bool existed, const QString& message) {
+    {
+        Statement quick(myDb, QStringLiteral("PRAGMA quick_check"));
+        if (!quick) return failSqlite(message, sqlite3_errcode(myDb));
+        const int code = sqlite3_step(quick.get());
+        if (code == SQLITE_ROW && quick.text(0) != u"ok")
+            return fail(message, DbFault::Damaged,
+                        QStringLiteral("the file is damaged (%1)")
+                            .arg(quick.text(0).simplified().left(200)));
+        if (code != SQLITE_ROW && code != SQLITE_DONE) return failSqlite(message, code);
+    }
+    if (!existed) return true;
+    QStringList missing = presetColumns();
+    {
+        Statement columns(myDb, QStringLiteral("SELECT name FROM pragma_table_info('Presets')"));
+        if (!columns) return failSqlite(message, sqlite3_errcode(myDb));
+        int code;
+        while ((code = sqlite3_step(columns.get())) == SQLITE_ROW)
+            missing.removeAll(columns.text(0));
+        if (code != SQLITE_DONE) return failSqlite(message, code);
+    }
+    if (missing.size() == kFieldCount)
+        return fail(message, DbFault::Damaged,
+                    QStringLiteral("the file is damaged (it holds no table Presets)"));
+    if (!missing.isEmpty())
+        return fail(message, DbFault::Damaged,
+                    QStringLiteral("the file is damaged (the table Presets has no column %1)")
+                        .arg(missing.first()));
     return true;
 }
 
 void dbViewController::close() {
-    if (myDb) sqlite3_close(myDb);
+    // A statement still being finished closes the connection as it ends.
+    if (myDb) sqlite3_close_v2(myDb);
     myDb = nullptr;
 }
 
 bool dbViewController::openmyPresetsDb() {
-    return open() || fail(kOpenFailed);
+    return open();
+}
+
+bool dbViewController::verifyPresetsDb() {
+    failure_ = {};
+    const QFileInfo file(dbFilePath());
+    if (!file.exists() && !file.isSymLink()) return true;
+    const bool sound = open(false);
+    close();
+    return sound;
 }
 
 bool dbViewController::createTableNamed(const QString& table, const QStringList& columns) {
-    if (columns.size() != kFieldCount || !isIdentifier(table) || !allIdentifiers(columns)) {
-        close();
-        return fail(kCreateFailed);
-    }
+    if (columns.size() != kFieldCount || !isIdentifier(table) || !allIdentifiers(columns))
+        return refuse(kCreateFailed,
+                      QStringLiteral("\"%1\" is no table of 102 named columns").arg(table));
     QStringList definitions;
     for (int i = 0; i < columns.size(); ++i)
         definitions.append(quoted(columns[i]) + u' ' + declaredType(i + 1));
@@ -148,19 +251,17 @@ bool dbViewController::createTableNamed(const QString& table, const QStringList&
                             "Create table if not exists %1 (ID INTEGER PRIMARY KEY "
                             "AUTOINCREMENT, %2);")
                             .arg(quoted(table), definitions.join(QStringLiteral(", ")));
-    char* error = nullptr;
-    if (!myDb ||
-        sqlite3_exec(myDb, sql.toUtf8().constData(), nullptr, nullptr, &error) != SQLITE_OK) {
-        if (error) klLog() << "sqlite:" << error;
-        sqlite3_free(error);
-        close();
-        return fail(kCreateFailed);
-    }
+    if (!myDb) return fail(kCreateFailed, DbFault::Other, QStringLiteral("the file is not open"));
+    if (const int code = sqlite3_exec(myDb, sql.toUtf8().constData(), nullptr, nullptr, nullptr);
+        code != SQLITE_OK)
+        return failSqlite(kCreateFailed, code);
     return true;
 }
 
 bool dbViewController::linkToPresetsDB() {
-    if (QFileInfo::exists(dbFilePath())) return true;
+    failure_ = {};
+    const QFileInfo file(dbFilePath());
+    if (file.exists() || file.isSymLink()) return true;
     if (!openmyPresetsDb()) return false;
     if (!createTableNamed(QStringLiteral("Presets"), presetColumns()) ||
         !createTableNamed(QStringLiteral("AppResource"), plainColumns()) ||
@@ -182,10 +283,13 @@ bool dbViewController::insertRecordIntoTableNamed(const QString& table, const QS
                                                   const QStringList& values) {
     // Refused before anything reaches the database.
     if (columns.size() != kFieldCount || values.size() != kFieldCount || !isIdentifier(table) ||
-        !allIdentifiers(columns) || hasQuote(values) || hasQuote({table})) {
-        close();
-        return fail(kUpdateFailed);
-    }
+        !allIdentifiers(columns))
+        return refuse(kUpdateFailed,
+                      QStringLiteral("\"%1\" is no table of 102 named columns").arg(table));
+    if (hasQuote(values))
+        return refuse(
+            kUpdateFailed,
+            QStringLiteral("A preset's name or settings cannot hold a single quote (')."));
     QStringList names, placeholders;
     for (const QString& column : columns) {
         names.append(quoted(column));
@@ -193,15 +297,14 @@ bool dbViewController::insertRecordIntoTableNamed(const QString& table, const QS
     }
     const QString sql = QStringLiteral("Insert or replace into %1 (%2)values (%3)")
                             .arg(quoted(table), names.join(u','), placeholders.join(u','));
-    if (!open()) return fail(kOpenFailed);
+    if (!open()) return false;
     Statement statement(myDb, sql);
-    bool ok = bool(statement);
-    for (int i = 0; ok && i < kFieldCount; ++i) ok = statement.bindText(i + 1, values[i]);
-    if (!ok || sqlite3_step(statement.get()) != SQLITE_DONE) {
-        klLog() << "sqlite:" << sqlite3_errmsg(myDb);
-        close();
-        return fail(kUpdateFailed);
-    }
+    if (!statement) return failSqlite(kUpdateFailed, sqlite3_errcode(myDb));
+    for (int i = 0; i < kFieldCount; ++i)
+        if (!statement.bindText(i + 1, values[i]))
+            return failSqlite(kUpdateFailed, sqlite3_errcode(myDb));
+    if (const int code = sqlite3_step(statement.get()); code != SQLITE_DONE)
+        return failSqlite(kUpdateFailed, code);
     return true;
 }
 
@@ -244,35 +347,49 @@ QString dbViewController::checkPresetNameFromTableNamed(const QString& table,
     return myPresetExist;
 }
 
-QList<QStringList> dbViewController::rowsWhere(const QString& table, const QString& column,
-                                               const QString& value) {
-    QList<QStringList> rows;
-    if (!allIdentifiers({table, column}) || hasQuote({value}) || !open(false)) return rows;
-    {
-        Statement statement(myDb, QStringLiteral("SELECT * FROM %1 WHERE %2 = ? ORDER BY ID")
-                                      .arg(quoted(table), quoted(column)));
-        if (statement && statement.bindText(1, value)) {
-            const int columns = sqlite3_column_count(statement.get());
-            while (sqlite3_step(statement.get()) == SQLITE_ROW) {
-                QStringList row;
-                for (int c = 1; c <= kFieldCount; ++c)
-                    row.append(c < columns ? statement.text(c) : QString());
-                rows.append(row);
-            }
+bool dbViewController::readRows(const QString& table, const QString& column, const QString& value,
+                                QList<StoredRow>* rows) {
+    rows->clear();
+    if (!allIdentifiers({table, column}))
+        return refuse(kOpenFailed, QStringLiteral("\"%1\" is no table or column").arg(table));
+    if (!open(false)) return false;
+    Statement statement(myDb, QStringLiteral("SELECT * FROM %1 ORDER BY ID").arg(quoted(table)));
+    if (!statement) return failSqlite(kOpenFailed, sqlite3_errcode(myDb));
+    const int columns = sqlite3_column_count(statement.get());
+    int key = 0;
+    while (key < columns && QString::fromUtf8(sqlite3_column_name(statement.get(), key)) != column)
+        ++key;
+    int code;
+    while ((code = sqlite3_step(statement.get())) == SQLITE_ROW) {
+        StoredRow row;
+        row.id = sqlite3_column_int64(statement.get(), 0);
+        for (int c = 1; c <= kFieldCount; ++c) {
+            QString text;
+            const char* damage = c < columns ? statement.readText(c, &text) : nullptr;
+            if (damage && row.damage.isEmpty())
+                row.damage = QStringLiteral("field %1 %2").arg(c - 1).arg(QLatin1String(damage));
+            if (damage) row.lostFields.append(c - 1);
+            row.fields.append(text);
         }
+        row.matches = key < columns && row.fields.value(key - 1) == value &&
+                      !statement.readText(key, nullptr);
+        if (row.matches || (key < columns && statement.readText(key, nullptr))) rows->append(row);
     }
+    if (code != SQLITE_DONE) return failSqlite(kOpenFailed, code);
     close();
-    return rows;
+    return true;
 }
 
 QStringList dbViewController::checkForActionType(const QString& table, const QString& column,
                                                  const QString& value) {
     if (!allIdentifiers({table, column}) || hasQuote({value}) || !QFileInfo::exists(path_))
         return myPresetsArrayToPass;  // the statement could not be made: nothing is read
+    QList<StoredRow> rows;
+    if (!readRows(table, column, value, &rows)) return myPresetsArrayToPass;
     myPresetsArray.clear();
     myPresetsArrayToPass.clear();
-    for (const QStringList& row : rowsWhere(table, column, value))
-        myPresetsArray.append(row.join(u'|'));
+    for (const StoredRow& row : rows)
+        if (row.matches) myPresetsArray.append(row.fields.join(u'|'));
     myPresetsArrayToPass = myPresetsArray;
     return myPresetsArrayToPass;
 }
@@ -283,16 +400,17 @@ QString dbViewController::removePresetFromDatabase(const QString& table, const Q
         myPresetExist = QStringLiteral("preset not found");
         return myPresetExist;
     }
-    {
-        Statement statement(
-            myDb, QStringLiteral("DELETE FROM %1 WHERE %2 = ?").arg(quoted(table), quoted(column)));
-        if (!statement || !statement.bindText(1, value)) {
-            myPresetExist = QStringLiteral("preset not found");
-        } else {
-            while (sqlite3_step(statement.get()) == SQLITE_ROW)
-                myPresetExist = QStringLiteral("preset removed");
-        }
+    Statement statement(
+        myDb, QStringLiteral("DELETE FROM %1 WHERE %2 = ?").arg(quoted(table), quoted(column)));
+    if (!statement || !statement.bindText(1, value)) {
+        myPresetExist = QStringLiteral("preset not found");
+        failSqlite(kUpdateFailed, sqlite3_errcode(myDb));
+        return myPresetExist;
     }
+    int code;
+    while ((code = sqlite3_step(statement.get())) == SQLITE_ROW)
+        myPresetExist = QStringLiteral("preset removed");
+    if (code != SQLITE_DONE) failSqlite(kUpdateFailed, code);
     close();
     return myPresetExist;
 }
@@ -346,4 +464,58 @@ QByteArray dbViewController::LoadImagesFromSql(const QString& url) {
     if (!statement || !statement.bindText(1, url) || sqlite3_step(statement.get()) != SQLITE_ROW)
         return {};
     return statement.blob(0);
+}
+
+namespace {
+
+// rename() that never replaces: false with errno EEXIST when `to` exists.
+bool renameNoReplace(const QString& from, const QString& to) {
+    const QByteArray source = QFile::encodeName(from), target = QFile::encodeName(to);
+    if (::renameat2(AT_FDCWD, source.constData(), AT_FDCWD, target.constData(), RENAME_NOREPLACE) ==
+        0)
+        return true;
+    if (errno != EINVAL && errno != ENOSYS) return false;
+    // A file system without the flag: the check and the rename are not one step there.
+    if (QFileInfo::exists(to) || QFileInfo(to).isSymLink()) {
+        errno = EEXIST;
+        return false;
+    }
+    return ::rename(source.constData(), target.constData()) == 0;
+}
+
+}  // namespace
+
+bool dbViewController::moveAside(const QString& path, const QDate& day, QString* movedTo,
+                                 QString* error) {
+    // The journals belong to the file: left behind, one would be played into the new database.
+    const QStringList companions = {QStringLiteral("-journal"), QStringLiteral("-wal"),
+                                    QStringLiteral("-shm")};
+    const QString stem = path + QStringLiteral(".damaged-") + day.toString(Qt::ISODate);
+    for (int n = 1; n < 1000; ++n) {
+        const QString target = n == 1 ? stem : stem + u'-' + QString::number(n);
+        const bool taken =
+            std::any_of(companions.cbegin(), companions.cend(), [&](const QString& c) {
+                return QFileInfo::exists(target + c) || QFileInfo(target + c).isSymLink();
+            });
+        if (taken) continue;
+        if (!renameNoReplace(path, target)) {
+            if (errno == EEXIST || errno == ENOTEMPTY) continue;
+            *error = QStringLiteral("%1 cannot be moved to %2 (%3)")
+                         .arg(path, target, QString::fromLocal8Bit(std::strerror(errno)));
+            return false;
+        }
+        *movedTo = target;
+        for (const QString& companion : companions) {
+            if (!QFileInfo::exists(path + companion)) continue;
+            if (!renameNoReplace(path + companion, target + companion)) {
+                *error = QStringLiteral("%1 cannot be moved to %2 (%3)")
+                             .arg(path + companion, target + companion,
+                                  QString::fromLocal8Bit(std::strerror(errno)));
+                return false;
+            }
+        }
+        return true;
+    }
+    *error = QStringLiteral("%1 cannot be moved aside: every name for today is taken").arg(path);
+    return false;
 }

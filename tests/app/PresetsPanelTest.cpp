@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QDate>
 #include <QFile>
 #include <QLabel>
 #include <QLineEdit>
@@ -10,6 +11,8 @@
 #include "app/PresetsPanel.h"
 #include "app/SupportDialogs.h"
 #include "generators/OutputKinds.h"
+#include "presets/PresetFixtures.h"
+#include "presets/dbViewController.h"
 #include "services/SupportFolders.h"
 #include "support/TestSupport.h"
 
@@ -33,6 +36,7 @@ TEST(PresetsPanelTest, AddLoadRemoveExportImport) {
     auto* name = panel.findChild<QLineEdit*>("tfInputPDM");
     auto click = [&](const char* button) { panel.findChild<QPushButton*>(button)->click(); };
     ASSERT_TRUE(list && name);
+    panel.show();
     EXPECT_EQ(list->count(), 0);
 
     ASSERT_TRUE(settings.set("tfPageTitle", "First"));
@@ -54,7 +58,7 @@ TEST(PresetsPanelTest, AddLoadRemoveExportImport) {
     name->setText("it's");
     click("btAddPreset");
     ASSERT_EQ(ui.alerts.size(), 1u);
-    EXPECT_EQ(ui.alerts[0].description, "Error updating table.");
+    EXPECT_TRUE(ui.alerts[0].description.startsWith("Error updating table.\n"));
     EXPECT_EQ(list->count(), 2);
 
     ASSERT_TRUE(panel.exportTo(dir + "look.orvpreset"));
@@ -71,6 +75,64 @@ TEST(PresetsPanelTest, AddLoadRemoveExportImport) {
     list->setCurrentRow(0);
     click("btRemovePreset");
     EXPECT_EQ(listed(list), QStringList({"Summer_[x]"}));
+}
+
+// A damaged database is named with its fault above an empty list, never written to, and moved
+// aside by the panel's offer where that cures it; a stored preset that cannot be read is listed
+// as damaged and refused with its reason while the others load.
+TEST(PresetsPanelTest, DamageIsShownAndMovedAside) {
+    using namespace presetfixtures;
+    dbViewController::lockWaitMs = 200;
+    SettingsStore settings(OutputKinds::registry());
+    for (const DamageCase& c : damages) {
+        SCOPED_TRACE(c.name);
+        const QString db = testsupport::freshDir(QString("app-presets-") + c.name) + "p.sql";
+        savePresets(db, {"A"});
+        Damaged damaged(db, c.name);
+        if (!damaged.skipped.isEmpty()) continue;  // said by the presets tests
+        const QString before = Damaged::state(db);
+        RecordingUserInterface ui;
+        PresetsPanel panel("gallery", settings, ui, db);
+        panel.refreshList();
+        auto* problem = panel.findChild<QLabel*>("tfPresetsProblem");
+        auto* repair = panel.findChild<QPushButton*>("btRepairPresets");
+        const QString expected = "Presets Db failed to open.\n" + db + ": " + c.reason;
+        EXPECT_TRUE(problem->text().startsWith(expected)) << problem->text().toStdString();
+        EXPECT_FALSE(problem->isHidden());
+        EXPECT_EQ(repair->isHidden(), !c.movable);
+        EXPECT_EQ(panel.findChild<QListWidget*>("myPresetsTableView")->count(), 0);
+        panel.findChild<QLineEdit*>("tfInputPDM")->setText("New");
+        panel.findChild<QPushButton*>("btAddPreset")->click();
+        ASSERT_EQ(ui.alerts.size(), 1u);
+        EXPECT_TRUE(ui.alerts[0].description.startsWith(expected));
+        EXPECT_EQ(Damaged::state(db), before);
+        if (!c.movable) continue;
+        repair->click();
+        const QString movedTo = db + ".damaged-" + QDate::currentDate().toString(Qt::ISODate);
+        EXPECT_EQ(Damaged::state(movedTo), before);
+        EXPECT_TRUE(problem->isHidden() && repair->isHidden());
+        panel.findChild<QPushButton*>("btAddPreset")->click();
+        EXPECT_EQ(listed(panel.findChild<QListWidget*>("myPresetsTableView")), QStringList{"New"});
+    }
+
+    const QString db = testsupport::freshDir("app-presets-rows") + "p.sql";
+    savePresets(db, {"Good", "Lost"});
+    sqlite(db, "UPDATE Presets SET StrField9 = NULL WHERE NameOfPreset = 'Lost'");
+    RecordingUserInterface ui;
+    PresetsPanel panel("gallery", settings, ui, db);
+    panel.refreshList();
+    auto* list = panel.findChild<QListWidget*>("myPresetsTableView");
+    EXPECT_EQ(listed(list), QStringList({"Good", "Lost (damaged)"}));
+    const QString why = db + ": the preset \"Lost\" cannot be read (row 2: field 9 holds no value)";
+    EXPECT_EQ(list->item(1)->toolTip(), why);
+    list->setCurrentRow(1);
+    panel.findChild<QPushButton*>("btLoadPreset")->click();
+    ASSERT_EQ(ui.alerts.size(), 1u);
+    EXPECT_EQ(ui.alerts[0].description, why);
+    list->setCurrentRow(0);
+    panel.findChild<QPushButton*>("btLoadPreset")->click();
+    EXPECT_EQ(ui.alerts.size(), 1u);
+    EXPECT_TRUE(panel.findChild<QLabel*>("tfPresetsProblem")->isHidden());
 }
 
 // The pattern chooser writes the pattern path and shows the image.

@@ -3,15 +3,11 @@
 #include "services/cColorWellHandling.h"
 #include "services/cNSColorHandling.h"
 
-namespace {
-
-TEST(ColorHandling, HexTextTruncatesEachComponent) {
+// Hex text truncates each component; a colour from text scans one hex number.
+TEST(ColorHandling, HexTextAndColourFromText) {
     EXPECT_EQ(cNSColorHandling::getHEXValue(QColor::fromRgbF(1.0f, 0.5f, 0.0f)), "FF7F00");
     EXPECT_EQ(cNSColorHandling::hGetHexFromRGB(QColor::fromRgbF(1.0f, 0.5f, 0.0f)), "FF7F00");
     EXPECT_EQ(cNSColorHandling::getHEXValue(QColor::fromHsv(0, 0, 255)), "FFFFFF");  // made RGB
-}
-
-TEST(ColorHandling, ColourFromTextScansOneHexNumber) {
     const std::pair<QString, QString> cases[] = {
         {"ff8800", "FF8800"},   {"  0x00ff00", "00FF00"}, {"#FF0000", "000000"},
         {"", "000000"},         {"zz", "000000"},         {"12", "000012"},
@@ -54,5 +50,3 @@ TEST(ColorWellHandling, TagsChooseFieldsAndWells) {
     EXPECT_EQ(H::boxRadius(1, "10", "5", "3"), "50");
     EXPECT_EQ(H::boxRadius(0, "10", "5", "3"), "23");
 }
-
-}  // namespace

@@ -6,8 +6,6 @@
 #include "metadata/MetaFixtures.h"
 #include "services/cNSFileHandling.h"
 
-namespace {
-
 using metafixtures::bytes;
 using metafixtures::writeBytes;
 
@@ -52,5 +50,3 @@ TEST(FileHandling, CopiesReportOkOrFailed) {
     EXPECT_EQ(bytes(dir + "copy/er/x.txt"), "new");
     EXPECT_EQ(files.hCopyFolderTo(dir + "deep", dir + "copy"), "Failed");  // exists already
 }
-
-}  // namespace

@@ -5,8 +5,6 @@
 #include "services/cToolBox.h"
 #include "support/TestSupport.h"
 
-namespace {
-
 TEST(StringHandling, SplitKeepsEveryEmptyPart) {
     const std::pair<QString, QStringList> cases[] = {
         {"a;b;", {"a", "b", ""}}, {";a;;b", {"", "a", "", "b"}}, {"", {""}}};
@@ -46,5 +44,3 @@ TEST(TextValues, ReadsTheLeadingNumberLikeATextField) {
         EXPECT_EQ(TextValues::intValue(text), value) << text.toStdString();
     EXPECT_DOUBLE_EQ(TextValues::doubleValue(" -1.5e1x"), -15.0);
 }
-
-}  // namespace

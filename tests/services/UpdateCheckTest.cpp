@@ -1,55 +1,51 @@
 #include <gtest/gtest.h>
 
-#include <QCoreApplication>
-#include <QEventLoop>
-#include <QTcpServer>
-#include <QTcpSocket>
-#include <QTimer>
-#include <memory>
+#include <QProcess>
 
 #include "services/cAppUpdater.h"
+#include "support/TestSupport.h"
 
 namespace {
 
-// The network needs an application object and an event loop.
-struct CoreApplicationEnvironment : ::testing::Environment {
-    int argc = 1;
-    char* argv[2] = {const_cast<char*>("test"), nullptr};
-    std::unique_ptr<QCoreApplication> app;
-    void SetUp() override {
-        if (!QCoreApplication::instance()) app = std::make_unique<QCoreApplication>(argc, argv);
-    }
-    void TearDown() override { app.reset(); }
-};
-const auto* const environment = ::testing::AddGlobalTestEnvironment(new CoreApplicationEnvironment);
+// A version server on 127.0.0.1, a program of its own: MODE "reply" sends BODY (padded with "x" to
+// SIZE bytes when given), "missing" a 404, "trickle" a byte every two seconds without end,
+// "endless" BODY and then data without end. It prints its port, then the requests it is sent.
+const char* const kServer = R"(
+import socket, sys, threading, time
+mode, body = sys.argv[1], sys.argv[2].encode().ljust(int(sys.argv[3]), b"x")
+server = socket.create_server(("127.0.0.1", 0))
+print(server.getsockname()[1], flush=True)
+def serve(c):
+    try:
+        request = b""
+        while b"\r\n\r\n" not in request and (data := c.recv(4096)): request += data
+        print(request.decode("latin-1"), flush=True)
+        head = b"HTTP/1.1 " + (b"404 Not Found" if mode == "missing" else b"200 OK") + b"\r\n"
+        if mode in ("reply", "missing"):
+            c.sendall(head + b"Content-Length: %d\r\nConnection: close\r\n\r\n" % len(body) + body)
+        else:
+            c.sendall(head + b"\r\n" + body)
+        while mode in ("trickle", "endless"):
+            c.sendall(b"9" if mode == "trickle" else b"x" * 65536)
+            time.sleep(2 if mode == "trickle" else 0)
+    except OSError: pass
+    c.close()
+while True: threading.Thread(target=serve, args=(server.accept()[0],), daemon=True).start()
+)";
 
-// Serves one version file over HTTP on 127.0.0.1 and keeps the requests it was sent.
-class VersionServer {
-  public:
-    explicit VersionServer(QByteArray body, int status = 200) {
-        server_.listen(QHostAddress::LocalHost);
-        QObject::connect(&server_, &QTcpServer::newConnection, [this, body, status] {
-            QTcpSocket* socket = server_.nextPendingConnection();
-            QObject::connect(socket, &QTcpSocket::readyRead, [this, socket, body, status] {
-                request += socket->readAll();
-                if (!request.contains("\r\n\r\n")) return;
-                socket->write("HTTP/1.1 " + QByteArray::number(status) +
-                              (status == 200 ? " OK" : " Not Found") +
-                              "\r\nContent-Type: text/plain; charset=utf-8\r\nContent-Length: " +
-                              QByteArray::number(body.size()) + "\r\nConnection: close\r\n\r\n" +
-                              body);
-                socket->disconnectFromHost();
-            });
-            QObject::connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
-        });
+struct VersionServer : QProcess {
+    VersionServer(const QString& mode, const QByteArray& body, int size) {
+        start("python3", {"-c", kServer, mode, QString::fromUtf8(body), QString::number(size)});
+        while (!canReadLine() && waitForReadyRead(20000)) {
+        }
+        url = "http://127.0.0.1:" + readLine().trimmed() + "/version.txt";
     }
-    QUrl url() const {
-        return QUrl(QStringLiteral("http://127.0.0.1:%1/version.txt").arg(server_.serverPort()));
+    ~VersionServer() override { stop(); }
+    void stop() {
+        kill();
+        waitForFinished();
     }
-    QByteArray request;
-
-  private:
-    QTcpServer server_;
+    QString url;
 };
 
 QStringList logged;
@@ -57,107 +53,75 @@ void keepMessage(QtMsgType, const QMessageLogContext&, const QString& message) {
     logged.append(message);
 }
 
-struct Outcome {
-    bool finished = false;
-    QStringList announcements;
-    QString returned;
-};
-
-// Runs one check against `url` for the build, waiting for it to end (a guard stops a hung one).
-Outcome check(const QUrl& url, int build) {
-    Outcome outcome;
-    cAppUpdater updater;
-    updater.url = url;
-    QEventLoop loop;
-    QObject::connect(&updater, &cAppUpdater::finished, [&] {
-        outcome.finished = true;
-        loop.quit();
-    });
-    QObject::connect(&updater, &cAppUpdater::newVersion,
-                     [&](const QString& announcement, const QString& combined) {
-                         outcome.announcements << announcement << combined;
-                     });
-    QTimer::singleShot(60000, &loop, &QEventLoop::quit);
-    logged.clear();
-    const QtMessageHandler previous = qInstallMessageHandler(keepMessage);
-    outcome.returned = updater.getAppVersion(build);  // returns before anything arrived
-    EXPECT_TRUE(updater.isRunning());
-    loop.exec();
-    qInstallMessageHandler(previous);
-    return outcome;
-}
-
-bool loggedException() {
-    return logged.filter(QStringLiteral("Orv throws an exception: ")).size() == 1;
-}
-
 }  // namespace
 
-TEST(UpdateCheck, AnnouncesOnlyANewerBuild) {
-    struct Case {
-        QByteArray body;
-        int build;
-        QStringList announcements;
-        bool exception;
+// What a version file offers and what is shown of it: the announcement and version name without
+// control characters (line feeds and tabs kept), nothing else; a file too short is logged.
+TEST(UpdateCheck, VersionFileOffersOnlyANewerBuild) {
+    const QString faster = "New: faster export";
+    const std::vector<std::tuple<QString, int, QString, QString, bool>> cases = {
+        // text, build, announcement, combined text, logged as malformed
+        {"2.1;215;New: faster export", 214, faster, "2.1 " + faster, false},
+        {"2.1;215;New: faster export\n", 214, faster, "2.1 " + faster, false},
+        {"2.1;215;New: faster export", 215, "", "", false},
+        {"2.1;215;New: faster export", 300, "", "", false},
+        {"3.0;1000;Zürich – 東京;extra;fields", 999, "Zürich – 東京", "3.0 Zürich – 東京", false},
+        {"2\a.1;215;\x1b[2JNew\x1b[31m red\tline\r\nend\x7f\u009b", 1, "[2JNew[31m red\tline\nend",
+         "2.1 [2JNew[31m red\tline\nend", false},
+        {"2.1;215", 214, "", "", true},
+        {"2.1", 214, "", "", true},
+        {"2.1;215", 215, "", "", false},  // field 2 is never reached
     };
-    for (const Case& c : std::vector<Case>{
-             {"2.1;215;New: faster export",
-              214,
-              {"New: faster export", "2.1 New: faster export"},
-              false},
-             {"2.1;215;New: faster export\n",
-              214,
-              {"New: faster export", "2.1 New: faster export"},
-              false},
-             {"2.1;215;New: faster export", 215, {}, false},
-             {"2.1;215;New: faster export", 300, {}, false},
-             {"3.0;1000;Zürich – 東京;extra;fields",
-              999,
-              {"Zürich – 東京", "3.0 Zürich – 東京"},
-              false},
-             {"2.1;215", 214, {}, true},
-             {"2.1", 214, {}, true},
-             {"2.1;215", 215, {}, false},  // field 2 is never reached
-             {"", 214, {}, false},
-         }) {
-        SCOPED_TRACE(c.body.toStdString() + " / " + std::to_string(c.build));
-        VersionServer server(c.body);
-        const Outcome outcome = check(server.url(), c.build);
-        EXPECT_TRUE(outcome.finished);
-        EXPECT_EQ(outcome.returned, QString());
-        EXPECT_EQ(outcome.announcements, c.announcements);
-        EXPECT_EQ(loggedException(), c.exception) << logged.join('\n').toStdString();
-        // The request goes to the server whatever is cached.
-        EXPECT_TRUE(server.request.startsWith("GET /version.txt HTTP/1.1\r\n"));
-        EXPECT_TRUE(server.request.toLower().contains("cache-control: no-cache"));
+    const QtMessageHandler previous = qInstallMessageHandler(keepMessage);
+    for (const auto& [text, build, announcement, combined, malformed] : cases) {
+        logged.clear();
+        const cAppUpdater::Offer offer = cAppUpdater::hReadVersionFile(text, build);
+        EXPECT_EQ(offer.announcement + u'|' + offer.combined, announcement + u'|' + combined)
+            << text.toStdString();
+        EXPECT_EQ(logged.filter("Orv throws an exception: ").size(), malformed ? 1 : 0)
+            << text.toStdString();
     }
+    qInstallMessageHandler(previous);
 }
 
-TEST(UpdateCheck, NoAnswerEndsSilently) {
-    {
-        VersionServer missing("2.1;999;Never shown", 404);
-        const Outcome outcome = check(missing.url(), 1);
-        EXPECT_TRUE(outcome.finished);
-        EXPECT_TRUE(outcome.announcements.isEmpty());
-        EXPECT_FALSE(loggedException());
+// The check against a real server, through the command line: the request bypasses caches; the
+// announcement alone is printed; a reply too large (declared, or endless: never read beyond the
+// limit, while one of exactly the limit is read) is exit 1, no answer within the deadline
+// (shortened here) or an error a line on stderr; nothing of a reply but the announcement printed.
+TEST(UpdateCheck, CommandLineAgainstARealServer) {
+    const int limit = int(cAppUpdater::kMaxReplyBytes);
+    const QString tooLarge = ": the reply is too large (the limit is 1 MB)\n";
+    const std::vector<std::tuple<QString, QByteArray, int, int, QString, QString>> cases = {
+        // server, body, padded size, exit code, stdout, stderr after the URL ("*": any reason)
+        {"reply", "2.1;215;Ring\a the bell\n", 0, 0, "Ring the bell\n", ""},
+        {"reply", "2.1;1;Old news", 0, 0, "", ""},
+        {"reply", "", 0, 0, "", ""},
+        {"reply", "2.1;215;Big;", limit, 0, "Big\n", ""},
+        {"reply", "2.1;215;Big;", limit + 1, 1, "", tooLarge},
+        {"endless", "2.1;215;Endless;", 0, 1, "", tooLarge},
+        {"trickle", "", 0, 0, "", ": no complete reply within 1 second\n"},
+        {"missing", "2.1;999;Never shown", 0, 0, "", "*"},
+        {"closed", "", 0, 0, "", "*"},
+    };
+    for (const auto& [mode, body, size, code, out, err] : cases) {
+        SCOPED_TRACE(mode.toStdString() + " " + std::to_string(size));
+        VersionServer server(mode == u"closed" ? "reply" : mode, body, size);
+        const QString url = server.url;
+        if (mode == u"closed") server.stop();  // its port is refused from now on
+        QString printed, said;
+        EXPECT_EQ(testsupport::orvella({"update-check", "--url", url, "--build", "2", "--timeout",
+                                        mode == u"trickle" ? "1" : "60"},
+                                       &printed, &said),
+                  code);
+        EXPECT_EQ(printed, out);
+        EXPECT_TRUE(err == u"*"
+                        ? said.startsWith("orvella update-check: " + url + ": ")
+                        : said == (err.isEmpty() ? "" : "orvella update-check: " + url + err))
+            << said.toStdString();
+        server.waitForReadyRead(5000);
+        const QByteArray request = server.readAllStandardOutput().toLower();
+        EXPECT_TRUE(mode == u"closed" || (request.startsWith("get /version.txt http/1.1\r\n") &&
+                                          request.contains("cache-control: no-cache")))
+            << request.toStdString();
     }
-    // A port nobody listens on: refused at once, no announcement, nothing logged as malformed.
-    QTcpServer closed;
-    ASSERT_TRUE(closed.listen(QHostAddress::LocalHost));
-    const quint16 port = closed.serverPort();
-    closed.close();
-    const Outcome outcome =
-        check(QUrl(QStringLiteral("http://127.0.0.1:%1/version.txt").arg(port)), 1);
-    EXPECT_TRUE(outcome.finished);
-    EXPECT_TRUE(outcome.announcements.isEmpty());
-    EXPECT_FALSE(loggedException());
-}
-
-TEST(UpdateCheck, BuildNumberAndAddress) {
-    const QStringList version = QStringLiteral(ORVELLA_VERSION).split('.');
-    ASSERT_EQ(version.size(), 3);
-    EXPECT_EQ(cAppUpdater::currentBuild(),
-              version[0].toInt() * 10000 + version[1].toInt() * 100 + version[2].toInt());
-    EXPECT_TRUE(cAppUpdater::defaultVersionFileUrl().startsWith("https://"));
-    EXPECT_EQ(cAppUpdater().url, QUrl(cAppUpdater::versionFileUrl()));
 }
