@@ -36,9 +36,11 @@ bool sizeIsWritable(qint64 width, qint64 height) {
     return width > 0 && height > 0 && width * height <= ImageFileIo::kMaxPixels;
 }
 
+// The reason of a failed image operation. The library's error text is shared by every thread, so
+// it may be another photo's: it goes to the log only, and the user reads a reason of our own.
 QString reasonOf(const VError& e) {
-    vips_error_clear();  // the message is in e
-    return QString::fromUtf8(e.what()).trimmed();
+    klLog() << "image operation failed:" << QString::fromUtf8(e.what()).trimmed();
+    return QStringLiteral("the photo's pixels cannot be read (truncated or damaged)");
 }
 
 // The pixels scaled to exactly width x height (stretched when the aspect differs), with alpha
