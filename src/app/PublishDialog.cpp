@@ -250,7 +250,7 @@ void PublishDialog::start(bool test, bool acceptHostKey, const QString& password
             if (!options.credentials.password.isEmpty()) work.result = once();
         }
         QString reason;
-        if (remember && work.result.refusal == Failure::None &&
+        if (remember && work.result.connected &&
             !PublishPasswords::store(destination.key(), options.credentials.password, &reason))
             work.result.warnings.append(tr("The password was not remembered: %1").arg(reason));
         return work;
@@ -276,12 +276,13 @@ void PublishDialog::finished() {
         }
         status_->setText(tr("The server refused the connection."));
         ui_->alert(tr("Nothing was published."), text, true);
+    } else if (!r.connected) {
+        text = r.failures.join(u'\n');
+        status_->setText(tr("No connection."));
+        if (!work.test) ui_->alert(tr("Nothing was published."), text, false);
     } else if (work.test) {
-        text = r.failures.isEmpty()
-                   ? tr("Connected to %1: the host key is known and the login was accepted.")
-                         .arg(where)
-                   : r.failures.join(u'\n');
-        status_->setText(r.failures.isEmpty() ? tr("The connection works.") : tr("No connection."));
+        text = tr("Connected to %1: the host key is known and the login was accepted.").arg(where);
+        status_->setText(tr("The connection works."));
     } else {
         rememberDestination(folder_, where);
         if (projects_) projects_->setPublishDestination(where);

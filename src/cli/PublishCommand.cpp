@@ -215,6 +215,7 @@ int publish(const QStringList& args, Io& io) {
         io.err << kPrefix << ": give the password with --password-stdin"
                << (destination->isSftp() ? ", or a key with --identity" : "") << ".\n";
     if (result.refusal != Failure::None) return kUsage;
+    if (!options.dryRun && !result.connected) return kFailed;
     if (options.dryRun) {
         io.out << "dry run: " << result.toSend.size() << " to send, " << result.toRemove.size()
                << " to remove, " << result.unchanged << " unchanged\n";

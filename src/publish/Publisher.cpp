@@ -36,7 +36,8 @@ bool isRefusal(ServerConnection::Failure failure) {
 // True when every file of the site is on the server as the record has it.
 bool serverHoldsSite(const QList<SiteFile>& site, const PublishRecord::Destination& record) {
     return std::all_of(site.cbegin(), site.cend(), [&](const SiteFile& f) {
-        return record.files.value(f.path) == PublishRecord::File{f.size, f.sha256};
+        return !f.unsendable.isEmpty() ||
+               record.files.value(f.path) == PublishRecord::File{f.size, f.sha256};
     });
 }
 
@@ -49,7 +50,7 @@ int sendingRank(const QString& path) {
     return 0;
 }
 
-QList<SiteFile> siteFiles(const QString& folder, QStringList* skipped) {
+QList<SiteFile> siteFiles(const QString& folder) {
     QList<SiteFile> files;
     const QDir root(folder);
     QDirIterator it(folder, QDir::Files | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
@@ -69,11 +70,8 @@ QList<SiteFile> siteFiles(const QString& folder, QStringList* skipped) {
         QCryptographicHash hash(QCryptographicHash::Sha256);
         if (why.isEmpty() && (!file.open(QIODevice::ReadOnly) || !hash.addData(&file)))
             why = file.errorString();
-        if (!why.isEmpty()) {
-            skipped->append(relative + QStringLiteral(": not sent: ") + why);
-            continue;
-        }
-        files.append({relative, info.size(), QString::fromLatin1(hash.result().toHex())});
+        files.append({relative, info.size(),
+                      why.isEmpty() ? QString::fromLatin1(hash.result().toHex()) : QString(), why});
     }
     std::sort(files.begin(), files.end(), [](const SiteFile& a, const SiteFile& b) {
         const int ra = sendingRank(a.path), rb = sendingRank(b.path);
@@ -88,6 +86,7 @@ Result testConnection(const PublishDestination& destination,
     ServerConnection connection(destination, credentials);
     const ServerConnection::Outcome outcome = connection.open();
     result.hostKey = connection.hostKey();
+    result.connected = outcome.ok();
     if (!outcome.ok()) {
         result.refusal = isRefusal(outcome.failure) ? outcome.failure : result.refusal;
         result.failures.append(outcome.message);
@@ -104,7 +103,7 @@ Result publish(const QString& folder, const PublishDestination& destination, con
         result.warnings.append(recordError +
                                QStringLiteral(". Every file is sent again, nothing is removed, "
                                               "and a new record is written."));
-    const QList<SiteFile> site = siteFiles(folder, &result.skipped);
+    const QList<SiteFile> site = siteFiles(folder);
     // A reference into the record: no destination is added while it is used.
     PublishRecord::Destination& sent = record.destination(destination.key());
 
@@ -112,8 +111,11 @@ Result publish(const QString& folder, const PublishDestination& destination, con
     qint64 bytesTotal = 0;
     QSet<QString> inSite;
     for (const SiteFile& file : site) {
+        // One that cannot be sent now is still the site's: never removed from the server.
         inSite.insert(file.path);
-        if (sent.files.value(file.path) == PublishRecord::File{file.size, file.sha256}) {
+        if (!file.unsendable.isEmpty()) {
+            result.skipped.append(file.path + QStringLiteral(": not sent: ") + file.unsendable);
+        } else if (sent.files.value(file.path) == PublishRecord::File{file.size, file.sha256}) {
             ++result.unchanged;
         } else {
             toSend.append(file);
@@ -131,8 +133,10 @@ Result publish(const QString& folder, const PublishDestination& destination, con
     }
     if (options.dryRun) {
         if (callbacks.file) {
-            for (const QString& path : result.toSend) callbacks.file(QStringLiteral("would send ") + path);
-            for (const QString& path : result.toRemove) callbacks.file(QStringLiteral("would remove ") + path);
+            for (const QString& path : result.toSend)
+                callbacks.file(QStringLiteral("would send ") + path);
+            for (const QString& path : result.toRemove)
+                callbacks.file(QStringLiteral("would remove ") + path);
         }
         return result;
     }
@@ -145,6 +149,7 @@ Result publish(const QString& folder, const PublishDestination& destination, con
         result.failures.append(opened.message);
         return result;
     }
+    result.connected = true;
     sent.unfinished.clear();
 
     Progress progress{0, int(toSend.size() + result.toRemove.size()), 0, bytesTotal};

@@ -44,6 +44,7 @@ struct Result {
     bool complete = false;  // the server holds the whole site, as the record knows it
     // Nothing was sent: the server, its host key or the login was refused.
     ServerConnection::Failure refusal = ServerConnection::Failure::None;
+    bool connected = false;  // the login succeeded (always false on a dry run)
     bool cancelled = false;
     QStringList sent, removed;     // relative paths
     QStringList toSend, toRemove;  // what the plan held (all of it, also on a dry run)
@@ -58,13 +59,12 @@ struct SiteFile {
     QString path;  // relative to the output folder, "/"-separated
     qint64 size = 0;
     QString sha256;
+    QString unsendable;  // why it cannot be sent (a link, unreadable, a name no server takes)
 };
 
 // The files of the site in `folder` (ending with "/"), with their size and SHA-256, in the order of
-// sending. The records and temporary files of this program are left out, and so is what cannot be
-// sent (links, unreadable files, names no server takes), each with "PATH: not sent: reason" in
-// `skipped`.
-QList<SiteFile> siteFiles(const QString& folder, QStringList* skipped);
+// sending. The records and temporary files of this program are left out.
+QList<SiteFile> siteFiles(const QString& folder);
 
 // Images and other files 0, stylesheets and scripts 1, pages 2: the order of sending.
 int sendingRank(const QString& path);

@@ -256,7 +256,7 @@ ServerConnection::Outcome ServerConnection::Private::perform(bool forFile) {
         return {Failure::HostKeyChanged,
                 QStringLiteral("the host key of %1 is not the one %2 holds for it: the server "
                                "offers %3 %4. Someone may be posing as the server; if its key "
-                               "really changed, remove the old one with ssh-keygen -R")
+                               "really changed, remove the old one with ssh-keygen -R.")
                     .arg(server, QFile::decodeName(knownHosts), keyType, fingerprint)};
     if (code == CURLE_LOGIN_DENIED)
         return {
