@@ -52,7 +52,7 @@ int main(int argc, char** argv) {
 
     QTextStream out(stdout);
     QTextStream err(stderr);
-    cli::Io io{out, err, ::isatty(STDERR_FILENO) != 0};
+    cli::Io io{out, err, ::isatty(STDERR_FILENO) != 0, verbose};
     const int code = cli::run(arguments, io);
     out.flush();
     err.flush();

@@ -28,6 +28,7 @@
 #include "app/PhotoGridView.h"
 #include "app/PresetsPanel.h"
 #include "app/ProjectActions.h"
+#include "app/PublishDialog.h"
 #include "app/SettingsForm.h"
 #include "app/SupportDialogs.h"
 #include "app/ToolsWindow.h"
@@ -248,6 +249,8 @@ QWidget* MainWindow::makeKindTab(const OutputKind& kind) {
     layout->addWidget(form, 1);
     layout->addWidget(clean);
     layout->addWidget(create);
+    layout->addWidget(PublishDialog::makeButton(
+        this, [this, &kind] { return settings_.text(kind.destinationControl); }, projects_, ui_));
     return tab;
 }
 

@@ -90,6 +90,7 @@ ProjectActions::State ProjectActions::currentState() const {
     for (const OutputKind& kind : OutputKinds::all())
         for (const ControlSpec* control : settings.registry().controls(kind.name))
             state.settings.append(settings.text(control->name));
+    state.settings.append(publishDestination_);
     return state;
 }
 
@@ -123,6 +124,7 @@ bool ProjectActions::saveProject() {
     const QString name = ProjectFile::projectName(chosen->second, *window_.settings);
     const QList<cCollectionViewItem> records = window_.collection->arrangedObjects();
     const SettingsStore settings = *window_.settings;  // what is saved is what the user saw
+    const QString destination = publishDestination_;
     const PresetLayout& layout =
         ProjectFile::layoutForTab(window_.currentTab ? window_.currentTab() : 0);
     // Copying many photos takes a while: off the window's thread, which keeps drawing behind a
@@ -131,7 +133,7 @@ bool ProjectActions::saveProject() {
     QEventLoop waiting;
     connect(&copying, &QFutureWatcherBase::finished, &waiting, &QEventLoop::quit);
     copying.setFuture(QtConcurrent::run(
-        [&] { return ProjectFile::save(folder, name, records, settings, layout); }));
+        [&] { return ProjectFile::save(folder, name, records, settings, layout, destination); }));
     if (!copying.isFinished()) {
         QProgressDialog progress(tr("Copying the photos into the project…"), QString(), 0, 0,
                                  window_.widget);
@@ -197,6 +199,7 @@ bool ProjectActions::openProjectFile(const QString& folder, const QString& file)
     if (opened.missingPhotos())
         ui_->alert(ProjectFile::kMissingTitle, ProjectFile::missingPhotosText(), false);
     ProjectFile::loadSettings(opened, *window_.settings);
+    publishDestination_ = opened.dictionary.value(ProjectFile::kPublishKey);
     const QList<PresetLayout>& layouts = PresetLayouts::all();
     for (int i = 0; i < layouts.size(); ++i)
         if (&layouts[i] == opened.layout && window_.selectTab) window_.selectTab(i);

@@ -56,6 +56,10 @@ class ProjectActions : public QObject {
     // Opens `file`, taking its photos from `folder`/photos/. True when a project was opened.
     bool openProjectFile(const QString& folder, const QString& file);
 
+    // Where the project's site was last published; saved with the project, without secrets.
+    QString publishDestination() const { return publishDestination_; }
+    void setPublishDestination(const QString& destination) { publishDestination_ = destination; }
+
     // The last opened project's dictionary ("loadStatus" included); cleared by a cancelled open.
     const cPresetManager::PresetDictionary& projectDictionary() const { return theDict_; }
 
@@ -95,4 +99,5 @@ class ProjectActions : public QObject {
     UserInterface* ui_ = nullptr;
     State saved_;
     cPresetManager::PresetDictionary theDict_;
+    QString publishDestination_;
 };

@@ -9,9 +9,9 @@ namespace cli {
 
 const std::vector<Command>& commands() {
     static const std::vector<Command> all = {
-        metaCommand(),     imageCommand(),     generateCommand(),
-        settingsCommand(), watermarkCommand(), updateCheckCommand(),
-        presetCommand(),   supportCommand(),   projectCommand()};
+        metaCommand(),      imageCommand(),       generateCommand(), settingsCommand(),
+        watermarkCommand(), updateCheckCommand(), presetCommand(),   supportCommand(),
+        projectCommand(),   publishCommand()};
     return all;
 }
 

@@ -20,6 +20,7 @@ struct Io {
     QTextStream& out;
     QTextStream& err;
     bool errIsTerminal = false;
+    bool verbose = false;  // --verbose was given (it also shows the diagnostic log)
 };
 
 // Exit codes: 0 done, 1 a failure, 2 wrong usage or a refusal (an alert that stopped a run).
@@ -42,6 +43,7 @@ Command updateCheckCommand();
 Command presetCommand();
 Command supportCommand();
 Command projectCommand();
+Command publishCommand();
 
 // The batch and EXIF-completion verbs of `orvella meta` (args after the verb).
 int metaBatch(const QStringList& args, Io& io);

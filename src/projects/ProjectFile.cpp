@@ -110,7 +110,8 @@ const PresetLayout& layoutForKindWord(const QString& word) {
 }
 
 PlistDictionary projectDictionary(const QString& folder, const QList<cCollectionViewItem>& records,
-                                  const SettingsStore& settings, const PresetLayout& layout) {
+                                  const SettingsStore& settings, const PresetLayout& layout,
+                                  const QString& publishDestination) {
     PlistDictionary root;
     const QByteArray bookmark = KLbookmarks::bookmarkForURL(QUrl::fromLocalFile(folder));
     root.insert(QStringLiteral("destination"), cNSStringHandling::hConvertNSdToNSstr(bookmark));
@@ -132,12 +133,13 @@ PlistDictionary projectDictionary(const QString& folder, const QList<cCollection
         const QString key = kPresetKey + QString::number(field);
         if (preset.contains(key)) root.insert(key, preset.value(key));
     }
+    if (!publishDestination.isEmpty()) root.insert(kPublishKey, publishDestination);
     return root;
 }
 
 SaveResult save(const QString& folder, const QString& name,
                 const QList<cCollectionViewItem>& records, const SettingsStore& settings,
-                const PresetLayout& layout) {
+                const PresetLayout& layout, const QString& publishDestination) {
     SaveResult result;
     auto refuse = [&](const QString& why) {
         result.refused = true;
@@ -197,7 +199,8 @@ SaveResult save(const QString& folder, const QString& name,
     result.projectFile = root + fileName;
     QString error;
     if (!PropertyListFile::write(
-            result.projectFile, projectDictionary(QDir::cleanPath(root), records, settings, layout),
+            result.projectFile,
+            projectDictionary(QDir::cleanPath(root), records, settings, layout, publishDestination),
             &error)) {
         result.error = QStringLiteral("%1: %2").arg(result.projectFile, error);
         return result;

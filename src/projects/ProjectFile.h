@@ -48,10 +48,15 @@ const PresetLayout& layoutForTab(int index);
 // "SlideShow" their kinds, anything else the Responsive Grid's.
 const PresetLayout& layoutForKindWord(const QString& word);
 
+// Where the project's site was last published (a destination without any secret); readers that
+// do not know the key pass it by.
+inline const QString kPublishKey = QStringLiteral("publishDestination");
+
 // The root dictionary a save writes: "destination" (the folder's bookmark text), "count", the
-// photo entries, then the preset keys of `layout`.
+// photo entries, the preset keys of `layout`, then kPublishKey when there is a destination.
 PlistDictionary projectDictionary(const QString& folder, const QList<cCollectionViewItem>& records,
-                                  const SettingsStore& settings, const PresetLayout& layout);
+                                  const SettingsStore& settings, const PresetLayout& layout,
+                                  const QString& publishDestination = {});
 
 struct SaveResult {
     bool ok = false;
@@ -66,7 +71,7 @@ struct SaveResult {
 // file is replaced whole.
 SaveResult save(const QString& folder, const QString& name,
                 const QList<cCollectionViewItem>& records, const SettingsStore& settings,
-                const PresetLayout& layout);
+                const PresetLayout& layout, const QString& publishDestination = {});
 
 struct OpenResult {
     enum class Status {

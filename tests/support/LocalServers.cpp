@@ -1,0 +1,146 @@
+#include "support/LocalServers.h"
+
+#include <pwd.h>
+#include <unistd.h>
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTcpServer>
+#include <QTcpSocket>
+
+#include "support/TestSupport.h"
+
+namespace testsupport {
+
+namespace {
+
+int freePort() {
+    QTcpServer server;
+    server.listen(QHostAddress::LocalHost, 0);
+    return server.serverPort();
+}
+
+// Waits until the server accepts connections on `port`; false when it ended first.
+bool accepting(QProcess& process, int port) {
+    for (int attempt = 0; attempt < 200; ++attempt) {
+        QTcpSocket socket;
+        socket.connectToHost(QHostAddress::LocalHost, quint16(port));
+        if (socket.waitForConnected(100)) return true;
+        if (process.state() == QProcess::NotRunning || process.waitForFinished(50)) return false;
+    }
+    return false;
+}
+
+QString started(QProcess& process, int port, const QString& name) {
+    if (accepting(process, port)) return {};
+    process.kill();
+    process.waitForFinished();
+    return name + QStringLiteral(" did not start: ") +
+           QString::fromUtf8(process.readAllStandardError() + process.readAllStandardOutput());
+}
+
+}  // namespace
+
+SshServer::SshServer(const QString& dir) : dir_(dir) {
+    if (!QFileInfo::exists(QStringLiteral("/usr/sbin/sshd"))) {
+        error_ = QStringLiteral("no /usr/sbin/sshd: install openssh-server (make deps)");
+        return;
+    }
+    QDir().mkpath(home() + QStringLiteral("/.ssh"));
+    const QString hostKey = dir_ + QStringLiteral("host_key");
+    const QString userKey = home() + QStringLiteral("/.ssh/id_ed25519");
+    QString out, err;
+    for (const QString& key : {hostKey, userKey}) {
+        if (runProgram(QStringLiteral("ssh-keygen"),
+                       {"-q", "-t", "ed25519", "-N", "", "-C", "orvella-test", "-f", key}, &out,
+                       &err) != 0) {
+            error_ = QStringLiteral("ssh-keygen: ") + err;
+            return;
+        }
+    }
+    runProgram(QStringLiteral("ssh-keygen"), {"-l", "-f", hostKey + ".pub"}, &out);
+    fingerprint_ = out.split(u' ').value(1);
+    QFile::copy(userKey + ".pub", dir_ + QStringLiteral("authorized_keys"));
+    port_ = freePort();
+    writeFile(home() + QStringLiteral("/.ssh/known_hosts"), knownHostsLine().toUtf8() + '\n');
+    const QString config = dir_ + QStringLiteral("sshd_config");
+    writeFile(config, QStringLiteral("ListenAddress 127.0.0.1\n"
+                                     "HostKey %1\n"
+                                     "AuthorizedKeysFile %2authorized_keys\n"
+                                     "PidFile none\n"
+                                     "UsePAM no\n"
+                                     "StrictModes no\n"
+                                     "PasswordAuthentication yes\n"
+                                     "KbdInteractiveAuthentication no\n"
+                                     "PermitRootLogin yes\n"
+                                     "Subsystem sftp internal-sftp\n"
+                                     "LogLevel ERROR\n")
+                          .arg(hostKey, dir_)
+                          .toUtf8());
+    // Started as root, sshd wants the folder its system service makes at start.
+    if (::geteuid() == 0) QDir().mkpath(QStringLiteral("/run/sshd"));
+    process_.start(QStringLiteral("/usr/sbin/sshd"),
+                   {"-D", "-e", "-f", config, "-p", QString::number(port_)});
+    error_ = started(process_, port_, QStringLiteral("sshd"));
+}
+
+SshServer::~SshServer() {
+    process_.kill();
+    process_.waitForFinished();
+}
+
+QString SshServer::user() const {
+    const passwd* pw = ::getpwuid(::geteuid());
+    return pw ? QString::fromLocal8Bit(pw->pw_name) : QString();
+}
+
+QString SshServer::knownHostsLine() const {
+    const QStringList key =
+        QString::fromUtf8(readFile(dir_ + QStringLiteral("host_key.pub"))).split(u' ');
+    return QStringLiteral("[127.0.0.1]:%1 %2 %3").arg(port_).arg(key.value(0), key.value(1));
+}
+
+QString SshServer::destination(const QString& path) const {
+    return QStringLiteral("sftp://%1@127.0.0.1:%2%3").arg(user()).arg(port_).arg(path);
+}
+
+FtpServer::FtpServer(const QString& dir) : dir_(dir) {
+    if (!QFileInfo::exists(QStringLiteral("/usr/sbin/vsftpd"))) {
+        error_ = QStringLiteral("no /usr/sbin/vsftpd: install vsftpd (make deps)");
+        return;
+    }
+    if (::geteuid() != 0) {
+        error_ = QStringLiteral("vsftpd logs anonymous users in only when started as root");
+        return;
+    }
+    // The root may not be writable by the "ftp" user; the folder below it is.
+    QDir().mkpath(root() + QStringLiteral("pub"));
+    QFile::setPermissions(root(), QFileDevice::Permissions(0x7755));
+    QFile::setPermissions(root() + QStringLiteral("pub"), QFileDevice::Permissions(0x7777));
+    port_ = freePort();
+    const QString config = dir_ + QStringLiteral("vsftpd.conf");
+    writeFile(config, QStringLiteral("listen=YES\nlisten_address=127.0.0.1\nlisten_port=%1\n"
+                                     "background=NO\nanonymous_enable=YES\nlocal_enable=NO\n"
+                                     "write_enable=YES\nanon_root=%2\nanon_upload_enable=YES\n"
+                                     "anon_mkdir_write_enable=YES\nanon_other_write_enable=YES\n"
+                                     "anon_umask=022\nno_anon_password=YES\n"
+                                     "seccomp_sandbox=NO\nisolate=NO\nisolate_network=NO\n"
+                                     "xferlog_enable=NO\n")
+                          .arg(port_)
+                          .arg(root())
+                          .toUtf8());
+    process_.start(QStringLiteral("/usr/sbin/vsftpd"), {config});
+    error_ = started(process_, port_, QStringLiteral("vsftpd"));
+}
+
+FtpServer::~FtpServer() {
+    process_.kill();
+    process_.waitForFinished();
+}
+
+QString FtpServer::destination(const QString& path) const {
+    return QStringLiteral("ftp://127.0.0.1:%1/%2").arg(port_).arg(path);
+}
+
+}  // namespace testsupport
