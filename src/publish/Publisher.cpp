@@ -11,6 +11,7 @@
 
 #include "generators/common/RunManifest.h"
 #include "services/AtomicFile.h"
+#include "services/FolderLock.h"
 #include "services/Log.h"
 
 namespace Publisher {
@@ -19,6 +20,7 @@ namespace {
 
 bool isOwnFile(const QString& relative) {
     return relative == RunManifest::kFileName || relative == PublishRecord::kFileName ||
+           relative == FolderLock::kFileName ||
            AtomicFile::isTemporaryName(QFileInfo(relative).fileName());
 }
 
