@@ -20,13 +20,8 @@ using Answer = UserInterface::SaveAnswer;
 namespace {
 
 QStringList makePhotos(const QString& dir, const QStringList& names) {
-    QImage image(60, 40, QImage::Format_RGB32);
-    image.fill(Qt::darkCyan);
     QStringList paths;
-    for (const QString& name : names) {
-        EXPECT_TRUE(image.save(dir + name));
-        paths.append(dir + name);
-    }
+    for (const QString& name : names) paths << testsupport::makePhoto(dir + name);
     return paths;
 }
 

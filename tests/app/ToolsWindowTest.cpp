@@ -14,6 +14,7 @@
 #include <QTableWidget>
 #include <QTreeWidget>
 
+#include "app/FormChecks.h"
 #include "app/MetadataPanels.h"
 #include "app/SettingsForm.h"
 #include "app/ToolsPanels.h"
@@ -78,10 +79,7 @@ TEST(ToolsWindowTest, EnhancementChoiceSetsTheDefaultValue) {
 TEST(ToolsWindowTest, ColourEffectsRefuseThePhotosFolderAndWriteElsewhere) {
     const QString dir = testsupport::freshDir("app-tools/effects");
     const QString file = photo(dir + "a.jpg");
-    const QByteArray original = [&] {
-        QFile f(file);
-        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-    }();
+    const QByteArray original = testsupport::readFile(file);
     ColorEffectsPanel panel;
     panel.batch->setPhotos({file, photo(dir + "b.PNG")});
     panel.batch->setOutputFolder(dir);
@@ -96,16 +94,13 @@ TEST(ToolsWindowTest, ColourEffectsRefuseThePhotosFolderAndWriteElsewhere) {
     const QImage sepia(dir + "out/a.jpg");
     ASSERT_FALSE(sepia.isNull());
     EXPECT_GT(qRed(sepia.pixel(30, 20)), qBlue(sepia.pixel(30, 20)) + 20);
-    QFile f(file);
-    ASSERT_TRUE(f.open(QIODevice::ReadOnly));
-    EXPECT_EQ(f.readAll(), original);
+    EXPECT_EQ(testsupport::readFile(file), original);
 }
 
 TEST(ToolsWindowTest, WatermarkPanelShowsEveryControlAndStampsWithTheSecondFont) {
     const QString dir = testsupport::freshDir("app-tools/watermark");
     WatermarkPanel panel;
-    for (const ControlSpec* control : OutputKinds::registry().controls("watermark"))
-        EXPECT_TRUE(panel.form()->findChild<QWidget*>(control->name)) << qPrintable(control->name);
+    expectEveryControlShown("watermark", *panel.form());
     // The position grid and the form's popup show the same setting.
     auto grids = panel.findChildren<PositionGrid*>();
     ASSERT_EQ(grids.size(), 2);
@@ -178,10 +173,7 @@ TEST(ToolsWindowTest, MetadataEditorShowsEditsAndLogs) {
     EXPECT_EQ(cell(panel.themMetaLogTable, 0, 5), "a.jpg");
 
     // Not an image: the "not supported" text, no tree; applying fails and is logged.
-    QFile notes(dir + "notes.jpg");
-    ASSERT_TRUE(notes.open(QIODevice::WriteOnly));
-    notes.write("plain words");
-    notes.close();
+    testsupport::writeFile(dir + "notes.jpg", "plain words");
     panel.hiDoNothing(dir + "notes.jpg");
     panel.waitForFinished();
     EXPECT_EQ(panel.tfExifUserComment->text(), "This file type is not supported.");
