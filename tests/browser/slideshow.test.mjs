@@ -15,11 +15,9 @@ before(() => {
     const show = (name, settings, list = photos) => path.join(generate(path.join(root, name), { ...box, ...settings },
         list, { kind: 'slideshow' }), 'slideshow.html');
     shows.autorun = show('autorun', { cbSsAutorun: 1, tfSsInterval: 1 });
-    shows.manual = show('manual', { cbSsAutorun: 0 });
-    const file = path.join(root, 'odd', '50% off #1.jpg');
-    fs.mkdirSync(path.dirname(file));
+    const file = path.join(root, '50% off #1.jpg');  // a name that needs percent-encoding
     fs.copyFileSync(photos[0].file, file);
-    shows.odd = show('odd-out', { cbSsAutorun: 0 }, [{ file }, photos[1]]);
+    shows.manual = show('manual', { cbSsAutorun: 0 }, [{ file }, ...photos.slice(1)]);
     shows.slider = show('slider', { pubSsTemplateChoice: 2, tfSsInterval: 1, tfSsImageWidth: 320, tfSsImageHeight: 200 });
 });
 
@@ -62,6 +60,9 @@ bothWays((mode) => {
 
     test('without autorun the page stays on slide 1; buttons and dots choose the slide', async () => {
         const page = await load(shows.manual);
+        await page.waitForLoadState('load');
+        const sizes = await page.$$eval('.klSsSlides > img', (imgs) => imgs.map((i) => i.naturalWidth));
+        assert.deepEqual(sizes, [400, 400, 400, 400], 'every photo shows, the one named with "#" and "%" too');
         await page.waitForTimeout(1500);
         assert.deepEqual((await state(page)).shown, [1]);
         const steps = [
@@ -80,14 +81,6 @@ bothWays((mode) => {
             assert.deepEqual(active, [expected]);
         }
         assert.deepEqual(page.errors, []);
-        await page.close();
-    });
-
-    test('a photo named with "#" and "%" shows in the page', async () => {
-        const page = await load(shows.odd);
-        await page.waitForLoadState('load');
-        const sizes = await page.$$eval('.klSsSlides > img', (imgs) => imgs.map((i) => i.naturalWidth));
-        assert.deepEqual(sizes, [400, 400]);
         await page.close();
     });
 

@@ -1,5 +1,6 @@
-// `orvella preset`, `orvella support` and `orvella generate --preset`, each run with a scratch
-// HOME, XDG_DATA_HOME and XDG_CONFIG_HOME. Their refusals are in RefusalCliTest.cpp.
+// `orvella preset` and `orvella support`, each run with a scratch HOME, XDG_DATA_HOME and
+// XDG_CONFIG_HOME. Their refusals are in RefusalCliTest.cpp; generating from a preset is in
+// ProjectCliTest.cpp.
 #include <gtest/gtest.h>
 
 #include <QDir>
@@ -85,40 +86,6 @@ TEST(PresetCli, InjectionsAreRefused) {
     writeFile(file, "<plist><dict><key>mySqlVal1</key><integer>1</integer></dict></plist>");
     home.run({"preset", "import", file, "Bad"}, 2, &err);
     EXPECT_TRUE(err.contains(file + " is not a preset file")) << err.toStdString();
-}
-
-// A gallery made from a saved preset or a preset file is the one made from the same settings;
-// later --set values override the preset.
-TEST(PresetCli, GalleryFromAPresetEqualsTheSameSettings) {
-    const Home home("cli-preset-generate");
-    const QString photos = home.root + "photos/";
-    for (const char* name : {"a.png", "b.png", "c.png"}) testsupport::makePhoto(photos + name);
-    QStringList sets;
-    for (const char* set :
-         {"tfPageTitle=From a preset", "tfNumberOfRows=1", "ifNumberOfColumns=2",
-          "tfSmallCropWidth=40", "tfSmallCropHeight=30", "tfBigCropWidth=80",
-          "tfHTMLbackgroundColor=102030", "pbFontFamily=Raleway", "btShowFileName=1"})
-        sets << "--set" << set;
-    EXPECT_EQ(home.run(QStringList{"preset", "save", "gallery", "Look"} + sets), "Look\n");
-    const QString file = home.root + "look.orvpreset";
-    home.run(QStringList{"preset", "export", "gallery", "--out", file} + sets);
-    // The pages and stylesheets written, and the names of the other files.
-    const auto pages = [&](const QStringList& how) {
-        const QString out = freshDir("cli-preset-generate-out");
-        home.run(QStringList{"generate", "gallery", "--out", out} + how + QStringList{photos});
-        auto files = testsupport::contentsUnder(out);
-        files.remove(".orvella-manifest");
-        for (auto it = files.begin(); it != files.end(); ++it)
-            if (!it.key().endsWith(".html") && !it.key().endsWith(".css")) it->clear();
-        return files;
-    };
-    const auto expected = pages(sets);
-    ASSERT_TRUE(expected.value("myIndex.html").contains("From a preset"));
-    EXPECT_TRUE(pages({"--preset", "Look"}) == expected);
-    EXPECT_TRUE(pages({"--preset", file}) == expected);
-    const QByteArray page =
-        pages({"--preset", "Look", "--set", "tfPageTitle=Changed"})["myIndex.html"];
-    EXPECT_TRUE(page.contains("Changed") && !page.contains("From a preset"));
 }
 
 TEST(SupportCli, SetShowImportAndVanishedRoot) {

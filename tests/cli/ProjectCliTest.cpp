@@ -1,5 +1,5 @@
-// `orvella project save | show | build`, run as the user runs them; their refusals are in
-// RefusalCliTest.cpp.
+// `orvella project save | show | build` and `orvella generate --preset`, run as the user runs
+// them; their refusals are in RefusalCliTest.cpp.
 #include <gtest/gtest.h>
 
 #include <QDir>
@@ -31,44 +31,61 @@ QMap<QString, QByteArray> site(const QString& dir) {
 
 }  // namespace
 
-// The site built from a project alone is the site `generate` writes of the same photos and
-// settings, for every kind, also once the original photos are gone.
-TEST(ProjectCli, BuildEqualsGenerate) {
-    struct Case {
-        const char* kind;
-        QStringList sets;
-    };
-    for (const Case& c : std::vector<Case>{
-             {"gallery", {"tfPageTitle=Harbour", "tfNumberOfColumns=2", "tfNumberOfRows=1"}},
-             {"slideshow", {"tfSsWebPageTitle=Harbour", "cbSsWebPageTitle=1"}},
-             {"grid", {"tfRgWebPageTitle=Harbour", "tfRGMaxColumns=3"}}}) {
-        SCOPED_TRACE(c.kind);
-        const QString dir = freshDir(QString("cli-project-build-") + c.kind);
+// The site a project builds alone (the photos gone from where they were), and the sites made from
+// a saved preset and from a preset file, are the site `generate` writes of the same photos and
+// settings, for every kind; later --set values override the preset.
+TEST(ProjectCli, ProjectsAndPresetsGiveTheSameSite) {
+    for (const auto& [kind, sets] :
+         {std::pair{"gallery", QStringList{"tfPageTitle=Harbour view", "tfNumberOfColumns=2",
+                                           "tfNumberOfRows=1", "tfHTMLbackgroundColor=102030",
+                                           "pbFontFamily=Raleway", "btShowFileName=1"}},
+          std::pair{"slideshow",
+                    QStringList{"tfSsWebPageTitle=Harbour view", "cbSsWebPageTitle=1"}},
+          std::pair{"grid", QStringList{"tfRgWebPageTitle=Harbour view", "tfRGMaxColumns=3"}}}) {
+        SCOPED_TRACE(kind);
+        const QString dir = freshDir(QString("cli-same-site-") + kind);
+        const QProcessEnvironment home = testsupport::homeIn(dir);
+        const auto run = [&](const QStringList& args) {
+            return orvellaOut(0, args, nullptr, &home);
+        };
         const QString src = dir + "src/";
         makePhoto(src + "a.jpg", 60, 40, "Harbour at dawn");
         makePhoto(src + "b.png", 40, 60, "");
         makePhoto(src + "c.jpg", 50, 50, "Hills");
         makePhoto(src + "d.tif", 64, 48, "Left out");
-        QStringList selection = {"--sort", "za", "--unpublish", "d.tif", "--highlight", "a.jpg"};
-        for (const QString& set : c.sets) selection << "--set" << set;
-        selection << src;
+        QStringList settings;
+        for (const QString& set : sets) settings << "--set" << set;
+        const QStringList selection = {"--sort", "za",          "--unpublish",
+                                       "d.tif",  "--highlight", "a.jpg"};
+        const QString page = run(QStringList{"generate", kind, "--out", dir + "generated/"} +
+                                 selection + settings + QStringList{src});
+        const auto expected = site(dir + "generated/");
+        EXPECT_GT(expected.size(), 4);
 
-        const QString page = orvellaOut(
-            0, QStringList{"generate", c.kind, "--out", dir + "generated/", "--threads", "1"} +
-                   selection);
+        EXPECT_EQ(run(QStringList{"preset", "save", kind, "Look"} + settings), "Look\n");
+        run(QStringList{"preset", "export", kind, "--out", dir + "look.orvpreset"} + settings);
+        for (const QString& preset : {QString("Look"), dir + "look.orvpreset"}) {
+            QDir(dir + "preset").removeRecursively();
+            run(QStringList{"generate", kind, "--out", dir + "preset/", "--preset", preset} +
+                selection + QStringList{src});
+            EXPECT_TRUE(site(dir + "preset/") == expected) << qPrintable(preset);
+        }
+        const QString title = sets[0].section('=', 0, 0);
+        const QString changed = run(QStringList{"generate", kind, "--out", dir + "changed/",
+                                                "--preset", "Look", "--set", title + "=Changed"} +
+                                    selection + QStringList{src});
+        const QByteArray text = testsupport::readFile(changed.trimmed());
+        EXPECT_TRUE(text.contains("Changed") && !text.contains("Harbour view"));
+
         const QString project = dir + "project/Trip.orvprj";
-        EXPECT_EQ(orvellaOut(0, QStringList{"project", "save", dir + "project", "--name", "Trip",
-                                            "--kind", c.kind} +
-                                    selection),
-                  project + "\n");
-        ASSERT_TRUE(QDir(src).removeRecursively());
         EXPECT_EQ(
-            orvellaOut(0, {"project", "build", project, "--out", dir + "built/", "--threads", "1"}),
-            QString(page).replace(dir + "generated/", dir + "built/"));
-        const auto generated = site(dir + "generated/");
-        EXPECT_GT(generated.size(), 4);
-        EXPECT_EQ(site(dir + "built/").keys(), generated.keys());
-        EXPECT_TRUE(site(dir + "built/") == generated);
+            run(QStringList{"project", "save", dir + "project", "--name", "Trip", "--kind", kind} +
+                selection + settings + QStringList{src}),
+            project + "\n");
+        ASSERT_TRUE(QDir(src).removeRecursively());
+        EXPECT_EQ(run({"project", "build", project, "--out", dir + "built/", "--threads", "1"}),
+                  QString(page).replace(dir + "generated/", dir + "built/"));
+        EXPECT_TRUE(site(dir + "built/") == expected);
         // The project itself is left as it was.
         EXPECT_EQ(QDir(dir + "project/photos").entryList(QDir::Files),
                   QStringList({"a.jpg", "b.png", "c.jpg", "d.tif"}));
