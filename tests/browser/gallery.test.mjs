@@ -129,7 +129,7 @@ bothWays((mode) => {
         await page.close();
     });
 
-    test('the navigation bar reaches every page; the lightbox crosses them; the last photo stays', async () => {
+    test('the navigation bar reaches every page; the lightbox crosses them, the last photo stays; #photo=first and last', async () => {
         const page = await load(path.join(site.paged, 'index.html'));
         assert.equal(address(page), 'myIndex.html', 'sent to the first page');
         const seen = [];
@@ -168,16 +168,12 @@ bothWays((mode) => {
         await page.goBack();
         await page.waitForURL((u) => u.pathname.endsWith('/myIndex2.html'));
         await waitForPhoto(page, big('photo04'));
-        await page.close();
-    });
-
-    test('#photo=first and #photo=last open the ends of a page', async () => {
-        const page = await mode.browser.newPage();
-        for (const [file, hash, name] of [['myIndex2.html', 'first', 'photo03'], ['myIndex2.html', 'last', 'photo04'],
+        // #photo=first and #photo=last open the ends of a page, and the fragment names the photo.
+        for (const [file, end, name] of [['myIndex2.html', 'first', 'photo03'], ['myIndex2.html', 'last', 'photo04'],
             ['myIndex3.html', 'last', 'photo05'], ['myIndex.html', 'first', 'photo01']]) {
-            await page.goto(`${pageUrl(path.join(site.paged, file))}#photo=${hash}`);
+            await page.goto(`${pageUrl(path.join(site.paged, file))}#photo=${end}`);
             await waitForPhoto(page, big(name));
-            assert.equal(address(page), `${file}#photo=${name}.jpeg`, 'the fragment names the photo shown');
+            assert.equal(address(page), `${file}#photo=${name}.jpeg`);
         }
         await page.close();
     });
