@@ -65,9 +65,7 @@ TEST(PresetsPanelTest, AddLoadRemoveExportImport) {
     ASSERT_TRUE(settings.set("tfPageTitle", "Changed"));
     ASSERT_TRUE(panel.importFrom(dir + "look.orvpreset"));
     EXPECT_EQ(settings.text("tfPageTitle"), "First");
-    QFile bad(dir + "bad.orvpreset");
-    ASSERT_TRUE(bad.open(QIODevice::WriteOnly) && bad.write("<html/>") > 0);
-    bad.close();
+    testsupport::writeFile(dir + "bad.orvpreset", "<html/>");
     EXPECT_FALSE(panel.importFrom(dir + "bad.orvpreset"));
     ASSERT_EQ(ui.alerts.size(), 2u);
     EXPECT_TRUE(ui.alerts[1].description.contains("bad.orvpreset is not a preset file"));
@@ -138,9 +136,7 @@ TEST(PresetsPanelTest, DamageIsShownAndMovedAside) {
 // The pattern chooser writes the pattern path and shows the image.
 TEST(PresetsPanelTest, PatternChooserSetsThePath) {
     const QString dir = testsupport::freshDir("app-pattern-chooser");
-    QImage image(20, 10, QImage::Format_RGB32);
-    image.fill(Qt::blue);
-    ASSERT_TRUE(image.save(dir + "p.png"));
+    testsupport::makePhoto(dir + "p.png", 20, 10);
     SettingsStore settings(OutputKinds::registry());
     PatternChooser chooser("Tb", "tfTbPatternPath", settings);
     int chosen = 0;

@@ -20,13 +20,8 @@ using Answer = UserInterface::SaveAnswer;
 namespace {
 
 QStringList makePhotos(const QString& dir, const QStringList& names) {
-    QImage image(60, 40, QImage::Format_RGB32);
-    image.fill(Qt::darkCyan);
     QStringList paths;
-    for (const QString& name : names) {
-        EXPECT_TRUE(image.save(dir + name));
-        paths.append(dir + name);
-    }
+    for (const QString& name : names) paths << testsupport::makePhoto(dir + name);
     return paths;
 }
 
@@ -39,12 +34,10 @@ struct Window {
     RecordingUserInterface ui;
     QString saveFolder;
     QString saveName = "Project";
-    int saveDialogs = 0;
 
     Window() {
         projects->setUserInterface(&ui);
         projects->saveDialog = [this]() -> std::optional<std::pair<QString, QString>> {
-            ++saveDialogs;
             if (saveFolder.isEmpty()) return std::nullopt;
             return std::pair{saveFolder, saveName};
         };
@@ -55,10 +48,6 @@ struct Window {
         ASSERT_TRUE(edit) << qPrintable(control);
         edit->setText(text);
         Q_EMIT edit->editingFinished();
-    }
-    QString field(const QString& control) {
-        auto* edit = window.findChild<QLineEdit*>(control);
-        return edit ? edit->text() : QString("(none)");
     }
 };
 
@@ -183,7 +172,7 @@ TEST(ProjectWindow, OpenedProjectSelectsItsKind) {
     w.projects->markSaved();
     ASSERT_TRUE(w.projects->openProjectFile(dir + "slides", dir + "slides/harbour.orvprj"));
     EXPECT_EQ(w.tabs->currentIndex(), 1);
-    EXPECT_EQ(w.field("tfSsWebPageTitle"), "Harbour slides");
+    EXPECT_EQ(w.window.findChild<QLineEdit*>("tfSsWebPageTitle")->text(), "Harbour slides");
     ASSERT_EQ(w.collection->count(), 2);
     EXPECT_EQ(w.collection->arrangedObjects()[1].myPhotoSelect, 0);
     EXPECT_EQ(w.collection->arrangedObjects()[0].path(), dir + "slides/photos/a.png");

@@ -1,18 +1,13 @@
 // Starting the window as the desktop does: files on the command line, one window per user, no
-// display, the About box.
+// display.
 #include <gtest/gtest.h>
 
-#include <QAction>
 #include <QDir>
 #include <QFile>
-#include <QImage>
 #include <QLocalSocket>
-#include <QMessageBox>
 #include <QProcess>
-#include <QTabWidget>
 #include <QThread>
 
-#include "app/MainWindow.h"
 #include "support/TestSupport.h"
 
 using testsupport::freshDir;
@@ -58,15 +53,6 @@ bool listening(const QString& socketPath, QProcess& window) {
     return false;
 }
 
-void makePhotos(const QString& dir, const QStringList& names) {
-    QImage image(40, 30, QImage::Format_RGB32);
-    image.fill(Qt::darkCyan);
-    for (const QString& name : names) {
-        QDir(dir).mkpath(QFileInfo(name).path());
-        ASSERT_TRUE(image.save(dir + name, "PNG")) << qPrintable(name);
-    }
-}
-
 }  // namespace
 
 // The first start opens the window; later ones hand it their photos (relative paths resolved
@@ -78,10 +64,9 @@ TEST(WindowStartTest, LaterStartsHandTheirFilesToTheOpenWindow) {
     ASSERT_TRUE(QDir().mkpath(runtime));
     QFile::setPermissions(runtime, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     const QString socket = runtime + "/orvella.window";
-    makePhotos(dir, {"a.png", "b.jpg", "more/c.PNG", "more/d.tif"});
-    QFile note(dir + "more/notes.txt");
-    ASSERT_TRUE(note.open(QIODevice::WriteOnly) && note.write("not a photo") > 0);
-    note.close();
+    for (const QString name : {"a.png", "b.jpg", "more/c.PNG", "more/d.tif"})
+        testsupport::makePhoto(dir + name);
+    testsupport::writeFile(dir + "more/notes.txt", "not a photo");
 
     {
         Start window(runtime, runtime, {dir + "a.png"});
@@ -116,57 +101,20 @@ TEST(WindowStartTest, LaterStartsHandTheirFilesToTheOpenWindow) {
 // neither a command nor an existing file is an unknown command.
 TEST(WindowStartTest, NoDisplayAndWhatOpensTheWindow) {
     const QString dir = freshDir("app-no-display");
-    makePhotos(dir, {"a.png"});
+    testsupport::makePhoto(dir + "a.png");
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     for (const char* name : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"}) env.remove(name);
-    struct Case {
-        QStringList args;
-        int code;
-        std::string err;
-    };
-    for (const Case& c : std::vector<Case>{
-             {{}, 1, "no display: run orvella --help for the command line\n"},
-             {{dir + "a.png"}, 1, "no display: run orvella --help for the command line\n"},
-             {{dir}, 1, "no display: run orvella --help for the command line\n"},
-             {{dir + "gone.png"},
-              2,
-              "orvella: unknown command \"" + (dir + "gone.png").toStdString() + "\""},
-             {{"--version"}, 0, ""}}) {
-        QProcess process;
-        process.setProcessEnvironment(env);
-        process.start(ORVELLA_BINARY, c.args);
-        ASSERT_TRUE(process.waitForFinished(120000));
-        EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
-        EXPECT_EQ(process.exitCode(), c.code) << qPrintable(c.args.join(' '));
-        const std::string err = process.readAllStandardError().toStdString();
-        EXPECT_EQ(err.substr(0, c.err.size()), c.err) << err;
-    }
-}
-
-// The About box names the version exactly as `orvella --version` prints it.
-TEST(WindowStartTest, AboutBoxShowsTheVersion) {
-    QString version;
-    ASSERT_EQ(testsupport::runProgram(ORVELLA_BINARY, {"--version"}, &version), 0);
-    MainWindow window;
-    auto* about = window.findChild<QAction*>("actionAbout");
-    ASSERT_NE(about, nullptr);
-    about->trigger();
-    auto* box = window.findChild<QMessageBox*>("aboutBox");
-    ASSERT_NE(box, nullptr);
-    EXPECT_EQ(box->text().toStdString() + "\n", version.toStdString());
-    box->close();
-}
-
-// The window fits a 1366 x 768 screen (less a panel and the title bar) whichever tab is shown;
-// the settings scroll instead of growing the window.
-TEST(WindowStartTest, FitsASmallLaptopScreen) {
-    MainWindow window;
-    auto* tabs = window.findChild<QTabWidget*>();
-    ASSERT_NE(tabs, nullptr);
-    for (int i = 0; i < tabs->count(); ++i) {
-        tabs->setCurrentIndex(i);
-        const QSize needed = window.minimumSizeHint().expandedTo(window.minimumSize());
-        EXPECT_LE(needed.width(), 1366) << tabs->tabText(i).toStdString();
-        EXPECT_LE(needed.height(), 700) << tabs->tabText(i).toStdString();
+    const QString noDisplay = "no display: run orvella --help for the command line\n";
+    for (const auto& [args, code, says] :
+         {std::tuple{QStringList{}, 1, noDisplay},
+          std::tuple{QStringList{dir + "a.png"}, 1, noDisplay},
+          std::tuple{QStringList{dir}, 1, noDisplay},
+          std::tuple{QStringList{dir + "gone.png"}, 2,
+                     "orvella: unknown command \"" + dir + "gone.png\""},
+          std::tuple{QStringList{"--version"}, 0, QString()}}) {
+        QString err;
+        EXPECT_EQ(testsupport::orvella(args, nullptr, &err, &env), code)
+            << qPrintable(args.join(' '));
+        EXPECT_TRUE(err.startsWith(says)) << err.toStdString();
     }
 }

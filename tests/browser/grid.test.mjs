@@ -3,28 +3,25 @@
 // magnification.
 import assert from 'node:assert/strict';
 import path from 'node:path';
-import { after, before, test } from 'node:test';
-import { freshDir, generate, launch, makePhotos, open, outputRoot, pageUrl } from './support.mjs';
+import { before, test } from 'node:test';
+import { act, address, bothWays, freshDir, generate, lightbox, makePhotos, open, outputRoot, pageUrl, waitForPhoto } from './support.mjs';
 
-const VIEWPORT = { width: 1400, height: 900 };
-let browser;
 let root;
 let photos;  // photo01..photo08; photo03 and photo06 are portrait
-
-before(async () => {
-    root = freshDir('grid');
-    photos = makePhotos(path.join(root, 'photos'), 8);
-    browser = await launch(VIEWPORT);
-});
-
-after(async () => browser && browser.closeAll());
+const pages = {};
 
 // A grid of the eight photos, photo01 (landscape) and photo03 (portrait) highlighted.
 function grid(name, settings) {
-    const out = generate(path.join(root, name), { cbRgShowMetaData: 1, tfRgMetaDataToShow: 'Show Filename', ...settings },
-        photos, { kind: 'grid', options: ['--highlight', 'photo01.jpg', '--highlight', 'photo03.jpg'] });
-    return path.join(out, 'index.html');
+    pages[name] ??= path.join(generate(path.join(root, name), {
+        cbRgShowMetaData: 1, tfRgMetaDataToShow: 'Show Filename', ...settings,
+    }, photos, { kind: 'grid', options: ['--highlight', 'photo01.jpg', '--highlight', 'photo03.jpg'] }), 'index.html');
+    return pages[name];
 }
+
+before(() => {
+    root = freshDir('grid');
+    photos = makePhotos(path.join(root, 'photos'), 8);
+});
 
 // The tracks each cell covers, found by matching its box against the grid lines.
 const layout = (page) => page.evaluate(() => {
@@ -60,129 +57,81 @@ const layout = (page) => page.evaluate(() => {
     };
 });
 
-test('highlighted cells span 3 x 3 (landscape) and 2 x 2 (portrait), the others one track', async () => {
-    const page = await open(browser, grid('spans', { tfRGMaxColumns: 6 }));
-    const found = await layout(page);
-    assert.equal(found.container, 1200);
-    assert.equal(found.columns, 5);  // tracks of at least 200 pixels and 6-pixel gaps
-    assert.deepEqual(found.cells, {
-        photo01: '3x3', photo02: '1x1', photo03: '2x2', photo04: '1x1',
-        photo05: '1x1', photo06: '1x1', photo07: '1x1', photo08: '1x1',
+const big = (name) => `KLovImages/${name}.jpeg`;
+
+bothWays((mode) => {
+    test('at most the maximum number of columns in the 1200-pixel container; highlighted cells span 3 x 3 (landscape) and 2 x 2 (portrait)', async () => {
+        const spans = { photo01: '3x3', photo02: '1x1', photo03: '2x2', photo04: '1x1', photo05: '1x1', photo06: '1x1', photo07: '1x1', photo08: '1x1' };
+        // Tracks of at least 1200 / max pixels with 6-pixel gaps; at 3 only two fit, and the 3 x 3
+        // cell of the highlighted photo adds the third.
+        for (const [max, expected] of [[3, 3], [4, 3], [6, 5], [8, 7], [12, 11]]) {
+            const page = await open(mode.browser, grid(`columns${max}`, { tfRGMaxColumns: max }));
+            const found = await layout(page);
+            assert.equal(found.container, 1200);
+            assert.equal(found.columns, expected, `tfRGMaxColumns ${max}: ${JSON.stringify(found)}`);
+            assert.ok(found.trackWidth >= Math.floor(1200 / max), JSON.stringify(found));
+            if (max === 6) assert.deepEqual(found.cells, spans);
+            if (max === 6) await page.screenshot({ path: path.join(outputRoot, 'grid-page.png'), fullPage: true });
+            assert.deepEqual(page.errors, []);
+            await page.close();
+        }
     });
-    await page.screenshot({ path: path.join(outputRoot, 'grid-page.png'), fullPage: true });
-    assert.deepEqual(page.errors, []);
-    await page.close();
-});
 
-test('the grid has at most the maximum number of columns in its 1200-pixel container', async () => {
-    // Tracks of at least 1200 / max pixels with 6-pixel gaps; at 3 only two fit, and the 3 x 3
-    // cell of the highlighted photo adds the third.
-    for (const [max, expected] of [[3, 3], [4, 3], [8, 7], [12, 11]]) {
-        const page = await open(browser, grid(`columns${max}`, { tfRGMaxColumns: max }));
-        const found = await layout(page);
-        assert.equal(found.container, 1200);
-        assert.equal(found.columns, expected, `tfRGMaxColumns ${max}: ${JSON.stringify(found)}`);
-        assert.ok(found.columns <= max && found.trackWidth >= Math.floor(1200 / max), JSON.stringify(found));
-        await page.close();
-    }
-});
-
-// What the user sees of the lightbox.
-const state = (page) => page.evaluate(() => {
-    const box = document.querySelector('.klOVlightbox');
-    const shown = (sel) => !!box?.querySelector(sel) && getComputedStyle(box.querySelector(sel)).display !== 'none';
-    return {
-        open: !!box, prev: shown('.klOVlightbox_nav_prev'), next: shown('.klOVlightbox_nav_next'),
-        caption: shown('.klOVlightbox_caption') ? box.querySelector('.klOVlightbox_caption p').textContent : null,
-    };
-});
-
-const waitForPhoto = (page, name) => page.waitForFunction((n) => {
-    const img = document.querySelector('.klOVlightbox img');
-    return img && getComputedStyle(img).display !== 'none' && img.complete && img.naturalWidth > 0
-        && (img.getAttribute('src') || '').endsWith(`KLovImages/${n}.jpeg`);
-}, name, { timeout: 10000 });
-
-test('a click opens the big image with its caption; next, previous and Escape cross both groups', async () => {
-    const page = await open(browser, grid('lightbox', { tfRGMaxColumns: 6 }));
-    await page.locator('.klovlImage a[href$="photo02.jpeg"]').click();
-    await waitForPhoto(page, 'photo02');
-    assert.deepEqual(await state(page), { open: true, prev: true, next: true, caption: 'photo02' });
-    const img = await page.locator('.klOVlightbox img').boundingBox();
-    assert.ok(img.width > 600 && img.x >= 40 && img.x + img.width <= 1360, JSON.stringify(img));
-    await page.screenshot({ path: path.join(outputRoot, 'grid-lightbox.png') });
-    // photo01 is in the klovlImage4 group, photo02 and photo03 in the klovlImage one.
-    for (const [action, name] of [['ArrowLeft', 'photo01'], ['.klOVlightbox_nav_next', 'photo02'],
-        ['ArrowRight', 'photo03'], ['.klOVlightbox_nav_prev', 'photo02'], ['ArrowLeft', 'photo01']]) {
-        await (action.startsWith('.') ? page.locator(action).click() : page.keyboard.press(action));
-        await waitForPhoto(page, name);
-        assert.equal((await state(page)).caption, name);
-    }
-    assert.equal((await state(page)).prev, false, 'photo01 is the first of the page');
-    for (const name of ['photo02', 'photo03', 'photo04', 'photo05', 'photo06', 'photo07', 'photo08']) {
-        await page.keyboard.press('ArrowRight');
-        await waitForPhoto(page, name);
-    }
-    assert.equal((await state(page)).next, false, 'photo08 is the last');
-    await page.keyboard.press('Escape');
-    assert.deepEqual(await state(page), { open: false, prev: false, next: false, caption: null });
-    // Opened from the highlighted landscape cell, the lightbox goes on into the other group.
-    await page.locator('.klovlImage4 a').click();
-    await waitForPhoto(page, 'photo01');
-    await page.keyboard.press('ArrowRight');
-    await waitForPhoto(page, 'photo02');
-    await page.keyboard.press('Escape');
-    assert.equal((await state(page)).open, false);
-    assert.deepEqual(page.errors, []);
-    await page.close();
-});
-
-test('offline: a deep link opens its photo, the fragment follows it and Escape removes it', async () => {
-    const offline = await launch(VIEWPORT, { offline: true });
-    try {
-        const file = grid('deeplink', { tfRGMaxColumns: 6 });
-        const page = await offline.newPage();
-        const errors = [];
-        page.on('pageerror', (e) => errors.push(String(e)));
-        await page.goto(`${pageUrl(file)}#photo=photo03.jpeg`);
-        await waitForPhoto(page, 'photo03');
-        assert.deepEqual(await state(page), { open: true, prev: true, next: true, caption: 'photo03' });
-        for (const [key, name] of [['ArrowLeft', 'photo02'], ['ArrowLeft', 'photo01'], ['ArrowLeft', 'photo01']]) {
-            await page.keyboard.press(key);
-            await waitForPhoto(page, name);
-            assert.equal(new URL(page.url()).hash, `#photo=${name}.jpeg`);
+    test('a click or a deep link opens the big image with its caption; next, previous and Escape cross both groups, the fragment following', async () => {
+        const page = await open(mode.browser, grid('columns6', { tfRGMaxColumns: 6 }));
+        await page.locator('.klovlImage a[href$="photo02.jpeg"]').click();
+        await waitForPhoto(page, big('photo02'));
+        assert.deepEqual(await lightbox(page), { open: true, blurred: true, prev: true, next: true, caption: 'photo02' });
+        const img = await page.locator('.klOVlightbox img').boundingBox();
+        assert.ok(img.width > 600 && img.x >= 40 && img.x + img.width <= 1360, JSON.stringify(img));
+        // photo01 is in the klovlImage4 group, photo02 and photo03 in the klovlImage one.
+        for (const [action, name] of [['ArrowLeft', 'photo01'], ['.klOVlightbox_nav_next', 'photo02'],
+            ['ArrowRight', 'photo03'], ['.klOVlightbox_nav_prev', 'photo02'], ['ArrowLeft', 'photo01']]) {
+            await act(page, action);
+            await waitForPhoto(page, big(name));
+            assert.equal((await lightbox(page)).caption, name);
+            assert.equal(address(page), `index.html#photo=${name}.jpeg`);
         }
+        assert.equal((await lightbox(page)).prev, false, 'photo01 is the first of the page');
+        for (const name of ['photo02', 'photo03', 'photo04', 'photo05', 'photo06', 'photo07', 'photo08']) {
+            await page.keyboard.press('ArrowRight');
+            await waitForPhoto(page, big(name));
+        }
+        assert.equal((await lightbox(page)).next, false, 'photo08 is the last');
         await page.keyboard.press('Escape');
-        assert.equal((await state(page)).open, false);
-        assert.equal(page.url(), pageUrl(file));
-        // A click opens the lightbox without jQuery too, and names the photo in the address.
+        assert.equal((await lightbox(page)).open, false);
+        assert.equal(page.url(), pageUrl(pages.columns6), 'closing removes the fragment');
+        // Opened from the highlighted landscape cell, the lightbox goes on into the other group.
         await page.locator('.klovlImage4 a').click();
-        await waitForPhoto(page, 'photo01');
-        assert.equal(new URL(page.url()).hash, '#photo=photo01.jpeg');
-        assert.deepEqual(errors, []);
+        await waitForPhoto(page, big('photo01'));
+        await page.keyboard.press('ArrowRight');
+        await waitForPhoto(page, big('photo02'));
+        // A deep link opens its photo.
+        await page.goto('about:blank');
+        await page.goto(`${pageUrl(pages.columns6)}#photo=photo03.jpeg`);
+        await waitForPhoto(page, big('photo03'));
+        assert.deepEqual(await lightbox(page), { open: true, blurred: true, prev: true, next: true, caption: 'photo03' });
+        assert.deepEqual(page.errors, []);
         await page.close();
-    } finally {
-        await offline.closeAll();
-    }
-});
+    });
 
-test('the hover magnification applies only when switched on', async () => {
-    for (const on of [0, 1]) {
-        const page = await open(browser, grid(`hover${on}`, { tfRGMaxColumns: 6, cbMagnifyHooverEffect: on }));
-        for (const selector of ['.klovlImage4 img', '.klovlImage img']) {
-            const image = page.locator(selector).first();
-            await image.hover();
-            const transform = () => image.evaluate((el) => getComputedStyle(el).transform);
-            if (on) {
-                await page.waitForFunction((sel) => getComputedStyle(document.querySelector(sel)).transform
-                    === 'matrix(1.5, 0, 0, 1.5, 0, 0)', selector, { timeout: 5000 });
-            } else {
-                // No transition either: the image stays as it is.
-                assert.equal(await image.evaluate((el) => getComputedStyle(el).transitionDuration), '0s');
-                assert.equal(await transform(), 'none');
+    test('the hover magnification applies only when switched on', async () => {
+        for (const on of [0, 1]) {
+            const page = await open(mode.browser, grid(`hover${on}`, { tfRGMaxColumns: 6, cbMagnifyHooverEffect: on }));
+            for (const selector of ['.klovlImage4 img', '.klovlImage img']) {
+                const image = page.locator(selector).first();
+                await image.hover();
+                if (on) {
+                    await page.waitForFunction((sel) => getComputedStyle(document.querySelector(sel)).transform
+                        === 'matrix(1.5, 0, 0, 1.5, 0, 0)', selector, { timeout: 5000 });
+                } else {
+                    // No transition either: the image stays as it is.
+                    assert.equal(await image.evaluate((el) => getComputedStyle(el).transitionDuration), '0s');
+                    assert.equal(await image.evaluate((el) => getComputedStyle(el).transform), 'none');
+                }
+                await page.mouse.move(0, 0);
             }
-            await page.mouse.move(0, 0);
+            await page.close();
         }
-        await page.close();
-    }
-});
+    });
+}, { width: 1400, height: 900 });

@@ -1,10 +1,11 @@
-// Shared helpers of the browser tests: synthetic photos, gallery generation and a Chromium
-// that sees no network but the files on disk and the two CDNs the pages use (served locally),
-// or nothing but the files on disk.
+// Shared helpers of the browser tests: synthetic photos, generation through the program, and a
+// Chromium that sees the files on disk and either nothing else or the two CDNs the pages use
+// (served locally), with what a user sees of the lightbox.
 import { execFileSync } from 'node:child_process';
 import fs from 'node:fs';
 import os from 'node:os';
 import path from 'node:path';
+import { after, before, describe } from 'node:test';
 import { fileURLToPath, pathToFileURL } from 'node:url';
 import { chromium } from 'playwright-core';
 
@@ -22,11 +23,12 @@ export function freshDir(name) {
     return dir;
 }
 
-// Photos photo01.jpg... in distinct colours, every third one portrait, made with vips.
-export function makePhotos(dir, count) {
+// Photos NAME.jpg (photo01, photo02... when given a count) in distinct colours, every third one
+// portrait, made with vips.
+export function makePhotos(dir, names) {
     fs.mkdirSync(dir, { recursive: true });
-    return Array.from({ length: count }, (_, i) => {
-        const name = `photo${String(i + 1).padStart(2, '0')}`;
+    if (typeof names === 'number') names = Array.from({ length: names }, (_, i) => `photo${String(i + 1).padStart(2, '0')}`);
+    return names.map((name, i) => {
         const file = path.join(dir, `${name}.jpg`);
         const [w, h] = i % 3 === 2 ? [600, 800] : [800, 600];
         const colour = [(60 * i) % 256, (100 + 40 * i) % 256, (200 - 30 * i) % 256].join(' ');
@@ -37,10 +39,8 @@ export function makePhotos(dir, count) {
     });
 }
 
-// Runs `orvella generate KIND` (gallery unless told; the fourth argument is the kind or
-// { kind, options }) with more options if given, and returns the output folder.
-export function generate(out, settings, photos, how = {}) {
-    const { kind = 'gallery', options = [] } = typeof how === 'string' ? { kind: how } : how;
+// Runs `orvella generate KIND` with these settings, options and photos; returns the output folder.
+export function generate(out, settings, photos, { kind = 'gallery', options = [] } = {}) {
     const sets = Object.entries(settings).flatMap(([name, value]) => ['--set', `${name}=${value}`]);
     execFileSync(process.env.ORVELLA_BINARY, ['generate', kind, '--out', out, ...sets, ...options,
         ...photos.map((p) => p.file)], { stdio: ['ignore', 'pipe', 'pipe'] });
@@ -49,7 +49,7 @@ export function generate(out, settings, photos, how = {}) {
 
 // A browser with a fresh profile; every request off the disk is answered locally or refused.
 // Offline, every one is refused, the CDN's jQuery too.
-export async function launch(viewport = { width: 1100, height: 800 }, { offline = false } = {}) {
+async function launch(viewport, offline) {
     const profile = fs.mkdtempSync(path.join(os.tmpdir(), 'orvella-chromium-'));
     const context = await chromium.launchPersistentContext(profile, {
         executablePath: '/usr/bin/chromium', headless: true, viewport,
@@ -72,12 +72,64 @@ export async function launch(viewport = { width: 1100, height: 800 }, { offline 
     return context;
 }
 
-// Opens a page once its lightbox script is ready; script errors are collected in page.errors.
-export async function open(context, file) {
+// Declares the tests of `body` twice: with no network at all (the pages' own script stands in for
+// jQuery) and with jQuery answered from npm. `mode.browser` is the browser of the run.
+export function bothWays(body, viewport = { width: 1100, height: 800 }) {
+    for (const offline of [true, false]) {
+        describe(offline ? 'without a network' : 'with jQuery from the CDN', () => {
+            const mode = { offline };
+            before(async () => { mode.browser = await launch(viewport, offline); });
+            after(async () => mode.browser && mode.browser.closeAll());
+            body(mode);
+        });
+    }
+}
+
+// Opens a page (with `hash` in its address) once its lightbox script is ready, unless it has
+// none; script errors are collected in page.errors.
+export async function open(context, file, { hash = '', lightbox = true } = {}) {
     const page = await context.newPage();
     page.errors = [];
     page.on('pageerror', (e) => page.errors.push(String(e)));
-    await page.goto(pageUrl(file));
-    await page.waitForFunction(() => window.jQuery && typeof window.jQuery.fn.lightbox === 'function');
+    await page.goto(pageUrl(file) + hash);
+    if (lightbox) await page.waitForFunction(() => window.jQuery && typeof window.jQuery.fn.lightbox === 'function');
     return page;
 }
+
+// What the user sees of the lightbox: whether it is open, its buttons and its caption.
+export const lightbox = (page) => page.evaluate(() => {
+    const box = document.querySelector('.klOVlightbox');
+    const shown = (sel) => !!box?.querySelector(sel) && getComputedStyle(box.querySelector(sel)).display !== 'none';
+    return {
+        open: !!box, blurred: document.body.classList.contains('blurred'),
+        prev: shown('.klOVlightbox_nav_prev'), next: shown('.klOVlightbox_nav_next'),
+        caption: shown('.klOVlightbox_caption') ? box.querySelector('.klOVlightbox_caption p').textContent : null,
+    };
+});
+
+// Waits until the lightbox shows the big image that ends with `end`, fully loaded.
+export const waitForPhoto = (page, end) => page.waitForFunction((e) => {
+    const img = document.querySelector('.klOVlightbox img');
+    return img && getComputedStyle(img).display !== 'none' && img.complete && img.naturalWidth > 0
+        && (img.getAttribute('src') || '').endsWith(e);
+}, end, { timeout: 10000 });
+
+// The page file and fragment of the address bar: "myIndex2.html#photo=photo03.jpeg".
+export const address = (page) => new URL(page.url()).pathname.replace(/^.*\//, '') + new URL(page.url()).hash;
+
+// Once the page has loaded, waits for what its scripts put off until then (timers run in order).
+export const settled = (page) => page.evaluate(() => new Promise((resolve) => setTimeout(resolve, 0)));
+
+// A click on the element of a selector (".name"), a key press, or a horizontal swipe across the
+// lightbox of so many pixels (negative: to the left).
+export const act = (page, action) => {
+    if (typeof action !== 'number') return action.startsWith('.') ? page.locator(action).click() : page.keyboard.press(action);
+    return page.evaluate((d) => {
+        const target = document.querySelector('.klOVlightbox');
+        const touch = (x) => new Touch({ identifier: 1, target, clientX: x, clientY: 300 });
+        const fire = (type, touches, changed) => target.dispatchEvent(new TouchEvent(type,
+            { touches, changedTouches: changed, bubbles: true, cancelable: true }));
+        fire('touchstart', [touch(500)], [touch(500)]);
+        fire('touchend', [], [touch(500 + d)]);
+    }, action);
+};

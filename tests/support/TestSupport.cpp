@@ -43,8 +43,37 @@ int runProgram(const QString& program, const QStringList& arguments, QString* ou
     return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
 }
 
-int orvella(const QStringList& arguments, QString* out, QString* err) {
-    return runProgram(QStringLiteral(ORVELLA_BINARY), arguments, out, err);
+int orvella(const QStringList& arguments, QString* out, QString* err,
+            const QProcessEnvironment* environment) {
+    return runProgram(QStringLiteral(ORVELLA_BINARY), arguments, out, err, 180000, environment);
+}
+
+QString orvellaOut(int code, const QStringList& arguments, QString* err,
+                   const QProcessEnvironment* environment) {
+    QString out, errors;
+    EXPECT_EQ(orvella(arguments, &out, &errors, environment), code)
+        << arguments.join(u' ').toStdString() << '\n'
+        << errors.toStdString();
+    if (err) *err = errors;
+    return out;
+}
+
+QProcessEnvironment homeIn(const QString& root) {
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(QStringLiteral("HOME"), root + QStringLiteral("home"));
+    env.insert(QStringLiteral("XDG_DATA_HOME"), root + QStringLiteral("data"));
+    env.insert(QStringLiteral("XDG_CONFIG_HOME"), root + QStringLiteral("config"));
+    return env;
+}
+
+QString makePhoto(const QString& path, int width, int height) {
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    EXPECT_EQ(runProgram(QStringLiteral("vips"),
+                         {QStringLiteral("black"), path, QString::number(width),
+                          QString::number(height), QStringLiteral("--bands"), QStringLiteral("3")}),
+              0)
+        << path.toStdString();
+    return path;
 }
 
 QStringList filesUnder(const QString& dir) {
@@ -52,6 +81,16 @@ QStringList filesUnder(const QString& dir) {
     for (QDirIterator it(dir, QDir::Files, QDirIterator::Subdirectories); it.hasNext();)
         files.append(it.next().mid(dir.size()));
     files.sort();
+    return files;
+}
+
+QMap<QString, QByteArray> contentsUnder(const QString& dir) {
+    QMap<QString, QByteArray> files;
+    for (QDirIterator it(dir, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+         it.hasNext();) {
+        const QString path = it.next();
+        files.insert(path.mid(dir.size()), readFile(path));
+    }
     return files;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QMap>
 #include <QProcessEnvironment>
 #include <QString>
 #include <QStringList>
@@ -57,10 +58,25 @@ int runProgram(const QString& program, const QStringList& arguments, QString* ou
                const QProcessEnvironment* environment = nullptr);
 
 // Runs this build's orvella with these arguments, as a user runs it; returns its exit code.
-int orvella(const QStringList& arguments, QString* out = nullptr, QString* err = nullptr);
+int orvella(const QStringList& arguments, QString* out = nullptr, QString* err = nullptr,
+            const QProcessEnvironment* environment = nullptr);
+
+// Runs orvella as above, expects exit code `code` (a failure shows its standard error) and returns
+// its standard output; its standard error goes to `err` when given.
+QString orvellaOut(int code, const QStringList& arguments, QString* err = nullptr,
+                   const QProcessEnvironment* environment = nullptr);
+
+// This environment with HOME, XDG_DATA_HOME and XDG_CONFIG_HOME in folders of `root`.
+QProcessEnvironment homeIn(const QString& root);
+
+// A black photo of this size written by vips (its type from the name's extension); the path.
+QString makePhoto(const QString& path, int width = 60, int height = 40);
 
 // The files below `dir` (which ends with "/"), as paths relative to it, sorted.
 QStringList filesUnder(const QString& dir);
+
+// The files below `dir` (which ends with "/"), hidden ones too, by relative path, with their bytes.
+QMap<QString, QByteArray> contentsUnder(const QString& dir);
 
 // The bytes of a file; `ifMissing` when it cannot be read.
 QByteArray readFile(const QString& path, const QByteArray& ifMissing = {});

@@ -1,0 +1,90 @@
+// The main window's tabs, one per output kind, and its About box.
+#include <gtest/gtest.h>
+
+#include <QAbstractItemView>
+#include <QAction>
+#include <QApplication>
+#include <QCheckBox>
+#include <QElapsedTimer>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTabWidget>
+
+#include "app/FormChecks.h"
+#include "app/MainWindow.h"
+#include "app/PhotoGridView.h"
+#include "support/TestSupport.h"
+
+// Each tab shows every control of its kind under a label of its own and its buttons; the
+// Highlight box can be used on the grid's tab only; whichever tab is shown, the window fits a
+// 1366 x 768 screen (less a panel and the title bar): the settings scroll instead.
+TEST(Window, EveryKindHasItsTab) {
+    const QString dir = testsupport::freshDir("app-window-tabs");
+    MainWindow window;
+    window.addPhotos({testsupport::makePhoto(dir + "a.png")});
+    QAbstractItemView* view = window.findChild<PhotoGridView*>();
+    ASSERT_TRUE(view);
+    QElapsedTimer timer;
+    timer.start();
+    while (view->model()->rowCount() == 0 && timer.elapsed() < 20000)
+        QApplication::processEvents(QEventLoop::AllEvents, 50);
+    ASSERT_EQ(view->model()->rowCount(), 1);
+    view->setCurrentIndex(view->model()->index(0, 0));
+    QCheckBox* highlight = nullptr;
+    for (QCheckBox* box : window.findChildren<QCheckBox*>())
+        if (box->text() == "Highlight") highlight = box;
+    auto* tabs = window.findChild<QTabWidget*>();
+    ASSERT_TRUE(tabs && highlight);
+    const struct {
+        const char* kind;
+        const char* title;
+        QStringList buttons;
+        bool highlight;
+    } cases[] = {
+        {"gallery", "Photo Gallery", {"Create Photo Gallery…"}, false},
+        {"slideshow", "Slideshow", {"Create Slideshow…", "Add Item", "Clear Items"}, false},
+        {"grid", "Responsive Grid", {"Create Responsive Grid…"}, true},
+    };
+    ASSERT_EQ(tabs->count(), std::size(cases));
+    for (int i = 0; i < tabs->count(); ++i) {
+        const auto& c = cases[i];
+        SCOPED_TRACE(c.kind);
+        tabs->setCurrentIndex(i);
+        EXPECT_EQ(tabs->tabText(i), c.title);
+        EXPECT_GT(expectEveryControlShown(c.kind, *tabs->widget(i)), 20);
+        QStringList buttons;
+        for (const QPushButton* b : tabs->widget(i)->findChildren<QPushButton*>())
+            buttons << b->text();
+        for (const QString& button : c.buttons)
+            EXPECT_TRUE(buttons.contains(button)) << buttons.join(", ").toStdString();
+        EXPECT_EQ(highlight->isEnabled(), c.highlight);
+        const QSize needed = window.minimumSizeHint().expandedTo(window.minimumSize());
+        EXPECT_LE(needed.width(), 1366);
+        EXPECT_LE(needed.height(), 700);
+    }
+
+    // The slideshow keeps a way of moving between slides: autorun or the buttons.
+    auto* autorun = tabs->widget(1)->findChild<QCheckBox*>("cbSsAutorun");
+    auto* arrows = tabs->widget(1)->findChild<QCheckBox*>("cbSsShowNavigationBtn");
+    ASSERT_TRUE(autorun && arrows && autorun->isChecked() && arrows->isChecked());
+    autorun->setChecked(false);  // the buttons stay
+    EXPECT_TRUE(arrows->isChecked() && !autorun->isChecked());
+    arrows->setChecked(false);  // now the show runs by itself
+    EXPECT_TRUE(autorun->isChecked() && !arrows->isChecked());
+    autorun->setChecked(false);  // and without the timer the buttons come back
+    EXPECT_TRUE(arrows->isChecked() && !autorun->isChecked());
+}
+
+// The About box names the version exactly as `orvella --version` prints it.
+TEST(Window, AboutBoxShowsTheVersion) {
+    QString version;
+    ASSERT_EQ(testsupport::orvella({"--version"}, &version), 0);
+    MainWindow window;
+    auto* about = window.findChild<QAction*>("actionAbout");
+    ASSERT_NE(about, nullptr);
+    about->trigger();
+    auto* box = window.findChild<QMessageBox*>("aboutBox");
+    ASSERT_NE(box, nullptr);
+    EXPECT_EQ(box->text().toStdString() + "\n", version.toStdString());
+    box->close();
+}

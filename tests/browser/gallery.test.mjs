@@ -1,0 +1,272 @@
+// Generated Photo Galleries driven in Chromium like a user would: the lightbox, the pages and
+// their layout, file names that need percent-encoding, and how a gallery of real photographs
+// looks when no setting is changed.
+import assert from 'node:assert/strict';
+import { execFileSync } from 'node:child_process';
+import fs from 'node:fs';
+import path from 'node:path';
+import { before, test } from 'node:test';
+import {
+    act, address, bothWays, freshDir, generate, lightbox, makePhotos, open, outputRoot, pageUrl,
+    settled, sourceDir, waitForPhoto,
+} from './support.mjs';
+
+const ODD = ['a#b', 'what?', '100%', 'two words', 'semi;colon', 'Ünïcødé', 'amp&er', 'plain-name_1'];
+const PATTERN = path.join(sourceDir, 'resources/patterns/dots.png');
+const site = {};  // page files
+
+before(() => {
+    const root = freshDir('gallery');
+    const photos = makePhotos(path.join(root, 'photos'), 6);
+    const make = (name, settings, list = photos.slice(0, 5)) => generate(path.join(root, name), settings, list);
+    const page = (...args) => path.join(make(...args), 'myIndex.html');
+    const onePage = { ifNumberOfColumns: 3, ifNumberOfRows: 2 };  // the five photos on one page
+    const pattern = { cbTbShowPatternImage: 1, tfTbPatternPath: PATTERN };
+    site.plain = page('plain', { ...onePage, cbCaptionStatus: 0 });
+    site.captioned = page('captioned', {
+        ...onePage, ...pattern, cbCaptionStatus: 1, cbPgShowMetaData: 1, btShowFileName: 1, tfPgMetaDataToShow: 'Show Filename',
+    });
+    site.paged = make('paged', { ifNumberOfColumns: 2, ifNumberOfRows: 1 });  // pages of 2, 2 and 1
+    site.grid = page('grid', { ...pattern, pubPhotoGalleryModel: 2, ifNumberOfColumns: 6, ifNumberOfRows: 2 }, photos);
+    site.odd = page('odd', { ifNumberOfColumns: 4, ifNumberOfRows: 3 }, makePhotos(path.join(root, 'odd'), ODD));
+    // Real photographs captioned through their EXIF comments, one caption long enough to wrap.
+    const nature = '/usr/share/backgrounds/mate/nature';
+    const real = fs.readdirSync(nature).filter((n) => n.endsWith('.jpg')).sort().slice(0, 9).map((name, i) => {
+        const file = path.join(root, name);
+        fs.copyFileSync(path.join(nature, name), file);
+        execFileSync(process.env.ORVELLA_BINARY, ['meta', 'set-comment', file, i === 1
+            ? 'A longer caption that has to wrap over more than one line when the cell is narrow' : `Photo ${i + 1}`]);
+        return { file };
+    });
+    site.looks = page('looks', {}, real);
+});
+
+const shows = (prev, next, caption = null) => ({ open: true, blurred: true, prev, next, caption });
+const big = (name) => `KLimages_b/${name}.jpeg`;
+
+bothWays((mode) => {
+    const load = (file, options) => open(mode.browser, file, options);
+
+    test('a click on a thumbnail opens its big image, fitted in the window; Escape or a click beside closes it', async () => {
+        const page = await load(site.plain);
+        // The page runs on the real jQuery when it loaded and on its own script when not.
+        assert.equal(await page.evaluate(() => window.jQuery.fn.jquery), mode.offline ? undefined : '1.9.1');
+        await page.locator('.klOVimg a').nth(1).click();
+        await waitForPhoto(page, big('photo02'));
+        assert.deepEqual(await lightbox(page), shows(true, true));
+        const b = await page.locator('.klOVlightbox img').boundingBox();
+        assert.ok(b.x >= 40 && b.y >= 40 && b.x + b.width <= 1060 && b.y + b.height <= 760, JSON.stringify(b));
+        await page.screenshot({ path: path.join(outputRoot, 'lightbox-open.png') });
+        await page.keyboard.press('Escape');
+        assert.deepEqual(await lightbox(page), { open: false, blurred: false, prev: false, next: false, caption: null });
+        await page.locator('.klOVimg a').first().click();
+        await waitForPhoto(page, big('photo01'));
+        await page.mouse.click(5, 400);
+        assert.equal((await lightbox(page)).open, false);
+        assert.deepEqual(page.errors, []);
+        await page.close();
+    });
+
+    test('buttons, arrow keys and swipes move through the photos, the fragment following', async () => {
+        const page = await load(site.plain);
+        const entries = await page.evaluate(() => history.length);
+        await page.locator('.klOVimg a').first().click();
+        await waitForPhoto(page, big('photo01'));
+        assert.equal((await lightbox(page)).prev, false, 'no previous button on the first photo');
+        // The last ArrowRight: nothing beyond the last photo of a single page.
+        for (const [action, name] of [[null, 'photo01'], ['.klOVlightbox_nav_next', 'photo02'], ['ArrowRight', 'photo03'],
+            ['ArrowLeft', 'photo02'], ['.klOVlightbox_nav_prev', 'photo01'], [-80, 'photo02'], [80, 'photo01'],
+            [-20, 'photo01'], ['ArrowRight', 'photo02'], ['ArrowRight', 'photo03'], ['ArrowRight', 'photo04'],
+            ['ArrowRight', 'photo05'], ['ArrowRight', 'photo05']]) {
+            if (action !== null) await act(page, action);
+            await waitForPhoto(page, big(name));
+            assert.equal(address(page), `myIndex.html#photo=${name}.jpeg`);
+        }
+        assert.equal((await lightbox(page)).next, false, 'no next button on the last photo');
+        await page.locator('.klOVlightbox_close').click();
+        assert.equal((await lightbox(page)).open, false);
+        assert.equal(page.url(), pageUrl(site.plain), 'closing removes the fragment, "#" too');
+        assert.equal(await page.evaluate(() => history.length), entries, 'no history entry per photo');
+        assert.deepEqual(page.errors, []);
+        await page.close();
+    });
+
+    test('a page opened with #photo= shows that photo; a changed fragment is followed', async () => {
+        const page = await load(site.plain, { hash: '#photo=photo04.jpeg', lightbox: false });
+        await waitForPhoto(page, big('photo04'));
+        assert.deepEqual(await lightbox(page), shows(true, true));
+        await page.evaluate(() => { location.hash = 'photo=photo02.jpeg'; });
+        await waitForPhoto(page, big('photo02'));
+        await page.evaluate(() => { location.hash = ''; });
+        await page.waitForFunction(() => !document.querySelector('.klOVlightbox'));
+        // An unknown name or another fragment opens nothing, and stays.
+        for (const hash of ['photo=photo09.jpeg', 'photo=', 'top', 'photo=%E0%A4%A.jpeg']) {
+            await page.goto('about:blank');
+            await page.goto(`${pageUrl(site.plain)}#${hash}`);
+            await settled(page);
+            assert.equal((await lightbox(page)).open, false, hash);
+            assert.equal(new URL(page.url()).hash, `#${hash}`);
+        }
+        assert.deepEqual(page.errors, []);
+        await page.close();
+    });
+
+    test('the captioned variant shows the title as text', async () => {
+        const page = await load(site.captioned);
+        const title = await page.locator('.klOVimg a').nth(1).getAttribute('title');
+        assert.ok(title.includes('photo02'), title);
+        await page.locator('.klOVimg a').nth(1).click();
+        await waitForPhoto(page, big('photo02'));
+        assert.equal((await lightbox(page)).caption, title);
+        await page.keyboard.press('ArrowRight');
+        await waitForPhoto(page, big('photo03'));
+        assert.ok((await lightbox(page)).caption.includes('photo03'));
+        await page.keyboard.press('Escape');
+        await page.evaluate(() => document.querySelector('.klOVimg a').setAttribute('title', '<b>bold</b> & co'));
+        await page.locator('.klOVimg a').first().click();
+        await waitForPhoto(page, big('photo01'));
+        assert.equal((await lightbox(page)).caption, '<b>bold</b> & co', 'markup in a title stays text');
+        await page.close();
+    });
+
+    test('the navigation bar reaches every page; the lightbox crosses them, the last photo stays; #photo=first and last', async () => {
+        const page = await load(path.join(site.paged, 'index.html'));
+        assert.equal(address(page), 'myIndex.html', 'sent to the first page');
+        const seen = [];
+        for (const [i, name] of ['myIndex.html', 'myIndex2.html', 'myIndex3.html'].entries()) {
+            const links = page.locator('#navBar a');
+            assert.deepEqual((await links.allTextContents()).map((t) => t.trim()), ['1', '2', '3']);
+            await links.nth(i).click();
+            await page.waitForURL((u) => u.href.endsWith(`/${name}`));
+            await page.waitForFunction(() => window.jQuery && jQuery.fn.lightbox);
+            seen.push(...await page.$$eval('.klOVimg a', (as) => as.map((a) => a.getAttribute('href'))));
+        }
+        assert.deepEqual(seen, [1, 2, 3, 4, 5].map((n) => big(`photo0${n}`)));
+        await page.locator('#navBar a').first().click();
+        await page.waitForURL((u) => u.href.endsWith('/myIndex.html'));
+        await page.waitForFunction(() => window.jQuery && jQuery.fn.lightbox);
+        await page.locator('.klOVimg a').first().click();
+        await waitForPhoto(page, big('photo01'));
+        assert.deepEqual(await lightbox(page), shows(false, true));
+        for (const [action, where] of [['ArrowRight', 'myIndex.html#photo=photo02'],
+            ['ArrowRight', 'myIndex2.html#photo=photo03'],  // the next page's first photo
+            ['ArrowLeft', 'myIndex.html#photo=photo02'],    // the page before's last photo
+            ['.klOVlightbox_nav_next', 'myIndex2.html#photo=photo03'], [-80, 'myIndex2.html#photo=photo04'],
+            ['.klOVlightbox_nav_next', 'myIndex3.html#photo=photo05'], [80, 'myIndex2.html#photo=photo04'],
+            ['ArrowRight', 'myIndex3.html#photo=photo05'], ['ArrowRight', 'myIndex3.html#photo=photo05']]) {
+            const [file] = where.split('#');
+            const leaving = !address(page).startsWith(`${file}#`);
+            await act(page, action);
+            if (leaving) await page.waitForURL((u) => u.pathname.endsWith(`/${file}`));
+            await settled(page);
+            await waitForPhoto(page, big(where.replace(/^.*=/, '')));
+            assert.equal(address(page), `${where}.jpeg`);
+        }
+        assert.deepEqual(await lightbox(page), shows(true, false));
+        assert.deepEqual(page.errors, []);
+        // Back in the history: the page before, at the photo it showed.
+        await page.goBack();
+        await page.waitForURL((u) => u.pathname.endsWith('/myIndex2.html'));
+        await waitForPhoto(page, big('photo04'));
+        // #photo=first and #photo=last open the ends of a page, and the fragment names the photo.
+        for (const [file, end, name] of [['myIndex2.html', 'first', 'photo03'], ['myIndex2.html', 'last', 'photo04'],
+            ['myIndex3.html', 'last', 'photo05'], ['myIndex.html', 'first', 'photo01']]) {
+            await page.goto(`${pageUrl(path.join(site.paged, file))}#photo=${end}`);
+            await waitForPhoto(page, big(name));
+            assert.equal(address(page), `${file}#photo=${name}.jpeg`);
+        }
+        await page.close();
+    });
+
+    test('the grid model has 1 to 6 columns as the window widens', async () => {
+        const page = await load(site.grid);
+        const expected = { 390: 1, 500: 2, 800: 3, 1100: 4, 1400: 5, 1700: 6 };
+        const found = {};
+        for (const width of Object.keys(expected).map(Number)) {
+            await page.setViewportSize({ width, height: 900 });
+            found[width] = await page.$eval('.klOVimages',
+                (el) => getComputedStyle(el).gridTemplateColumns.trim().split(/\s+/).length);
+        }
+        assert.deepEqual(found, expected);
+        assert.deepEqual(page.errors, []);
+        await page.close();
+    });
+
+    test('the background pattern shows when set, in the table and the grid model', async () => {
+        for (const [file, copied] of [[site.plain, null], ...[site.captioned, site.grid].map((f) => [f,
+            path.join(path.dirname(f), 'KLovPatterns/dots.png')])]) {
+            if (copied) assert.deepEqual(fs.readFileSync(copied), fs.readFileSync(PATTERN));
+            const page = await load(file);
+            const layers = await page.$eval('.KLovTableBased-container',
+                (el) => ['::before', '::after'].map((p) => getComputedStyle(el, p).backgroundImage));
+            if (copied) assert.ok(layers.includes(`url("${pageUrl(copied)}")`), `${layers} lacks ${copied}`);
+            else assert.deepEqual(layers, ['none', 'none']);
+            await page.close();
+        }
+    });
+
+    test('every thumbnail and big image of an odd file name loads, and its deep link opens it again', async () => {
+        const page = await load(site.odd);
+        await page.waitForFunction(() => [...document.images].every((img) => img.complete));
+        const thumbs = await page.$$eval('.klOVimg img', (imgs) => imgs.map((i) => [i.alt, i.naturalWidth > 0]));
+        assert.deepEqual(thumbs.sort(), ODD.map((name) => [name, true]).sort());
+        const links = [];
+        for (const [i, href] of (await page.$$eval('.klOVimg a', (as) => as.map((a) => a.getAttribute('href')))).entries()) {
+            await page.locator('.klOVimg a').nth(i).click();
+            await waitForPhoto(page, href);
+            const name = decodeURIComponent(new URL(page.url()).hash.replace(/^#photo=/, ''));
+            assert.equal(name, decodeURIComponent(href.replace(/^.*\//, '')), 'the fragment names the big image');
+            assert.ok(ODD.includes(name.replace(/\.jpeg$/, '')), name);
+            links.push([page.url(), href]);
+            await page.keyboard.press('Escape');
+        }
+        for (const [url, href] of links) {
+            await page.goto('about:blank');
+            await page.goto(url);
+            await waitForPhoto(page, href);
+            assert.equal(page.url(), url, 'the fragment stays as it was');
+        }
+        assert.deepEqual(page.errors, []);
+        await page.close();
+    });
+
+    const inside = (inner, outer) => inner.left >= outer.left - 1 && inner.right <= outer.right + 1
+        && inner.top >= outer.top - 1 && inner.bottom <= outer.bottom + 1;
+    for (const width of [1440, 390]) {
+        test(`the default gallery at ${width} pixels: filled, centred, captions inside, readable`, async () => {
+            const page = await load(site.looks);
+            await page.setViewportSize({ width, height: 900 });
+            await page.waitForFunction(() => [...document.images].every((i) => i.complete));
+            const cells = await page.$$eval('.klOVresponsive', (els) => els.map((cell) => {
+                const box = (e) => JSON.parse(JSON.stringify(e.getBoundingClientRect()));
+                const img = cell.querySelector('img');
+                const caption = cell.querySelector('.klOVdescription');
+                return {
+                    cell: box(cell), img: box(img), caption: box(caption),
+                    natural: img.naturalWidth / img.naturalHeight, naturalWidth: img.naturalWidth,
+                    captionFont: parseFloat(getComputedStyle(caption).fontSize),
+                };
+            }));
+            const pageWidth = await page.evaluate(() => document.documentElement.clientWidth);
+            assert.equal(cells.length, 9);
+            const left = Math.min(...cells.map((c) => c.img.left));
+            const right = pageWidth - Math.max(...cells.map((c) => c.img.right));
+            // The thumbnails span the page, with margins within 4 % of each other (the stylesheet's
+            // cells are 24 % wide, so four of them leave 4 % of the row on the right).
+            assert.ok(pageWidth - left - right > 0.8 * pageWidth, `${left} ${right} of ${pageWidth}`);
+            assert.ok(Math.abs(left - right) < 0.04 * pageWidth, `margins ${left} and ${right}`);
+            for (const [i, c] of cells.entries()) {
+                // Shown at their own proportions, never stretched, and sharp (not enlarged).
+                assert.ok(Math.abs(c.img.width / c.img.height - c.natural) < 0.02, JSON.stringify(c));
+                assert.ok(c.img.width <= c.naturalWidth + 1, JSON.stringify(c));
+                assert.ok(inside(c.caption, c.cell) && c.caption.top >= c.img.bottom - 1, JSON.stringify(c));
+                assert.ok(c.captionFont >= 14, `caption font ${c.captionFont}px`);
+                const a = cells[i - 1]?.cell;  // neighbouring cells do not overlap
+                assert.ok(!a || c.cell.left >= a.right - 1 || c.cell.top >= a.bottom - 1, JSON.stringify([a, c.cell]));
+            }
+            await page.screenshot({ path: path.join(outputRoot, `looks-${width}.png`), fullPage: true });
+            assert.deepEqual(page.errors, []);
+            await page.close();
+        });
+    }
+});

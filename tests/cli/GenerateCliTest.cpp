@@ -1,0 +1,248 @@
+// `orvella generate KIND` and `orvella settings KIND`, run as the user runs them.
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFileInfo>
+
+#include "generators/OutputKinds.h"
+#include "presets/ControlRegistry.h"
+#include "support/TestSupport.h"
+
+using testsupport::freshDir;
+using testsupport::makePhoto;
+using testsupport::orvellaOut;
+using testsupport::readFile;
+
+namespace {
+
+QStringList withSets(QStringList args, const QStringList& sets) {
+    for (const QString& set : sets) args << "--set" << set;
+    return args;
+}
+
+// The pages and stylesheets under `dir`, one after the other in the order of their paths.
+QString pagesUnder(const QString& dir) {
+    QString text;
+    for (const QString& file : testsupport::filesUnder(dir))
+        if (file.endsWith(".html") || file.endsWith(".css"))
+            text += QString::fromUtf8(readFile(dir + file));
+    return text;
+}
+
+const QStringList kSmall = {"tfSmallCropWidth=40", "pubPhotoRatio=Free", "tfSmallCropHeight=30",
+                            "tfBigCropWidth=80"};
+
+}  // namespace
+
+// A folder gives its photos sorted by name whatever the extension's case, other files left out;
+// --sort, --unpublish, --highlight and the aliases of --set work for every kind; the page written
+// is printed; a warning does not stop the run.
+TEST(GenerateCli, WritesWhatTheOptionsSay) {
+    const QString src = freshDir("cli-generate-src");
+    makePhoto(src + "a.png");
+    makePhoto(src + "b.JPG", 40, 60);
+    makePhoto(src + "c.tif");
+    makePhoto(src + "d.png");
+    testsupport::writeFile(src + "notes.txt", "not a photo");
+    const QString same = freshDir("cli-generate-same");
+    const QStringList shared = {makePhoto(same + "x/small.jpg"), makePhoto(same + "y/small.jpg"),
+                                makePhoto(same + "y/small.png"), makePhoto(same + "y/other.png")};
+    const struct {
+        const char* kind;
+        QStringList args;
+        QString page;
+        QString err;         // all of standard error
+        QStringList order;   // found in this order in the pages and stylesheets
+        QStringList absent;  // neither a file written nor in a page
+    } cases[] = {
+        {"gallery",
+         withSets({"--unpublish", "d.png", src},
+                  kSmall + QStringList{"ifNumberOfColumns=2", "tfNumberOfRows=1"}),
+         "myIndex.html",
+         "",
+         {"KLimages_s/a.jpeg", "KLimages_s/b.jpeg", "KLimages_s/c.jpeg"},
+         {"d.jpeg", "notes"}},
+        {"gallery",
+         withSets({src + "a.png"},
+                  {"pubPhotoRatio=0", "tfSmallCropWidth=200", "tfSmallCropHeight=150",
+                   "tfBigCropWidth=200", "tfBigCropHeight=100"}),
+         "myIndex.html",
+         "warning: Sorry, some wrong properties: - Lightbox images are smaller than your "
+         "thumbnails. (Thumbnail size: 200)\n",
+         {"KLimages_b/a.jpeg"},
+         {}},
+        {"gallery",
+         withSets(shared, kSmall),
+         "myIndex.html",
+         "warning: Photos make images of the same name: " + shared[0] + " and " + shared[1] +
+             " both make the images named \"small\".\n" + shared[0] + " and " + shared[2] +
+             " both make the images named \"small\".\nThe images of the later photo replace "
+             "those of the earlier one.\n",
+         {"KLimages_s/other.jpeg"},
+         {}},
+        {"slideshow",
+         withSets({"--sort", "za", "--unpublish", "b.JPG", "--threads", "1", src},
+                  {"cbSsAutorun=0", "cbSsShowNavigationBtn=0", "tfSsPageName=index",
+                   "tfSsImageWidth=60", "tfSsImageHeight=40"}),
+         "index.html",
+         "warning: The slides do not change by themselves: Autorun and the previous and next "
+         "buttons are off: only the dots move between the slides.\n",
+         {"KLSsImages/d.jpeg", "KLSsImages/c.jpeg", "KLSsImages/a.jpeg"},
+         {"b.jpeg"}},
+        {"grid",
+         withSets({"--highlight", "a.png", "--highlight", "b.JPG", "--unpublish", "c.tif", src},
+                  {"tfPageName=photos", "tfRGMaxColumns=3"}),
+         "photos.html",
+         "",
+         {"minmax(400px, 1fr));", "<div class=\"klovlImage4\"> \n<a href=\"KLovImages/a.jpeg\"",
+          "<div class=\"klovlImage klovlImageVertical\"> \n<a href=\"KLovImages/b.jpeg\"",
+          "<div class=\"klovlImage\"> \n<a href=\"KLovImages/d.jpeg\""},
+         {"c.jpeg"}},
+    };
+    int n = 0;
+    for (const auto& c : cases) {
+        const QString dir = freshDir(QString("cli-generate-%1").arg(++n));
+        const QString out = dir + "new/sub";
+        SCOPED_TRACE(n);
+        QString stdErr;
+        EXPECT_EQ(orvellaOut(0, QStringList{"generate", c.kind, "--out", out} + c.args, &stdErr),
+                  out + "/" + c.page + "\n");
+        EXPECT_TRUE(QFileInfo::exists(out + "/" + c.page));
+        EXPECT_EQ(stdErr, c.err);
+        const QString pages = pagesUnder(out + "/");
+        qsizetype at = 0;
+        for (const QString& text : c.order) {
+            at = pages.indexOf(text, at);
+            EXPECT_GE(at, 0) << text.toStdString();
+        }
+        const QString files = testsupport::filesUnder(out + "/").join('\n');
+        for (const QString& text : c.absent)
+            EXPECT_FALSE(files.contains(text) || pages.contains(text)) << text.toStdString();
+    }
+    // An exact multiple of a page gives no page: kept, but the user is told.
+    const QString none = freshDir("cli-generate-none");
+    QString stdErr;
+    orvellaOut(0,
+               {"generate", "gallery", "--out", none, "--set", "ifNumberOfColumns=1", "--set",
+                "ifNumberOfRows=1", src + "a.png"},
+               &stdErr);
+    EXPECT_TRUE(stdErr.contains("warning: No page will be written: 1 photos fill exactly 1 pages"))
+        << stdErr.toStdString();
+    EXPECT_FALSE(QFile::exists(none + "myIndex.html"));
+}
+
+// Every setting of a kind, in the registry's order, in six tab-separated columns; the rows name
+// the aliases and defaults the pages are made with, and the window's words.
+TEST(GenerateCli, SettingsListing) {
+    QMap<QString, QString> listings;
+    for (const char* kind : {"gallery", "slideshow", "grid", "watermark"}) {
+        SCOPED_TRACE(kind);
+        listings[kind] = orvellaOut(0, {"settings", kind});
+        const QStringList lines = listings[kind].split('\n', Qt::SkipEmptyParts);
+        EXPECT_EQ(lines.first(), "name\taliases\tkind\tdefault\titems\tlabel");
+        QStringList names;
+        for (const ControlSpec* control : OutputKinds::registry().controls(kind))
+            names << control->name;
+        ASSERT_EQ(lines.size(), names.size() + 1);
+        for (qsizetype i = 1; i < lines.size(); ++i) {
+            EXPECT_EQ(lines[i].count('\t'), 5) << lines[i].toStdString();
+            EXPECT_EQ(lines[i].section('\t', 0, 0), names[i - 1]);
+        }
+    }
+    for (const auto& [kind, row] : std::vector<std::pair<QString, QString>>{
+             {"gallery", "ifNumberOfColumns\ttfNumberOfColumns\tnumber\t4\t"},
+             {"gallery", "tfBigCropWidth\t\tnumber\t1200\t\tBig images (lightbox): Width\n"},
+             {"grid", "tfRgPageName\ttfPageName\ttext\tindex\t"},
+             {"grid",
+              "tfRGBackgroundColor\ttfRgBackgroundColor,cwRGBackgroundColor\tcolour\tF4F3EF"},
+             {"grid", "cbRgShowMetaData\tcbRgExifUC\tcheckbox\t1\t"},
+             {"grid", "tfRgMetaDataFontColor\ttfRgFileNameFontColor,cwRgCaption\tcolour\tFFFFFF"},
+             {"grid", "ascNSColorWellObjRGLightboxBgColor\ttfNSColorWellObjRGLightboxBgColor\t"},
+             {"grid", "tfRGMaxColumns\ttfRgMaxColumns\ttext\t6\t"},
+             {"slideshow", "tfSsTitle\ttvSsTitle\t"},
+             {"slideshow", "pubSsTemplateChoice\tpubSlideTemplateChoice\t"},
+             {"slideshow", "tfSsHTMLTitleFontColor\tcwIntro\t"},
+             {"slideshow", "tfSsFileNameFontColor\tcwCaption\t"},
+             {"slideshow", "tfSsBackgroundColor\tcwSsBackground\t"},
+             {"slideshow", "tfSsHTMLDotColor\tcwSsDot\t"},
+             {"watermark", "tfFontSize\t\tnumber\t24\t\tText: Size (points; image width)\n"},
+             {"watermark", "scWaterMarkPos\t\tsegmented\t8\ttop left | top | "},
+             {"watermark", "cbFontList\t\tpopup (title)\t\tDejaVu Math TeX Gyre | DejaVu Sans"}})
+        EXPECT_TRUE(listings[kind].contains("\n" + row)) << row.toStdString();
+    // The slideshow offers the gallery's fonts.
+    const auto items = [&](const QString& kind, const QString& name) {
+        return listings[kind]
+            .section("\n" + name + "\t", 1)
+            .section('\n', 0, 0)
+            .section('\t', 3, 3);
+    };
+    for (const auto& [slideshow, gallery] :
+         {std::pair{"pubSsHTMLTitleFontFamily", "pbFontFamily"},
+          std::pair{"pubSsFileNameSize", "pbTitleFontSize"},
+          std::pair{"pubSsHTMLTitleFontStyle", "pbTitleFontWeight"}})
+        EXPECT_EQ(items("slideshow", slideshow), items("gallery", gallery)) << slideshow;
+}
+
+// A run with fewer photos (and, for one-page kinds, a new page name) leaves the earlier run's
+// files alone; with --clean it removes those the run no longer writes first, and never a file the
+// user put there. On real camera photos.
+TEST(GenerateCli, CleanRemovesWhatTheRunNoLongerWrites) {
+    const QString src = freshDir("cli-rerun-src");
+    QStringList photos;  // three small camera photos as a.jpg, b.jpg and c.jpg
+    for (const QString& jpeg : testsupport::mateBackgroundJpegs())
+        if (QFileInfo(jpeg).size() < 400000 && photos.size() < 3) {
+            photos << src + QChar(char16_t(u'a' + photos.size())) + ".jpg";
+            ASSERT_TRUE(QFile::copy(jpeg, photos.last()));
+        }
+    ASSERT_EQ(photos.size(), 3);
+    const struct {
+        const char* kind;
+        QStringList set;        // for every run
+        QStringList secondSet;  // for the runs after the first
+        int secondPhotos;       // the first photos the later runs take
+        QString imageFolder;    // where the user's own image sits
+    } cases[] = {
+        {"gallery",
+         kSmall + QStringList{"ifNumberOfColumns=2", "ifNumberOfRows=1"},
+         {},
+         1,
+         "KLimages_b/"},
+        {"slideshow",
+         {"tfSsImageWidth=60", "tfSsImageHeight=40"},
+         {"tfSsPageName=renamed"},
+         2,
+         "KLSsImages/"},
+        {"grid", {}, {"tfRgPageName=renamed"}, 2, "KLovImages/"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.kind);
+        const QString out = freshDir("cli-rerun-out");
+        const QString fresh = freshDir("cli-rerun-fresh");
+        const QStringList base = withSets({"generate", c.kind}, c.set);
+        const QStringList later = withSets(base, c.secondSet) + photos.mid(0, c.secondPhotos);
+        orvellaOut(0, base + QStringList{"--out", out} + photos);
+        orvellaOut(0, later + QStringList{"--out", fresh});
+        const QStringList first = testsupport::filesUnder(out);
+        const QStringList second = testsupport::filesUnder(fresh);
+        ASSERT_FALSE(QSet<QString>(second.begin(), second.end())
+                         .contains(QSet<QString>(first.begin(), first.end())));  // some to clean
+        // The record is uploaded with the site: it names the photos, not the user's folders.
+        const QByteArray record = readFile(out + ".orvella-manifest");
+        EXPECT_TRUE(record.contains("\"a.jpg#"));
+        EXPECT_FALSE(record.contains(src.chopped(1).toUtf8()));
+        const QStringList mine = {"notes.txt", c.imageFolder + "mine.jpeg"};
+        for (const QString& file : mine) testsupport::writeFile(out + file, readFile(photos[0]));
+
+        orvellaOut(0, later + QStringList{"--out", out});
+        QStringList all = first + second + mine;
+        all.sort();
+        all.removeDuplicates();
+        EXPECT_EQ(testsupport::filesUnder(out), all) << "without --clean";
+        QString err;
+        orvellaOut(0, later + QStringList{"--out", out, "--clean"}, &err);
+        EXPECT_EQ(err, "");
+        all = second + mine;
+        all.sort();
+        EXPECT_EQ(testsupport::filesUnder(out), all) << "with --clean";
+    }
+}
