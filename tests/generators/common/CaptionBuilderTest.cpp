@@ -1,31 +1,15 @@
-#include <gtest/gtest.h>
-
-#include <QUrl>
-
+#include "generators/GeneratorFixtures.h"
 #include "generators/common/CaptionBuilder.h"
-#include "support/TestSupport.h"
-
-using testsupport::freshDir;
-
-namespace {
-
-QString makePhoto(const QString& dir, const QString& name) {
-    const QString path = dir + name;
-    testsupport::runProgram("vips", {"black", path + "[Q=90]", "40", "30"});
-    return path;
-}
-
-}  // namespace
 
 // Items in order, empty values and unknown names skipped, the separator between values; the file
 // name item is the name with its extension in the gallery and the base name in the other kinds.
 TEST(CaptionBuilder, ItemsInOrderSkippingEmptyValues) {
-    const QString src = freshDir("captions-src");
-    const QString photo = makePhoto(src, "shot.jpg");
+    const QString src = gen::freshDir("captions-src");
+    const QString photo = gen::makePhoto(src, "shot.jpg", 40, 30);
     testsupport::runProgram(
         "exiftool", {"-q", "-overwrite_original", "-IPTC:City=Lyon", "-IPTC:Headline=Sunset",
                      "-EXIF:DateTimeOriginal=2019:07:14 18:03:22", photo});
-    const QString bare = makePhoto(src, "bare.jpg");
+    const QString bare = gen::makePhoto(src, "bare.jpg", 40, 30);
     using F = CaptionBuilder::FileName;
     const struct {
         QString items, separator, path, description;
@@ -44,7 +28,7 @@ TEST(CaptionBuilder, ItemsInOrderSkippingEmptyValues) {
     for (const auto& c : cases) {
         CaptionBuilder builder(c.items, c.separator, c.rule);
         EXPECT_EQ(builder.caption({QUrl::fromLocalFile(c.path), c.description}), c.caption)
-            << qPrintable(c.items);
+            << c.items;
     }
     EXPECT_EQ(CaptionBuilder::withItem("", "IPTC City"), "IPTC City");
     EXPECT_EQ(CaptionBuilder::withItem("IPTC City", "Show Filename"), "IPTC City;Show Filename");

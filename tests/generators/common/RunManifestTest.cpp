@@ -3,7 +3,6 @@
 // stand-in that notes which photos it was asked for. (Real galleries: tests/generators/gallery.)
 #include <gtest/gtest.h>
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
@@ -20,42 +19,36 @@ using testsupport::writeFile;
 
 namespace {
 
-QByteArray readFile(const QString& path) {
-    return testsupport::readFile(path, "<missing>");
-}
-
-// One run of a stand-in kind "test": a page, and "img/<name>.out" for each photo, made from the
-// photo's bytes. Returns the photos whose derivative was made (in photo order).
+// One run of a stand-in kind "test": pages, and "img/<name>.out" for each photo, made from the
+// photo's bytes. Returns the photos whose derivative was made, in photo order.
 struct StandInRun {
     RunOptions options;
     QStringList failingPhotos;  // the stand-in fails on these without writing anything
     QStringList pages = {QStringLiteral("page.html")};
+    QStringList failures;
 
-    QStringList run(const QString& dest, const QStringList& photos, UserInterface& ui,
-                    QStringList* failures = nullptr) {
+    QStringList run(const QString& dest, const QStringList& photos, UserInterface& ui) {
         options.destination = dest;
-        QStringList planned = pages;
+        QStringList planned = pages, made;
         QList<QStringList> outputs;
-        for (const QString& photo : photos) {
-            outputs.append({"img/" + QFileInfo(photo).completeBaseName() + ".out"});
-            planned += outputs.last();
-        }
+        for (const QString& photo : photos)
+            planned += outputs.emplace_back(
+                QStringList{"img/" + QFileInfo(photo).completeBaseName() + ".out"});
         OutputFolder out(dest);
         RunManifest manifest(QStringLiteral("test"), options, ui);
         manifest.removeEarlierFiles(planned, out);
         out.createFolders({QStringLiteral("img/")});
-        QStringList made;
         const auto make = manifest.keepingUnchanged(
             photos, outputs, RunManifest::settingsHash({"size=10"}), [&](int i) -> QStringList {
                 made.append(QFileInfo(photos[i]).fileName());
                 if (failingPhotos.contains(photos[i])) return {photos[i] + ": cannot be read"};
-                AtomicFile::write(dest + outputs[i][0], readFile(photos[i]));
+                AtomicFile::write(dest + outputs[i][0], testsupport::readFile(photos[i]));
                 return {};
             });
         for (int i = 0; i < photos.size(); ++i) out.addFailures(make(i));
         for (const QString& page : pages) out.writeText(page, "<p>" + photos.join(',') + "</p>");
         manifest.save(out);
-        if (failures) *failures = out.failures();
+        failures = out.failures();
         return made;
     }
 };
@@ -71,32 +64,21 @@ QStringList makePhotos(const QString& name) {
     return photos;
 }
 
-QJsonObject recordFor(const QString& dest, const QString& relative, const QString& kind) {
-    const RunManifest::FileState state = RunManifest::stateOf(dest + relative);
-    return {{"path", relative}, {"kind", kind}, {"size", state.size}, {"mtime", state.mtime}};
-}
-
-void writeManifest(const QString& dest, const QJsonArray& files) {
-    writeFile(dest + RunManifest::kFileName,
-              QJsonDocument(QJsonObject{{"format", 1}, {"files", files}}).toJson());
+QJsonObject recordFor(const QString& dir, const QString& file, const QString& kind,
+                      const QString& path) {
+    const RunManifest::FileState state = RunManifest::stateOf(dir + file);
+    return {{"path", path}, {"kind", kind}, {"size", state.size}, {"mtime", state.mtime}};
 }
 
 }  // namespace
 
 TEST(RunManifest, SafeRelativePaths) {
-    const struct {
-        const char* path;
-        bool safe;
-    } cases[] = {
-        {"KLimages_b/a.jpeg", true},   {"myIndex.html", true},
-        {"a..b.jpeg", true},           {"../outside.jpeg", false},
-        {"KLimages_b/../../x", false}, {"/etc/passwd", false},
-        {"KLimages_b//a.jpeg", false}, {"./a.jpeg", false},
-        {"KLimages_b\\a.jpeg", false}, {"", false},
-        {".orvella-manifest", false},  {"img/", false},
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(RunManifest::isSafeRelativePath(QString::fromUtf8(c.path)), c.safe) << c.path;
+    for (const char* safe : {"KLimages_b/a.jpeg", "myIndex.html", "a..b.jpeg"})
+        EXPECT_TRUE(RunManifest::isSafeRelativePath(safe)) << safe;
+    for (const char* unsafe :
+         {"../outside.jpeg", "KLimages_b/../../x", "/etc/passwd", "KLimages_b//a.jpeg", "./a.jpeg",
+          "KLimages_b\\a.jpeg", "", ".orvella-manifest", "img/"})
+        EXPECT_FALSE(RunManifest::isSafeRelativePath(unsafe)) << unsafe;
 }
 
 // A photo that failed is made by the next run; what was written whole before a failure is kept.
@@ -106,9 +88,8 @@ TEST(RunManifest, PartlyFailedRunIsRecorded) {
     RecordingUserInterface ui;
     StandInRun failing;
     failing.failingPhotos = {photos[1]};
-    QStringList failures;
-    EXPECT_EQ(failing.run(dest, photos, ui, &failures), QStringList({"a.jpg", "b.jpg", "c.jpg"}));
-    EXPECT_EQ(failures, QStringList({photos[1] + ": cannot be read"}));
+    EXPECT_EQ(failing.run(dest, photos, ui), QStringList({"a.jpg", "b.jpg", "c.jpg"}));
+    EXPECT_EQ(failing.failures, QStringList({photos[1] + ": cannot be read"}));
     EXPECT_EQ(StandInRun().run(dest, photos, ui), QStringList({"b.jpg"}));
 }
 
@@ -149,7 +130,8 @@ TEST(RunManifest, DamagedRecordIsIgnoredWithAWarning) {
     }
 }
 
-// --clean removes recorded files of its kind the run does not write; nothing else.
+// --clean removes recorded files of its kind the run does not write; nothing else: not the user's
+// files, not a file of another kind or one changed since, nothing outside the folder.
 TEST(RunManifest, CleanRemovesOnlyRecordedFilesItNoLongerWrites) {
     const QStringList photos = makePhotos("manifest-clean");
     const QString dest = freshDir("manifest-clean-out");
@@ -171,40 +153,33 @@ TEST(RunManifest, CleanRemovesOnlyRecordedFilesItNoLongerWrites) {
     for (const char* kept : {"img/b.out", "img/c.out", "page2.html"})
         EXPECT_TRUE(QFile::exists(dest + kept)) << kept;
 
-    // The record as it stands, plus records a run of this kind never made: they must not lead
-    // --clean outside the folder, nor to a file of another kind or one changed since.
-    QJsonArray files = QJsonDocument::fromJson(readFile(dest + ".orvella-manifest"))
+    // The record as it stands, plus records a run of this kind never made.
+    QJsonArray files = QJsonDocument::fromJson(testsupport::readFile(dest + RunManifest::kFileName))
                            .object()
                            .value("files")
                            .toArray();
-    files.append(recordFor(dest, "img/changed.out", "test"));
-    files.append(recordFor(dest, "other.html", "grid"));
-    QJsonObject escape = recordFor(outside, "victim.txt", "test");
-    escape["path"] = "../manifest-clean-outside/victim.txt";
-    files.append(escape);
-    QJsonObject linked = recordFor(outside, "linked.out", "test");
-    linked["path"] = "img/elsewhere/linked.out";
-    files.append(linked);
-    writeManifest(dest, files);
+    files.append(recordFor(dest, "img/changed.out", "test", "img/changed.out"));
+    files.append(recordFor(dest, "other.html", "grid", "other.html"));
+    files.append(recordFor(outside, "victim.txt", "test", "../manifest-clean-outside/victim.txt"));
+    files.append(recordFor(outside, "linked.out", "test", "img/elsewhere/linked.out"));
+    writeFile(dest + RunManifest::kFileName,
+              QJsonDocument(QJsonObject{{"format", 1}, {"files", files}}).toJson());
     writeFile(dest + "img/changed.out", "changed by the user");
 
     StandInRun clean;
     clean.options.clean = true;
-    QStringList failures;
-    clean.run(dest, photos.mid(0, 1), ui, &failures);
-    EXPECT_TRUE(failures.isEmpty()) << failures.join('\n').toStdString();
+    clean.run(dest, photos.mid(0, 1), ui);
+    EXPECT_TRUE(clean.failures.isEmpty()) << clean.failures.join('\n').toStdString();
     for (const char* gone : {"img/b.out", "img/c.out", "page2.html"})
         EXPECT_FALSE(QFile::exists(dest + gone)) << gone;
     for (const char* kept :
          {"img/a.out", "page.html", "mine.html", "img/mine.out", "img/changed.out", "other.html"})
         EXPECT_TRUE(QFile::exists(dest + kept)) << kept;
-    EXPECT_TRUE(QFile::exists(outside + "victim.txt"));
-    EXPECT_TRUE(QFile::exists(outside + "linked.out"));
+    EXPECT_TRUE(QFile::exists(outside + "victim.txt") && QFile::exists(outside + "linked.out"));
     EXPECT_TRUE(ui.alerts.empty());
 
     // What is left stays recorded: a clean run of another set removes a.jpg's image in turn.
     clean.run(dest, photos.mid(1, 1), ui);
     EXPECT_FALSE(QFile::exists(dest + "img/a.out"));
-    EXPECT_TRUE(QFile::exists(dest + "img/b.out"));
-    EXPECT_TRUE(QFile::exists(dest + "other.html"));
+    EXPECT_TRUE(QFile::exists(dest + "img/b.out") && QFile::exists(dest + "other.html"));
 }

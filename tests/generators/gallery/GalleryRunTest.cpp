@@ -1,263 +1,253 @@
-// Whole Photo Gallery runs on small photos made here, checked against the page format, the image
-// files (read back with vipsheader) and the alerts.
-#include <gtest/gtest.h>
+// What a gallery writes: a whole run's files (image formats, captions from metadata, the support
+// files an earlier run left kept), the derivatives of each photo read back with libvips and
+// exiftool, and runs again into the same folder on real camera photos (what is unchanged is kept
+// as the same file, what changed is made again, and the folder always ends as a full run leaves
+// it). The support files are compiled into the program.
+#include <QDateTime>
+#include <QImage>
+#include <functional>
 
-#include <QDir>
-#include <QDirIterator>
-#include <QFile>
-#include <array>
-#include <tuple>
-
+#include "generators/GeneratorFixtures.h"
+#include "generators/common/RunManifest.h"
 #include "generators/gallery/cResponsiveDesign.h"
-#include "metadata/mMeta.h"
-#include "support/TestSupport.h"
 
-using testsupport::filesUnder;
-using testsupport::freshDir;
-using testsupport::runProgram;
+using namespace gen;
 
 namespace {
 
-// A small RGB photo of w x h (a gradient, so encoders have something to do).
-QString makePhoto(const QString& dir, const QString& name, int w, int h) {
-    runProgram("vips", {"grey", dir + "g.v", QString::number(w), QString::number(h), "--uchar"});
-    runProgram("vips", {"bandjoin_const", dir + "g.v", dir + name, "40 200"});
-    return dir + name;
+// Thumbnails of 40 x 30 and big images of 80.
+const QString kSmall =
+    "tfSmallCropWidth=40, pubPhotoRatio=0, tfSmallCropHeight=30, tfBigCropWidth=80, "
+    "tfBigCropHeight=0, ";
+
+// Three small camera photos copied as p1.jpg, p2.jpg, p3.jpg, and a fourth as spare.jpg.
+QStringList copyPhotos(const QString& dir) {
+    QStringList copies = {dir + "p1.jpg", dir + "p2.jpg", dir + "p3.jpg", dir + "spare.jpg"};
+    const QStringList photos = cameraPhotos(4);
+    for (int i = 0; i < photos.size(); ++i) EXPECT_TRUE(QFile::copy(photos[i], copies[i]));
+    return copies;
 }
 
-// Latin-1 maps every byte to one character, so binary files compare exactly too.
-QString readText(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? QString::fromLatin1(file.readAll()) : "<missing>";
+// Every file under `dir` but the hidden record: relative path -> identity (inode and time).
+QMap<QString, RunManifest::FileState> identities(const QString& dir) {
+    QMap<QString, RunManifest::FileState> files;
+    for (const QString& file : filesUnder(dir))
+        files.insert(file, RunManifest::stateOf(dir + file));
+    return files;
 }
 
-void write(const QString& path, const QByteArray& bytes) {
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    file.write(bytes);
+RunResult runGallery(const QString& dest, const QStringList& photos, const QString& set,
+                     RecordingUserInterface& ui, bool rebuild = false) {
+    return cResponsiveDesign::run(
+        entries(photos.mid(0, 3)),
+        store("tfSmallCropWidth=40, pubPhotoRatio=0, tfSmallCropHeight=30, tfBigCropWidth=120, "
+              "tfBigCropHeight=0, ifNumberOfColumns=2, ifNumberOfRows=1, " +
+              set),
+        ui, RunOptions{dest, 2, false, false, rebuild});
 }
 
-// "WxH loader" as vipsheader reads the file.
-QString header(const QString& path) {
-    QString out;
-    runProgram("vipsheader", {path}, &out);
-    const QString info = out.trimmed().section(": ", -1);
-    return info.section(' ', 0, 0) + " " + info.section(", ", -1);
+// The images of these photos, or of all three.
+QStringList images(const QStringList& photos = {"p1", "p2", "p3"}) {
+    QStringList files;
+    for (const char* folder : {"KLimages_b/", "KLimages_s/"})
+        for (const QString& photo : photos) files << folder + photo + ".jpeg";
+    return files;
 }
-
-// The alerts shown, one "title|description[|stops]" line each.
-QString alerts(const RecordingUserInterface& ui) {
-    QString text;
-    for (const auto& a : ui.alerts)
-        text += a.title + "|" + a.description + (a.stopsRun ? "|stops\n" : "\n");
-    return text;
-}
-
-// The defaults plus "name=value" overrides.
-SettingsStore store(const QStringList& set) {
-    std::vector<std::pair<QString, QString>> overrides;
-    for (const QString& s : set) overrides.push_back({s.section('=', 0, 0), s.section('=', 1)});
-    return testsupport::settingsWith(overrides);
-}
-
-const QStringList kSmall = {"tfSmallCropWidth=40", "pubPhotoRatio=0", "tfSmallCropHeight=30",
-                            "tfBigCropWidth=80", "tfBigCropHeight=0"};
-
-// A run with small images (thumbnail 40 x 30, big 80) plus overrides; the first page is opened.
-RunResult run(const QString& dir, const QStringList& paths, const QStringList& set,
-              RecordingUserInterface& ui, int threads = 2, const QStringList& descriptions = {}) {
-    QList<PhotoEntry> photos;
-    for (int i = 0; i < paths.size(); ++i)
-        photos.append({QUrl::fromLocalFile(paths[i]), descriptions.value(i)});
-    return cResponsiveDesign::hCreateResponsiveHTML(dir, photos, store(kSmall + set), ui, threads,
-                                                    true);
-}
-
-// "|" stands for a line feed.
-const QString kPrologue =
-    R"(<!DOCTYPE html PUBLIC "-//W3C//DTD XHTML 1.0 Transitional//EN" )"
-    R"("http://www.w3.org/TR/xhtml1/DTD/xhtml1-transitional.dtd">|)"
-    R"(<html xmlns="http://www.w3.org/1999/xhtml">|<head>|)"
-    R"(<meta http-equiv="Content-Type" content="text/html; charset=UTF-8" />|)"
-    R"(<meta name="viewport" content="width=device-width, initial-scale=1.0" />|)";
-// A page of either model; %1 to %10 are the pieces where the two models differ.
-const QString kPage =
-    kPrologue + R"(<title>%1</title>|<!-- Keldra: responsive design%2 -->|)"
-                R"(<link href="KLcss/klGScss.css" rel="stylesheet" type="text/css">|)"
-                R"(<!-- Keldra: lightbox -->|<script src="https://ajax.googleapis.com/ajax/libs/)"
-                R"(jquery/1.9.1/jquery.min.js"></script>|<script type="text/javascript" )"
-                R"(src="KLovlightbox/%3.lightbox.js"></script>||<script>|$(function() {|)"
-                R"($('.klOVimg a').lightbox();|});|</script>||%4<!-- Keldra: Roboto, from Google )"
-                R"(fonts -->|<link href="https://fonts.googleapis.com/css?family=%5:300,400,500,)"
-                R"(700,900" rel="stylesheet">|</head>|<body>|<!-- Keldra: responsive design main )"
-                R"(container - Begin -->|<div class="KLovTableBased-container">|<!-- Keldra: )"
-                R"(Background pattern - Begin -->|<div class="klSsPatternBox">|)"
-                R"(<div style="width:%6%;margin: auto;"><!-- Keldra: %7 - Begin -->|%8)"
-                R"(<div style="width:100%;padding:6px;float:left;">|<div style="float:left;)"
-                R"(padding:6px;"><a href="%9://www.keldra.com/orvella"><img src="KLovlightbox/)"
-                R"(klOrvella.png" alt="klOrvella" width="auto" height="auto"></a></div>|%10)"
-                R"(</div><!-- Keldra: Background pattern - End -->|</div><!-- Keldra: )"
-                R"(responsive design main container - End -->|</body>|</html>)";
-
-// The text with its %1, %2, ... filled in turn and "|" made a line feed.
-QString page(QString text, const QStringList& pieces = {}) {
-    for (const QString& piece : pieces) text = text.arg(piece);
-    return text.replace('|', '\n');
-}
-
-const QString kImg = R"(<div class="klOVimg">)";
 
 }  // namespace
 
-// Both models, whole texts: caption and file name on in the table model (metadata text escaped, the
-// heading not), both off in the grid model. A second grid run keeps the files of the first.
-TEST(GalleryRun, PageTextsOfBothModels) {
-    const QString src = freshDir("gallery-models-src");
-    const QString table = freshDir("gallery-table"), grid = freshDir("gallery-grid");
-    const QStringList a = {makePhoto(src, "a.png", 80, 60)};
-    const QStringList tableSettings(
-        {"pubPhotoGalleryModel=0", "cbCaptionStatus=0", "pbFontFamily=Kanit", "tfGridWidth=80",
-         "tfPageTitle=T & T", "tvTitle=<b>Hi</b>", "btShowFileName=1", "cbPgShowMetaData=1",
-         "tfPgMetaDataToShow=EXIF User Comment;Show Filename", "tfPgMetaDataValueSep= / ",
-         "pbTitleFontWeight=Bold", "pbFileNameFontWeight=Bold"});
+// A run with thumbnails and big images in other formats than the photos, captions from metadata
+// (the file name item with its extension), and a pattern. A second run keeps the support files
+// that are there and writes the redirect again.
+TEST(GalleryRun, FilesOfARun) {
+    const QString src = freshDir("gallery-run-src"), dir = freshDir("gallery-run");
+    const QList<PhotoEntry> photos = entries(
+        {makePhoto(src, "wide.png", 400, 300), makePhoto(src, "tall.jpg", 300, 400)}, {"<i>"});
+    const SettingsStore settings =
+        store(kSmall +
+              "pbImageFormat=png, pbBIGImageFormat=tiff, cbPgShowMetaData=1, btShowFileName=0, "
+              "tfPgMetaDataToShow=EXIF User Comment;Show Filename, tfPgMetaDataValueSep= / , "
+              "cbTbRdShowPatternImage=1, tfTbRdPatternPath=" +
+              makePhoto(src, "dots.png", 8, 8));
     RecordingUserInterface ui;
-    EXPECT_EQ(run(table, a, tableSettings, ui, 2, {R"(<i> & "q")"}).firstPage,
-              table + "myIndex.html");
-    const QString photo =
-        R"(<div class="klOVtitle"><b>Hi</b></div>|<div class="klOVresponsive">|)"
-        R"(<div class="klOVimg">|<a href="KLimages_b/a.jpeg" rel="klOVlightbox" )"
-        R"(title="a; &lt;i&gt; &amp; &quot;q&quot; / a.png">|<img src="KLimages_s/a.jpeg" alt="a" )"
-        R"(width="auto" height="auto">|</a>|</div>|<div class="klOVphotoname">a</div>|)"
-        R"(<div class="klOVdescription">&lt;i&gt; &amp; &quot;q&quot; / a.png</div>|</div>|)";
-    const QString tableText =
-        page(kPage, {"T &amp; T", " - Begin", "jquery", "<!-- Keldra: responsive design - End -->|",
-                     "Kanit", "80", "responsive design grid", photo, "http",
-                     "</div>|</div><!-- Keldra: grid - End -->|"});
-    EXPECT_EQ(readText(table + "myIndex.html").toStdString(), tableText.toStdString());
-    // The redirect writes "/n" where a line feed is meant, kept on purpose.
-    EXPECT_EQ(readText(table + "index.html"),
-              page(kPrologue + R"(<head>/n<meta http-equiv="Content-Type" content="text/html; )"
-                               R"(charset=UTF-8" />/n<meta name="viewport" content="width=device-)"
-                               R"(width, initial-scale=1.0" />/n<title>my first responsive )"
-                               R"(designed picture gallery</title>/n<script>window.location.)"
-                               R"(href = "myIndex.html"</script>|</head>|<body></body>)"));
-    // The table stylesheet; heading and file-name weights both "Bold" give 700 and 900.
-    const QString css = readText(table + "KLcss/klGScss.css");
-    EXPECT_TRUE(css.contains("(max-width: 6000px)"));
-    EXPECT_TRUE(css.contains("font-size:32px;\nfont-weight:700;\n"));
-    EXPECT_TRUE(css.contains("font-size:15px;\nfont-weight:900;\n"));
-
-    const QStringList settings(
-        {"pubPhotoGalleryModel=2", "cbCaptionStatus=1", "pbFontFamily=Exo 2", "tfHTMLfileName=page",
-         "tfGridWidth=90", "tfPageTitle=G", "tvTitle=Heading", "btShowFileName=0",
-         "cbPgShowMetaData=0", "pbImageFormat=png", "pbBIGImageFormat=tiff",
-         "cbTbRdShowPatternImage=1", "tfTbRdPatternPath=" + makePhoto(src, "dots.png", 8, 8)});
-    ASSERT_TRUE(run(grid, a, settings, ui, 1).ok);
-    EXPECT_EQ(ui.opened.last(), "file:///" + grid + "page.html");
-    const QString gridPhoto =
-        R"(<div class="klOVtitle">Heading<br><br></div>|<div class="klOVimages">|)"
-        R"(<div class="klOVimg">|<a href="KLimages_b/a.tiff" rel="klOVlightbox" title="a">|)"
-        R"(<img src="KLimages_s/a.png" alt="a" width="auto" height="auto">|</a>|</div>|)"
-        R"(</div><!-- Keldra: grid - End -->|)";
-    EXPECT_EQ(readText(grid + "page.html").toStdString(),
-              page(kPage, {"G", "", "jquery02", "", "Exo+2", "90", "grid", gridPhoto, "https", ""})
-                  .toStdString());
-    EXPECT_TRUE(readText(grid + "KLcss/klGScss.css").contains("@media (min-width: 400px)"));
-    EXPECT_EQ(header(grid + "KLimages_s/a.png"), "40x30 pngload");
-    EXPECT_EQ(header(grid + "KLimages_b/a.tiff"), "80x60 tiffload");
-    // The working copies in the photo's own type are gone when the format differs.
-    EXPECT_FALSE(QFile::exists(grid + "KLimages_b/a.png"));
+    const RunResult result = cResponsiveDesign::run(photos, settings, ui, {dir, 2, true});
+    ASSERT_TRUE(result.ok && result.failures.isEmpty() && ui.alerts.empty());
+    EXPECT_EQ(ui.opened, QStringList{"file:///" + dir + "myIndex.html"});
+    const QString page = readText(dir + "myIndex.html");
+    EXPECT_TRUE(page.contains(R"(title="&lt;i&gt; / wide.png">)") &&
+                page.contains(R"(title="tall.jpg">)"));
+    // Only the images in their formats: the working copies in the photos' types are gone.
+    EXPECT_EQ(filesUnder(dir + "KLimages_s/"), QStringList({"tall.png", "wide.png"}));
+    EXPECT_EQ(filesUnder(dir + "KLimages_b/"), QStringList({"tall.tiff", "wide.tiff"}));
+    EXPECT_EQ(header(dir + "KLimages_s/tall.png") + ", " + header(dir + "KLimages_b/tall.tiff"),
+              "40x30 pngload, 60x80 tiffload");
 
     const QStringList kept = {"KLovlightbox/jquery.lightbox.js", "KLovlightbox/close.gif",
                               "KLovPatterns/dots.png"};
-    for (const QString& name : kept) EXPECT_GT(QFile(grid + name).size(), 0) << name.toStdString();
-    for (const QString& name : kept) write(grid + name, "kept");
-    QFile::remove(grid + "index.html");
-    ASSERT_TRUE(run(grid, a, settings, ui, 1).ok);
-    for (const QString& name : kept) EXPECT_EQ(readText(grid + name), "kept") << name.toStdString();
-    EXPECT_TRUE(QFile::exists(grid + "index.html"));
-}
-
-// 13 and 12 photos at 12 a page, 5 at 3 x 2: the pages, their photos and navigation bars. An exact
-// multiple of the page size gives no page at all, kept on purpose.
-TEST(GalleryRun, Pages) {
-    const struct {
-        int photos;
-        QString columns, rows;
-        std::vector<int> perPage;
-    } cases[] = {{13, "4", "3", {12, 1}}, {12, "4", "3", {}}, {5, "3", "2", {5}}};
-    const QString nav =
-        R"(<div id="navBar" class="klOVpageNav" style="width:100%;padding:6px;text-align:left;">)"
-        R"(<a href="myIndex.html"> 1 </a><a href="myIndex2.html">2 </a></div>)"
-        R"(<div class="klOVtitle">)";
-    for (const auto& c : cases) {
-        QList<PhotoEntry> photos;
-        for (int i = 0; i < c.photos; ++i)
-            photos.append({QUrl::fromLocalFile(QStringLiteral("/p/t%1.png").arg(i)), {}});
-        const QList<PageFile> files = cResponsiveDesign::pageTexts(
-            cResponsiveDesign::readSettings(
-                store({"ifNumberOfColumns=" + c.columns, "ifNumberOfRows=" + c.rows}), "/out/"),
-            photos, {});
-        QStringList names;
-        for (const PageFile& f : files) names.append(f.path);
-        QStringList expected = {"KLcss/klGScss.css"};
-        for (size_t page = 0; page < c.perPage.size(); ++page) {
-            expected.append(cResponsiveDesign::pageFileName("myIndex", int(page) + 1));
-            const QString& text = files.value(qsizetype(page) + 1).text;
-            EXPECT_EQ(text.count(kImg), c.perPage[page]) << c.photos;
-            EXPECT_EQ(text.contains(nav), c.perPage.size() == 2) << c.photos;
-        }
-        EXPECT_EQ(names, expected + QStringList{"index.html"});
+    for (const QString& name : kept) {
+        EXPECT_GT(QFile(dir + name).size(), 0) << name;
+        testsupport::writeFile(dir + name, "kept");
     }
+    QFile::remove(dir + "index.html");
+    ASSERT_TRUE(cResponsiveDesign::run(photos, settings, ui, {dir, 1}).ok);
+    for (const QString& name : kept) EXPECT_EQ(readText(dir + name), "kept") << name;
+    EXPECT_TRUE(QFile::exists(dir + "index.html"));
 }
 
-// A layout of 0 columns or rows and a page name leaving the folder are refused before anything
-// is written.
-TEST(GalleryRun, RefusedRuns) {
-    const QString photo = makePhoto(freshDir("gallery-refused-src"), "a.png", 40, 30);
-    for (const auto& [setting, alert] : std::vector<std::pair<QString, QString>>{
-             {"ifNumberOfColumns=0", "Sorry, the page layout is not possible.|"},
-             {"ifNumberOfRows=0", "Sorry, the page layout is not possible.|"},
-             {"tfHTMLfileName=../up", "Sorry, the page name is not possible.|"}}) {
-        const QString dir = freshDir("gallery-refused");
-        RecordingUserInterface ui;
-        EXPECT_FALSE(run(dir, {photo}, {setting}, ui).ok);
-        EXPECT_TRUE(alerts(ui).startsWith(alert) && alerts(ui).endsWith("|stops\n") &&
-                    ui.alerts.size() == 1)
-            << alerts(ui).toStdString();
-        EXPECT_TRUE(ui.stops == 1 && QDir(dir).isEmpty());
-    }
-}
-
-// Both derivatives of a landscape and a portrait photo ("wide tall wideBig tallBig"), and alerts.
-TEST(GalleryRun, DerivativeFiles) {
+// The derivatives of a landscape PNG, a portrait JPEG and a portrait TIFF (in that order), read
+// back with exiftool: the sizes of the thumbnails and of the big images, and the creator and
+// artist of both (the same in each). The metadata stays only when the photo is a JPEG or TIFF and
+// the output a PNG or TIFF; the TIFF reader brings XMP but no EXIF along. Nothing else is left.
+TEST(GalleryRun, Derivatives) {
     const QString src = freshDir("gallery-derivatives-src");
-    const QStringList photos = {makePhoto(src, "wide.png", 400, 300),
-                                makePhoto(src, "tall.jpg", 300, 400)};
-    // Settings, sizes, alerts.
-    const std::vector<std::array<QString, 3>> cases = {
-        // Scale by width and by height: only the height step stays.
-        {"pubThumbAction=1 tfSmallCropWidth=100 tfSmallCropHeight=120 tfBigCropWidth=160",
-         "160x120 90x120 160x120 120x160", ""},
+    const QStringList photos = {makePhoto(src, "a.png", 400, 300),
+                                makePhoto(src, "b.jpg", 300, 400),
+                                makePhoto(src, "c.tif", 300, 400)};
+    for (const QString& photo : photos) fixtures::tagArtist(photo);
+    const QString none = "- -|- -|- -";
+    const struct {
+        QString set, thumbs, bigs, metadata;
+    } cases[] = {
+        // Scale by width and by height: only the height step stays...
+        {"pubThumbAction=1, tfSmallCropWidth=100, tfSmallCropHeight=120, tfBigCropWidth=160",
+         "160x120 90x120 90x120", "160x120 120x160 120x160", none},
+        // ... unless it makes nothing (a crop height of 0): then the width step's image is written.
+        {"pubThumbAction=1, tfSmallCropWidth=60, tfSmallCropHeight=0, tfBigCropWidth=100",
+         "60x45 45x60 45x60", "100x75 75x100 75x100", none},
         // Cut at the centre to 40 x 30, the big image 80 on its longest side; frames keep the size.
-        {"tfSmallFramingThickness=10 tfBigFramingThickness=6 cwNSColorWellObjBsImage=FF0000",
-         "40x30 40x30 80x60 60x80", ""},
-        // Big size 200 equals thumbnail size 200: a warning, and the run goes on to crop the big
-        // ones (the portrait one is only 150 wide).
-        {"tfSmallCropWidth=200 tfSmallCropHeight=150 tfBigCropWidth=200 tfBigCropHeight=100",
-         "200x150 200x150 200x100 150x100",
-         "Sorry, some wrong properties|\r- Lightbox images are smaller than your thumbnails. "
-         "(Thumbnail size: 200)\n"},
+        {"tfSmallFramingThickness=10, tfBigFramingThickness=6, cwNSColorWellObjBsImage=FF0000",
+         "40x30 40x30 40x30", "80x60 60x80 60x80", none},
+        // The big images cut to 200 x 100, the portrait ones only 150 wide.
+        {"tfSmallCropWidth=200, tfSmallCropHeight=150, tfBigCropWidth=200, tfBigCropHeight=100",
+         "200x150 200x150 200x150", "200x100 150x100 150x100", none},
+        {"pbImageFormat=png, pbBIGImageFormat=png", "40x30 40x30 40x30", "80x60 60x80 60x80",
+         "- -|Keldra Keldra|Keldra -"},
+        {"pbImageFormat=tiff, pbBIGImageFormat=tiff", "40x30 40x30 40x30", "80x60 60x80 60x80",
+         "- -|Keldra Keldra|Keldra -"},
     };
-    for (const auto& [settings, sizes, alert] : cases) {
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.set.toStdString());
         const QString dir = freshDir("gallery-derivatives");
+        const GalleryImageSettings image =
+            cResponsiveDesign::readSettings(store(kSmall + c.set), dir).image;
+        for (const char* folder : {"KLimages_s", "KLimages_b"}) QDir().mkpath(dir + folder);
+        for (const QString& photo : photos)
+            EXPECT_EQ(cResponsiveDesign::hScaleImageMaxValueHTML(photo, image), QStringList());
+        for (const auto& [folder, sizes] :
+             {std::pair{"KLimages_s/", c.thumbs}, {"KLimages_b/", c.bigs}}) {
+            QStringList files, expected;
+            for (const QString& f : QDir(dir + folder).entryList(QDir::Files | QDir::Hidden))
+                files << dir + folder + f;
+            for (int i = 0; i < 3; ++i)
+                expected << sizes.split(' ').value(i) + " " + c.metadata.split('|').value(i);
+            QString out;
+            testsupport::runProgram(
+                "exiftool",
+                QStringList{"-q", "-T", "-ImageSize", "-XMP:Creator", "-EXIF:Artist"} + files,
+                &out);
+            EXPECT_EQ(out.replace('\t', ' ').trimmed().split('\n'), expected) << folder;
+        }
+    }
+}
+
+TEST(GalleryRerun, KeepsWhatIsUnchangedAndEndsAsAFullRun) {
+    using Change = std::function<void(const QString& dest, const QStringList& photos)>;
+    const Change none = [](const QString&, const QStringList&) {};
+    const struct {
+        const char* name;
+        Change change;
+        QString set;
+        QStringList remade;  // images made again; every other file keeps its identity
+        size_t alerts = 0;
+        bool rebuild = false;
+    } cases[] = {
+        {"identical second run", none, "", {}},
+        {"one photo replaced",
+         [](const QString&, const QStringList& p) {
+             QFile::remove(p[1]);
+             QFile::copy(p[3], p[1]);
+         },
+         "", images({"p2"})},
+        {"photo's time changed",
+         [](const QString&, const QStringList& p) {
+             QFile file(p[0]);
+             ASSERT_TRUE(file.open(QIODevice::ReadWrite) &&
+                         file.setFileTime(QDateTime::currentDateTime().addDays(-1),
+                                          QFileDevice::FileModificationTime));
+         },
+         "", images({"p1"})},
+        {"rebuild", none, "", images(), 0, true},
+        {"big image size changed", none, "tfBigCropWidth=100", images()},
+        {"big image deleted",
+         [](const QString& d, const QStringList&) { QFile::remove(d + "KLimages_b/p3.jpeg"); }, "",
+         images({"p3"})},
+        {"thumbnail altered",
+         [](const QString& d, const QStringList&) {
+             QFile file(d + "KLimages_s/p1.jpeg");
+             ASSERT_TRUE(file.open(QIODevice::Append));
+             file.write("x");
+         },
+         "", images({"p1"})},
+        {"record damaged",
+         [](const QString& d, const QStringList&) {
+             testsupport::writeFile(d + RunManifest::kFileName,
+                                    R"({"format": 1, "files": [{"path": "KLimages_b/p1.jpeg")");
+         },
+         "", images(), 1},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        const QStringList photos = copyPhotos(freshDir("gallery-rerun-src"));
+        const QString dest = freshDir("gallery-rerun-out");
         RecordingUserInterface ui;
-        ASSERT_TRUE(run(dir, photos, settings.split(' '), ui).ok);
-        EXPECT_EQ(alerts(ui), alert);
-        QStringList found;
-        for (const char* file : {"s/wide", "s/tall", "b/wide", "b/tall"})
-            found << header(dir + "KLimages_" + file + ".jpeg").remove(" jpegload");
-        EXPECT_EQ(found.join(' '), sizes);
-        EXPECT_EQ(filesUnder(dir + "KLimages_s/"), (QStringList{"tall.jpeg", "wide.jpeg"}));
+        const RunResult first = runGallery(dest, photos, "", ui);
+        ASSERT_TRUE(first.ok && first.failures.isEmpty());
+        ASSERT_TRUE(QFile::exists(dest + RunManifest::kFileName));
+        c.change(dest, photos);
+        const QMap<QString, RunManifest::FileState> before = identities(dest);
+
+        const RunResult second = runGallery(dest, photos, c.set, ui, c.rebuild);
+        EXPECT_TRUE(second.ok && second.failures.isEmpty());
+        EXPECT_EQ(ui.alerts.size(), c.alerts);
+        const QMap<QString, RunManifest::FileState> after = identities(dest);
+        QStringList changed;
+        for (auto it = after.cbegin(); it != after.cend(); ++it)
+            if (before.value(it.key()) != *it) changed.append(it.key());
+        // Nothing but the images named changes identity, unless a setting changed.
+        EXPECT_EQ(c.set.isEmpty() ? changed : changed.filter("KLimages_"), c.remade);
+
+        // Byte for byte what a full run into an empty folder writes.
+        const QString full = freshDir("gallery-rerun-full");
+        ASSERT_TRUE(runGallery(full, photos, c.set, ui).ok);
+        EXPECT_EQ(filesUnder(dest), filesUnder(full));
+        for (const QString& file : filesUnder(full))
+            EXPECT_EQ(testsupport::readFile(dest + file), testsupport::readFile(full + file))
+                << file;
+    }
+}
+
+TEST(SupportFiles, NineLightboxFilesAreCompiledIn) {
+    const QByteArray source =
+        testsupport::readFile(ORVELLA_SOURCE_DIR "/resources/tools/lightbox.js.in");
+    ASSERT_FALSE(source.isEmpty());
+    const struct {
+        const char* name;
+        QSize size;
+        const char* showCaption;  // the scripts: generated from one source, the caption flag set
+    } cases[] = {{"close.gif", {32, 32}, nullptr},      {"loading.gif", {32, 32}, nullptr},
+                 {"klOrvella.png", {120, 32}, nullptr}, {"overlay.png", {8, 8}, nullptr},
+                 {"jquery.lightbox.js", {}, "false"},   {"jquery02.lightbox.js", {}, "true"},
+                 {"next.png", {32, 32}, nullptr},       {"close.png", {32, 32}, nullptr},
+                 {"previous.png", {32, 32}, nullptr}};
+    for (const auto& c : cases) {
+        const QByteArray bytes = testsupport::readFile(QStringLiteral(":/lightbox/") + c.name);
+        ASSERT_FALSE(bytes.isEmpty()) << c.name;
+        if (!c.showCaption) {
+            EXPECT_EQ(QImage::fromData(bytes).size(), c.size) << c.name;
+            continue;
+        }
+        EXPECT_EQ(bytes, QByteArray(source).replace("@SHOW_CAPTION@", c.showCaption)) << c.name;
+        // Titles come from photo metadata: they are set as text, never parsed as HTML.
+        EXPECT_FALSE(bytes.contains(".html(") || bytes.contains("innerHTML")) << c.name;
     }
 }

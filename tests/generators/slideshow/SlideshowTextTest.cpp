@@ -1,87 +1,42 @@
 // The pages and stylesheets of both slideshow kinds, written out here from the rules of the
 // format: whole texts for settings that switch everything on and everything off, then the pieces
-// each remaining branch changes.
-#include <gtest/gtest.h>
-
+// each remaining branch changes; the alerts and the caption weight of a run's plan.
 #include <QRegularExpression>
-#include <QUrl>
 
+#include "generators/GeneratorFixtures.h"
 #include "generators/slideshow/cSlideshow.h"
-#include "support/TestSupport.h"
+
+using namespace gen;
 
 namespace {
 
-// "|" stands for a line feed and "[f]" for the font line of the family "Exo 2".
-QString text(QString t) {
-    return t.replace('|', '\n').replace("[f]", "font-family: 'Exo 2', sans-serif;\n");
+SlideshowSettings settings(const QString& set) {
+    return cSlideshow::readSettings(store(set), "/out/");
 }
 
-SlideshowSettings settings(const QStringList& set) {
-    std::vector<std::pair<QString, QString>> overrides;
-    for (const QString& s : set) overrides.push_back({s.section('=', 0, 0), s.section('=', 1)});
-    return cSlideshow::readSettings(testsupport::settingsWith(overrides), "/out/");
-}
-
-// The page and the stylesheet of a run's texts (the stylesheet is written first).
-struct Texts {
-    QString page;
-    QString stylesheet;
-};
-Texts split(const QList<PageFile>& files) {
-    EXPECT_EQ(files.size(), 2);
-    EXPECT_EQ(files.value(0).path, "KLSlideShowcss/klovlSlideshow.css");
-    return {files.value(1).text, files.value(0).text};
-}
-
-QList<PhotoEntry> photos(const QStringList& paths) {
-    QList<PhotoEntry> list;
-    for (const QString& path : paths) list.append({QUrl::fromLocalFile(path), QString()});
-    return list;
+// The stylesheet and the page of a run's texts, in the order they are written.
+std::pair<QString, QString> split(const QList<PageFile>& files) {
+    EXPECT_EQ(files.value(0).path + " " + files.value(1).path + " " + QString::number(files.size()),
+              "KLSlideShowcss/klovlSlideshow.css slideshow.html 2");
+    return {files.value(0).text, files.value(1).text};
 }
 
 // Every switch on; the classic page with dots, buttons and a timer.
-const QStringList kAllOn = {"pubSsTemplateChoice=0",
-                            "cbSsWebPageTitle=1",
-                            "tfSsWebPageTitle=Trip & Co",
-                            "cbSsTitle=1",
-                            "tfSsTitle=<b>Hi</b>",
-                            "pubSsHTMLTitleFontFamily=Exo 2",
-                            "cbSsShowPatternImage=1",
-                            "tfSsPatternPath=/patterns/dots.png",
-                            "tfSsPatternScale=30",
-                            "pubSsPatternOpacity=0.4",
-                            "cbSsShowShadow=1",
-                            "cbSsFadeInOut=1",
-                            "cbSsResponsive=1",
-                            "cbSsShowPhotoCount=1",
-                            "cbSsShowNavigationBtn=1",
-                            "cbSsShowDots=1",
-                            "cbSsAutorun=1",
-                            "tfSsInterval=3",
-                            "tfSsImageWidth=800",
-                            "tfSsImageHeight=600",
-                            "pubSsHTMLTitleFontSize=32px",
-                            "pubSsHTMLTitleFontStyle=Bold",
-                            "tfSsHTMLTitleFontColor=112233",
-                            "scSsHTMLTitleTxtAlign=1",
-                            "pubSsFileNameWeight=Medium",
-                            "pubSsFileNameSize=14px",
-                            "scSsFileNameTxtAlign=2",
-                            "tfSsFileNameFontColor=445566",
-                            "tfSsBackgroundColor=778899",
-                            "tfSsHTMLDotColor=ABCDEF",
-                            "pubSsDotAppearance=0"};
-const QStringList kAllOff = {
-    "cbSsWebPageTitle=0", "cbSsTitle=0",      "cbSsShowPatternImage=0", "cbSsShowShadow=0",
-    "cbSsFadeInOut=0",    "cbSsResponsive=0", "cbSsShowPhotoCount=0",   "cbSsShowNavigationBtn=0",
-    "cbSsShowDots=0",     "cbSsAutorun=0",    "pubSsDotAppearance=1"};
+const QString kAllOn =
+    "pubSsTemplateChoice=0, cbSsWebPageTitle=1, tfSsWebPageTitle=Trip & Co, cbSsTitle=1, "
+    "tfSsTitle=<b>Hi</b>, pubSsHTMLTitleFontFamily=Exo 2, cbSsShowPatternImage=1, "
+    "tfSsPatternPath=/patterns/dots.png, tfSsPatternScale=30, pubSsPatternOpacity=0.4, "
+    "cbSsShowShadow=1, cbSsFadeInOut=1, cbSsResponsive=1, cbSsShowPhotoCount=1, "
+    "cbSsShowNavigationBtn=1, cbSsShowDots=1, cbSsAutorun=1, tfSsInterval=3, tfSsImageWidth=800, "
+    "tfSsImageHeight=600, pubSsHTMLTitleFontSize=32px, pubSsHTMLTitleFontStyle=Bold, "
+    "tfSsHTMLTitleFontColor=112233, scSsHTMLTitleTxtAlign=1, pubSsFileNameWeight=Medium, "
+    "pubSsFileNameSize=14px, scSsFileNameTxtAlign=2, tfSsFileNameFontColor=445566, "
+    "tfSsBackgroundColor=778899, tfSsHTMLDotColor=ABCDEF, pubSsDotAppearance=0, ";
+const QString kAllOff =
+    "cbSsWebPageTitle=0, cbSsTitle=0, cbSsShowPatternImage=0, cbSsShowShadow=0, cbSsFadeInOut=0, "
+    "cbSsResponsive=0, cbSsShowPhotoCount=0, cbSsShowNavigationBtn=0, cbSsShowDots=0, "
+    "cbSsAutorun=0, pubSsDotAppearance=1, ";
 
-const char* const kPrologue =
-    R"(<!DOCTYPE html PUBLIC "-//W3C//DTD XHTML 1.0 Transitional//EN" )"
-    R"("http://www.w3.org/TR/xhtml1/DTD/xhtml1-transitional.dtd">|)"
-    R"(<html xmlns="http://www.w3.org/1999/xhtml">|<head>|)"
-    R"(<meta http-equiv="Content-Type" content="text/html; charset=UTF-8" />|)"
-    R"(<meta name="viewport" content="width=device-width, initial-scale=1.0" />|)";
 const char* const kStylesheetLink =
     R"(<!-- Keldra: Slideshow creation -->|<link href="KLSlideShowcss/klovlSlideshow.css" )"
     R"(rel="stylesheet" type="text/css">|)";
@@ -95,8 +50,21 @@ const char* const kReference =
     R"(<div class="klSsRef"><a href="https://www.keldra.com/orvella"><img )"
     R"(src="https://www.keldra.com/orvella/klOrvella.png" alt="Orvella"></a></div>|)";
 
+// The functions that move between slides, with dots: %1 the one that shows a slide, %2 the class
+// that is taken off the dots.
+const QString kMoves =
+    R"(function plusSlides(n) {|%1(slideIndex += n);|}||function currentSlide(n) {|)"
+    R"(%1(slideIndex = n);|}||function %1(n) {|var i;|)"
+    R"(var slides = document.getElementsByClassName("klSsSlides");|)"
+    R"(var dots = document.getElementsByClassName("klSsDot");|)"
+    R"(if (n > slides.length) {slideIndex = 1}|if (n < 1) {slideIndex = slides.length}|)"
+    R"(for (i = 0; i < slides.length; i++) {|slides[i].style.display = "none";|}|)"
+    R"(for (i = 0; i < dots.length; i++) {|)"
+    R"(dots[i].className = dots[i].className.replace("%2", "");|}|)"
+    R"(slides[slideIndex-1].style.display = "block";|dots[slideIndex-1].className += " klSsActive";|)"
+    R"(}|</script>|)";
 // The timer variant with dots; the interval "3" is written "3000".
-const char* const kAutorunScript =
+const QString kAutorunScript =
     R"(<!-- Slideshow: scripts -->|<script>|var slideIndex = 0;|showSlides();||)"
     R"(function showSlides() {|var i;|var slides = document.getElementsByClassName("klSsSlides");|)"
     R"(var dots = document.getElementsByClassName("klSsDot");|)"
@@ -105,28 +73,11 @@ const char* const kAutorunScript =
     R"(dots[i].className = dots[i].className.replace("klSsActive", "");|}|)"
     R"(slides[slideIndex-1].style.display = "block";|dots[slideIndex-1].className += " klSsActive";|)"
     R"(setTimeout(showSlides, 3000); // Change image every 2 seconds|}||)"
-    R"(showSlidesM(slideIndex);function plusSlides(n) {|showSlidesM(slideIndex += n);|}||)"
-    R"(function currentSlide(n) {|showSlidesM(slideIndex = n);|}||function showSlidesM(n) {|var i;|)"
-    R"(var slides = document.getElementsByClassName("klSsSlides");|)"
-    R"(var dots = document.getElementsByClassName("klSsDot");|)"
-    R"(if (n > slides.length) {slideIndex = 1}|if (n < 1) {slideIndex = slides.length}|)"
-    R"(for (i = 0; i < slides.length; i++) {|slides[i].style.display = "none";|}|)"
-    R"(for (i = 0; i < dots.length; i++) {|)"
-    R"(dots[i].className = dots[i].className.replace("klSsActive", "");|}|)"
-    R"(slides[slideIndex-1].style.display = "block";|dots[slideIndex-1].className += " klSsActive";|)"
-    R"(}|</script>|)";
+    R"(showSlidesM(slideIndex);)" +
+    kMoves.arg("showSlidesM", "klSsActive");
 // The manual variant with dots: the class is taken off with its leading blank.
-const char* const kManualScript =
-    R"(<script>|var slideIndex = 1;|showSlides(slideIndex);||function plusSlides(n) {|)"
-    R"(showSlides(slideIndex += n);|}||function currentSlide(n) {|showSlides(slideIndex = n);|}||)"
-    R"(function showSlides(n) {|var i;|var slides = document.getElementsByClassName("klSsSlides");|)"
-    R"(var dots = document.getElementsByClassName("klSsDot");|)"
-    R"(if (n > slides.length) {slideIndex = 1}|if (n < 1) {slideIndex = slides.length}|)"
-    R"(for (i = 0; i < slides.length; i++) {|slides[i].style.display = "none";|}|)"
-    R"(for (i = 0; i < dots.length; i++) {|)"
-    R"(dots[i].className = dots[i].className.replace(" klSsActive", "");|}|)"
-    R"(slides[slideIndex-1].style.display = "block";|dots[slideIndex-1].className += " klSsActive";|)"
-    R"(}|</script>|)";
+const QString kManualScript = "<script>|var slideIndex = 1;|showSlides(slideIndex);||" +
+                              kMoves.arg("showSlides", " klSsActive");
 
 // Without dots: no dots lines, and the display line alone where the dots group stood.
 QString withoutDots(QString script) {
@@ -193,79 +144,74 @@ QString classicCss() {
 // Everything on: title (escaped), heading (as it stands), pattern box, counter, reference, full
 // width images, captions (escaped), buttons, dots, the timer; photo names that need it encoded.
 TEST(SlideshowText, ClassicPageWithEverythingOn) {
-    const SlideshowSettings p = settings(kAllOn);
-    const Texts texts = split(cSlideshow::classicTexts(
-        p, photos({"/photos/a.png", "/other/b c#1.jpg"}), {"x < y & z", ""}));
+    const auto [css, page] = split(cSlideshow::classicTexts(
+        settings(kAllOn), entries({"/photos/a.png", "/other/b c%#1.jpg"}), {"x < y & z", ""}));
     const QString slide =
         R"(<!-- Full-width images with number and caption text -->|)"
         R"(<div class="klSsSlides fade">|<div class="klSsNumbertext">%1 / 2</div>|)" +
         QString(kReference) +
-        R"(<img src="KLSsImages/%2" style="width:100%">|)"
-        R"(<div class="klSsText">%3</div>|</div>||)";
-    const QString expected =
-        kPrologue + QString("<title>Trip &amp; Co</title>|") + kStylesheetLink +
-        QString(kFontLink).arg("Exo+2") + kBeforeSlides +
-        slide.arg("1", "a.jpeg", "x &lt; y &amp; z") + slide.arg("2", "b%20c%231.jpeg", "") +
-        R"(<!-- Slideshow container: End-->|<!-- Slideshow: Next and previous buttons -->|)"
-        R"~(<a class="klSsPrev" onclick="plusSlides(-1)">&#10094;</a>|)~"
-        R"~(<a class="klSsNext" onclick="plusSlides(1)">&#10095;</a>|</div>|<br>|)~"
-        R"(<!-- Slideshow: the dots/circles -->|<div style="text-align:center">|)"
-        R"~(<span class="klSsDot" onclick="currentSlide(1)"></span>|)~"
-        R"~(<span class="klSsDot" onclick="currentSlide(2)"></span>|</div>|)~" +
-        kAutorunScript + "</div>|</body>|</html>|";
-    EXPECT_EQ(texts.page.toStdString(), text(expected).toStdString());
-    EXPECT_EQ(texts.stylesheet.toStdString(), classicCss().toStdString());
+        R"(<img src="KLSsImages/%2" style="width:100%">|<div class="klSsText">%3</div>|</div>||)";
+    EXPECT_TEXT(
+        page,
+        text(kPrologue + "<title>Trip &amp; Co</title>|" + kStylesheetLink +
+             QString(kFontLink).arg("Exo+2") + kBeforeSlides +
+             slide.arg("1", "a.jpeg", "x &lt; y &amp; z") +
+             slide.arg("2", "b%20c%25%231.jpeg", "") +
+             R"(<!-- Slideshow container: End-->|<!-- Slideshow: Next and previous buttons -->|)"
+             R"~(<a class="klSsPrev" onclick="plusSlides(-1)">&#10094;</a>|)~"
+             R"~(<a class="klSsNext" onclick="plusSlides(1)">&#10095;</a>|</div>|<br>|)~"
+             R"(<!-- Slideshow: the dots/circles -->|<div style="text-align:center">|)"
+             R"~(<span class="klSsDot" onclick="currentSlide(1)"></span>|)~"
+             R"~(<span class="klSsDot" onclick="currentSlide(2)"></span>|</div>|)~" +
+             kAutorunScript + "</div>|</body>|</html>|"));
+    EXPECT_TEXT(css, classicCss());
 }
 
 // Everything off: no title, heading, pattern, counter, reference, buttons or dots; images of the
 // box size; the manual script; a plain font family is Trirong. The stylesheet loses the shadow,
 // the pattern rule and the round dots, and nothing else.
 TEST(SlideshowText, ClassicPageWithEverythingOff) {
-    const SlideshowSettings p =
-        settings(kAllOn + kAllOff + QStringList{"pubSsHTMLTitleFontFamily=Trirong"});
-    const Texts texts = split(cSlideshow::classicTexts(p, photos({"/photos/a.b.png"}), {}));
-    const QString expected =
-        kPrologue + QString(kStylesheetLink) + QString(kFontLink).arg("Trirong") +
-        R"(<!-- Slideshow container: Begin -->|<div class="klSsSlideshow-container">|)"
-        R"(<!-- Full-width images with number and caption text -->|<div class="klSsSlides">|)"
-        R"(<img src="KLSsImages/a.b.jpeg" style="width:800px;height:600px">|)"
-        R"(<div class="klSsText"></div>|</div>||<!-- Slideshow container: End-->|</div>|<br>|)" +
-        withoutDots(kManualScript) + "</body>|</html>|";
-    EXPECT_EQ(texts.page.toStdString(), text(expected).toStdString());
-    const QString css =
-        classicCss()
-            .remove("box-shadow: 3px 3px 10px black;\n")
-            .remove(text(kPatternRule))
-            .remove("border-radius: 50%;\n")
-            .replace("font-family: 'Exo 2', sans-serif;", "font-family: 'Trirong', serif;");
-    EXPECT_EQ(texts.stylesheet.toStdString(), css.toStdString());
+    const auto [css, page] = split(
+        cSlideshow::classicTexts(settings(kAllOn + kAllOff + "pubSsHTMLTitleFontFamily=Trirong"),
+                                 entries({"/p/a.b.png"}), {}));
+    EXPECT_TEXT(
+        page,
+        text(
+            kPrologue + kStylesheetLink + QString(kFontLink).arg("Trirong") +
+            R"(<!-- Slideshow container: Begin -->|<div class="klSsSlideshow-container">|)"
+            R"(<!-- Full-width images with number and caption text -->|<div class="klSsSlides">|)"
+            R"(<img src="KLSsImages/a.b.jpeg" style="width:800px;height:600px">|)"
+            R"(<div class="klSsText"></div>|</div>||<!-- Slideshow container: End-->|</div>|<br>|)" +
+            withoutDots(kManualScript) + "</body>|</html>|"));
+    EXPECT_TEXT(
+        css, classicCss()
+                 .remove("box-shadow: 3px 3px 10px black;\n")
+                 .remove(text(kPatternRule))
+                 .remove("border-radius: 50%;\n")
+                 .replace("font-family: 'Exo 2', sans-serif;", "font-family: 'Trirong', serif;"));
 }
 
 // The script and the reference for the remaining combinations of timer, dots and buttons.
 TEST(SlideshowText, ScriptsAndReferenceForEachCombination) {
     const struct {
-        QStringList set;
-        QString script;
+        QString set, script;
         bool reference;
     } cases[] = {
-        {{"cbSsAutorun=1", "cbSsShowDots=0", "cbSsShowNavigationBtn=1"},
-         withoutDots(kAutorunScript),
+        {"cbSsAutorun=1, cbSsShowDots=0, cbSsShowNavigationBtn=1", withoutDots(kAutorunScript),
          true},
-        {{"cbSsAutorun=0", "cbSsShowDots=1", "cbSsShowNavigationBtn=0"}, kManualScript, true},
-        {{"cbSsAutorun=1", "cbSsShowDots=0", "cbSsShowNavigationBtn=0"},
-         withoutDots(kAutorunScript),
+        {"cbSsAutorun=0, cbSsShowDots=1, cbSsShowNavigationBtn=0", kManualScript, true},
+        {"cbSsAutorun=1, cbSsShowDots=0, cbSsShowNavigationBtn=0", withoutDots(kAutorunScript),
          false},
         // 2.5 seconds are written 2.5000: milliseconds by text, kept on purpose.
-        {{"cbSsAutorun=1", "cbSsShowDots=1", "cbSsShowNavigationBtn=1", "tfSsInterval=2.5"},
-         QString(kAutorunScript).replace("3000)", "2.5000)"),
-         true},
+        {"cbSsAutorun=1, cbSsShowDots=1, cbSsShowNavigationBtn=1, tfSsInterval=2.5",
+         QString(kAutorunScript).replace("3000)", "2.5000)"), true},
     };
     for (const auto& c : cases) {
         const QString page =
-            split(cSlideshow::classicTexts(settings(kAllOn + c.set), photos({"/a.jpg"}), {})).page;
-        const QString tail = text(c.script + "</div>|</body>|</html>|");
-        EXPECT_TRUE(page.endsWith(tail)) << c.set.join(' ').toStdString() << page.toStdString();
-        EXPECT_EQ(page.contains("klSsRef"), c.reference) << c.set.join(' ').toStdString();
+            split(cSlideshow::classicTexts(settings(kAllOn + c.set), entries({"/a.jpg"}), {}))
+                .second;
+        EXPECT_TRUE(page.endsWith(text(c.script + "</div>|</body>|</html>|"))) << c.set << page;
+        EXPECT_EQ(page.contains("klSsRef"), c.reference) << c.set;
         EXPECT_EQ(page.contains("plusSlides(-1)"), c.set.contains("cbSsShowNavigationBtn=1"));
     }
 }
@@ -273,17 +219,14 @@ TEST(SlideshowText, ScriptsAndReferenceForEachCombination) {
 // The slider: empty blocks slide0.. in the page, one rule per photo timed by the whole seconds of
 // the interval; the caption and heading rules with their own z-index spelling.
 TEST(SlideshowText, SliderPageAndStylesheet) {
-    const SlideshowSettings p =
-        settings(kAllOn + QStringList{"pubSsTemplateChoice=2", "tfSsInterval=2.5"});
-    const Texts texts =
-        split(cSlideshow::sliderTexts(p, photos({"/p/a.jpg", "/p/b c.png", "/q/c.tif"})));
+    const auto [stylesheet, page] =
+        split(cSlideshow::sliderTexts(settings(kAllOn + "pubSsTemplateChoice=2, tfSsInterval=2.5"),
+                                      entries({"/p/a.jpg", "/p/b c.png", "/q/c.tif"})));
     const QString block = R"(<div class="slideProp slide%1">|</div>||)";
-    const QString page = kPrologue + QString("<title>Trip &amp; Co</title>|") + kStylesheetLink +
-                         QString(kFontLink).arg("Exo+2") + kBeforeSlides + block.arg(0) +
-                         block.arg(1) + block.arg(2) +
-                         "</div>||<!-- Slideshow container: End-->|</div>|</body>|</html>|";
-    EXPECT_EQ(texts.page.toStdString(), text(page).toStdString());
-
+    EXPECT_TEXT(page, text(kPrologue + "<title>Trip &amp; Co</title>|" + kStylesheetLink +
+                           QString(kFontLink).arg("Exo+2") + kBeforeSlides + block.arg(0) +
+                           block.arg(1) + block.arg(2) +
+                           "</div>||<!-- Slideshow container: End-->|</div>|</body>|</html>|"));
     const QString css =
         R"(@charset "UTF-8";|*,|*::before,|*::after { box-sizing: border-box; }||)"
         R"(/* Slideshow container */||.klSsSlideshow-container {|box-shadow: 3px 3px 10px black;|)"
@@ -303,30 +246,92 @@ TEST(SlideshowText, SliderPageAndStylesheet) {
         R"(@keyframes opaqTransition {|3% { transform: translateX( 0 ); }|)"
         R"(25% { transform: translateX( 0 ); }|28% { transform: translateX( -800px ); }|)"
         R"(100% { transform: translateX( -800px ); }|}||)";
-    EXPECT_EQ(texts.stylesheet.toStdString(), text(css).toStdString());
+    EXPECT_TEXT(stylesheet, text(css));
 }
 
 // Slide rules for one photo, for a zero interval and for products past 32 bits (they wrap): the
 // cycle first, then the delays.
 TEST(SlideshowText, SliderTimings) {
-    const struct {
-        QString interval;
-        int count;
-        QString seconds;
-    } cases[] = {
-        {"7", 1, "14"},
-        {"0", 2, "0 0"},
-        {"1073741824", 3, "0 1073741824 -2147483648"},
-    };
+    const std::tuple<QString, int, QString> cases[] = {
+        {"7", 1, "14"}, {"0", 2, "0 0"}, {"1073741824", 3, "0 1073741824 -2147483648"}};
     const QRegularExpression timing(R"((?:opaqTransition |animation-delay: )(-?\d+)s)");
-    for (const auto& c : cases) {
-        const QStringList all = {"/a.jpg", "/b.jpg", "/c.jpg"};
-        const QString css = split(cSlideshow::sliderTexts(settings({"tfSsInterval=" + c.interval}),
-                                                          photos(all.mid(0, c.count))))
-                                .stylesheet;
+    for (const auto& [interval, count, seconds] : cases) {
+        const QString css = split(cSlideshow::sliderTexts(settings("tfSsInterval=" + interval),
+                                                          entries(QStringList(count, "/a.jpg"))))
+                                .first;
         QStringList found;
         for (auto it = timing.globalMatch(css); it.hasNext();) found << it.next().captured(1);
-        EXPECT_EQ(found.join(' '), c.seconds) << c.interval.toStdString();
-        EXPECT_EQ(css.count("background-image"), c.count);
+        EXPECT_EQ(found.join(' '), seconds) << interval;
+        EXPECT_EQ(css.count("background-image"), count);
+    }
+}
+
+// Templates 0 and 1 make the classic page, 2 the slider. A caption weight of "Light" goes into the
+// heading weight and leaves the caption weight of the panel's previous run (none on its first
+// run), in both page kinds: "caption/heading".
+TEST(SlideshowText, TemplatesAndTheLightCaptionWeight) {
+    const struct {
+        QString caption, heading, kind, expected;
+    } runs[] = {
+        {"Light", "Bold", "0", "/300"},       {"Medium", "Bold", "2", "500/700"},
+        {"Light", "Black", "2", "500/300"},   {"Bold", "Regular", "1", "700/400"},
+        {"Light", "Regular", "0", "700/300"},
+    };
+    const QList<PhotoEntry> photos = entries({"/p/a.png"});
+    QHash<QString, QString> carried;
+    for (const auto& r : runs) {
+        const SitePlan plan = cSlideshow::plan(
+            store("pubSsFileNameWeight=" + r.caption + ", pubSsHTMLTitleFontStyle=" + r.heading +
+                  ", pubSsTemplateChoice=" + r.kind),
+            photos, {.destination = "/out/", .carried = carried});
+        carried = plan.carried;
+        const auto [css, page] = split(plan.pages(photos, {}));
+        const auto weight = [&](const QString& rule) {
+            return css.section(rule, 1).section("font-weight:", 1, 1).section(';', 0, 0);
+        };
+        EXPECT_EQ(weight(".klSsText {") + "/" + weight(".klSstitle {"), r.expected)
+            << r.caption << r.kind;
+        EXPECT_EQ(page.contains("slideProp"), r.kind == u"2");
+    }
+}
+
+// Runs that cannot be made, and shows that neither run by themselves nor have buttons.
+TEST(SlideshowText, RefusalsAndWarnings) {
+    const QString interval = "stops Sorry, the interval is not possible.";
+    const std::pair<QString, QString> cases[] = {
+        {"", ""},
+        {"tfSsPageName=../up", "stops Sorry, the page name is not possible."},
+        {"tfSsPageName=", "stops Sorry, the page name is not possible."},
+        {"tfSsImageWidth=0", "stops Sorry, the photo box is not possible."},
+        {"cbSsAutorun=1, tfSsInterval=4);alert(1", interval},
+        {"pubSsTemplateChoice=2, cbSsAutorun=0, tfSsInterval=", interval},
+        {"cbSsAutorun=0, cbSsShowNavigationBtn=0, cbSsShowDots=1, tfSsInterval=x",
+         "The slides do not change by themselves|Autorun and the previous and next buttons are "
+         "off: only the dots move between the slides."},
+        {"cbSsAutorun=0, cbSsShowNavigationBtn=0, cbSsShowDots=0",
+         "The slides do not change by themselves|Autorun, the buttons and the dots are off: the "
+         "show stays on its first slide."},
+        {"cbSsAutorun=0, cbSsShowNavigationBtn=0, pubSsTemplateChoice=2", ""},
+    };
+    for (const auto& [set, expected] : cases)
+        EXPECT_EQ(planAlerts(cSlideshow::plan(store(set), entries({"/p/a.png"}), {"/out/"})),
+                  expected)
+            << set;
+}
+
+// Turning the buttons or the timer off keeps the other way of moving between slides on; nothing
+// turns a box off. Edited setting, then buttons and autorun before and after.
+TEST(SlideshowText, EditsKeepAWayToMoveBetweenSlides) {
+    const std::tuple<const char*, QString, QString> edits[] = {
+        {"cbSsShowNavigationBtn", "00", "01"}, {"cbSsShowNavigationBtn", "10", "10"},
+        {"cbSsAutorun", "00", "10"},           {"cbSsAutorun", "01", "01"},
+        {"cbSsShowDots", "00", "00"},          {"cbSsAutorun", "11", "11"},
+    };
+    for (const auto& [edited, before, after] : edits) {
+        SettingsStore s =
+            store("cbSsShowNavigationBtn=" + before.left(1) + ", cbSsAutorun=" + before.right(1));
+        cSlideshow::settingEdited(s, edited);
+        EXPECT_EQ(s.text("cbSsShowNavigationBtn") + s.text("cbSsAutorun"), after)
+            << edited << " " << before;
     }
 }

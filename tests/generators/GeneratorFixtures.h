@@ -1,0 +1,141 @@
+#pragma once
+
+// What the generator test programs share: photos made with libvips, settings from "name=value"
+// lists, files read back, and the pieces of text that pages and stylesheets of every kind share.
+#include <gtest/gtest.h>
+
+#include <QUrl>
+
+#include "collection/PhotoCollection.h"
+#include "generators/common/GeneratorRun.h"
+#include "imaging/ImagingFixtures.h"
+#include "support/TestSupport.h"
+
+// Test messages and gtest's values show texts as they are.
+inline std::ostream& operator<<(std::ostream& os, const QString& s) {
+    return os << '"' << s.toStdString() << '"';
+}
+
+// Whole texts are compared as standard strings, so that a failure shows where they differ.
+#define EXPECT_TEXT(actual, expected) \
+    EXPECT_EQ(QString(actual).toStdString(), QString(expected).toStdString())
+
+namespace gen {
+
+using testsupport::filesUnder;
+using testsupport::freshDir;
+
+// A photo of w x h in its folder (made when missing): a gradient, so encoders have work to do.
+inline QString makePhoto(const QString& dir, const QString& name, int w, int h) {
+    QDir().mkpath(dir);
+    fixtures::save(fixtures::srgb((vips::VImage::xyz(w, h)[0] * (255.0 / w)).bandjoin({40, 200})),
+                   dir + name);
+    return dir + name;
+}
+
+// A photo stored w x h, red on the left and blue on the right, whose EXIF orientation turns it a
+// quarter clockwise for viewing: upright it is h x w, red on top.
+inline QString turnedPhoto(const QString& dir, const QString& name, int w, int h) {
+    QDir().mkpath(dir);
+    const vips::VImage x = vips::VImage::xyz(w, h)[0];
+    fixtures::save(fixtures::srgb((x < w / 2).ifthenelse(fixtures::Pixel{220, 0, 0},
+                                                         fixtures::Pixel{0, 0, 220})),
+                   dir + name);
+    testsupport::runProgram("exiftool",
+                            {"-q", "-overwrite_original", "-n", "-Orientation=6", dir + name});
+    EXPECT_EQ(testsupport::exiftool(dir + name, "Orientation"), "Rotate 90 CW");
+    return dir + name;
+}
+
+// The strongest of red, green and blue at a point of an image file: "r", "g" or "b".
+inline QString colourAt(const QString& path, int x, int y) {
+    const fixtures::Pixel p = fixtures::pixel(path, x, y);
+    return QString("rgb"[std::max_element(p.begin(), p.begin() + 3) - p.begin()]);
+}
+
+// "WxH loader" as libvips reads the file.
+inline QString header(const QString& path) {
+    const auto [w, h] = fixtures::sizeOf(path);
+    return QStringLiteral("%1x%2 ").arg(w).arg(h) + QString::fromStdString(fixtures::loader(path));
+}
+
+// Whether an image no longer says it is turned.
+inline bool upright(const QString& path) {
+    const QString orientation = testsupport::exiftool(path, "Orientation");
+    return orientation.isEmpty() || orientation == u"Horizontal (normal)";
+}
+
+// The first `count` small camera photos of Debian's mate-backgrounds.
+inline QStringList cameraPhotos(int count) {
+    QStringList photos;
+    for (const QString& jpeg : testsupport::mateBackgroundJpegs())
+        if (QFileInfo(jpeg).size() < 400000 && photos.size() < count) photos.append(jpeg);
+    EXPECT_EQ(photos.size(), count);
+    return photos;
+}
+
+// What a run's plan says before anything is written: "stops " and the title of a refusal, or a
+// "title|description" line for each warning.
+inline QString planAlerts(const SitePlan& plan) {
+    QStringList lines;
+    if (plan.refusal) lines << "stops " + plan.refusal->title;
+    for (const RunAlert& w : plan.warnings) lines << w.title + "|" + w.description;
+    return lines.join('\n');
+}
+
+inline QString readText(const QString& path) {
+    return QString::fromUtf8(testsupport::readFile(path, "<missing>"));
+}
+
+// The defaults plus "name=value" overrides separated by ", "; a later one wins.
+inline SettingsStore store(const QString& set = {}) {
+    std::vector<std::pair<QString, QString>> overrides;
+    for (const QString& s : set.split(QStringLiteral(", "), Qt::SkipEmptyParts))
+        overrides.push_back({s.section('=', 0, 0), s.section('=', 1)});
+    return testsupport::settingsWith(overrides);
+}
+
+// The photos of these paths with these descriptions, highlighted landscapes.
+inline QList<PhotoEntry> entries(const QStringList& paths, const QStringList& descriptions = {}) {
+    QList<PhotoEntry> photos;
+    for (int i = 0; i < paths.size(); ++i)
+        photos.append({QUrl::fromLocalFile(paths[i]), descriptions.value(i), "H", 1});
+    return photos;
+}
+
+// The alerts shown, one "title|description[|stops]" line each.
+inline QString alerts(const RecordingUserInterface& ui) {
+    QString text;
+    for (const auto& a : ui.alerts)
+        text += a.title + "|" + a.description + (a.stopsRun ? "|stops\n" : "\n");
+    return text;
+}
+
+// "|" stands for a line feed and "[f]" for the font line of the family "Exo 2".
+inline QString text(QString t) {
+    return t.replace('|', '\n').replace("[f]", "font-family: 'Exo 2', sans-serif;\n");
+}
+
+// The head every page of every kind starts with.
+inline const QString kPrologue =
+    R"(<!DOCTYPE html PUBLIC "-//W3C//DTD XHTML 1.0 Transitional//EN" )"
+    R"("http://www.w3.org/TR/xhtml1/DTD/xhtml1-transitional.dtd">|)"
+    R"(<html xmlns="http://www.w3.org/1999/xhtml">|<head>|)"
+    R"(<meta http-equiv="Content-Type" content="text/html; charset=UTF-8" />|)"
+    R"(<meta name="viewport" content="width=device-width, initial-scale=1.0" />|)";
+
+// The lightbox rules from its buttons to the end, the same in the gallery and the grid.
+inline const QString kLightboxButtons =
+    R"(.klOVlightbox_button {|position: absolute;|z-index: 9999;|)"
+    R"(background: no-repeat center center;|width: 32px;|height: 32px;|opacity: 0.4;|)"
+    R"(-webkit-transition: all 0.3s;|-moz-transition: all 0.3s;|-ms-transition: all 0.3s;|)"
+    R"(transition: all 0.3s;|}||.klOVlightbox_button:hover,|.klOVlightbox_button:focus {|)"
+    R"(opacity: 1;|-webkit-transform: scale(1.4);|-moz-transform: scale(1.4);|)"
+    R"(-ms-transform: scale(1.4);|transform: scale(1.4);|}||.klOVlightbox_close {|)"
+    R"(right: 10px;|top: 10px;|background-image: url("../KLovlightbox/close.png");|}||)"
+    R"(.klOVlightbox_nav {|top: 50%;|margin-top: -16px;|}||.klOVlightbox_nav_next {|)"
+    R"(right: 10px;|background-image: url("../KLovlightbox/next.png");|}||)"
+    R"(.klOVlightbox_nav_prev {|left: 10px;|)"
+    R"(background-image: url("../KLovlightbox/previous.png");|}||)";
+
+}  // namespace gen
