@@ -190,3 +190,10 @@ RunResult runSite(const std::function<SitePlan(const QList<PhotoEntry>&)>& planO
     result.ok = true;
     return result;
 }
+
+RunResult runPlanned(PlanOfRun plan, const QList<PhotoEntry>& photos, const SettingsStore& snapshot,
+                     UserInterface& ui, const RunOptions& options) {
+    return runSite(
+        [&](const QList<PhotoEntry>& readable) { return plan(snapshot, readable, options); },
+        photos, ui, options);
+}

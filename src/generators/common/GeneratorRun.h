@@ -9,6 +9,7 @@
 
 #include "generators/common/CaptionBuilder.h"
 
+class SettingsStore;
 class UserInterface;
 struct PhotoEntry;
 
@@ -98,3 +99,10 @@ struct SitePlan {
 // run record, open. A cancel writes no page. `planOf` is the kind's plan for the photos it gets.
 RunResult runSite(const std::function<SitePlan(const QList<PhotoEntry>& photos)>& planOf,
                   const QList<PhotoEntry>& photos, UserInterface& ui, const RunOptions& options);
+
+// A kind's plan of a run: what `runSite` asks, from the settings snapshot and the photos.
+using PlanOfRun = SitePlan (*)(const SettingsStore& snapshot, const QList<PhotoEntry>& photos,
+                               const RunOptions& options);
+// The run of the kind whose plan is `plan`: `runSite` with the plan of the photos it can read.
+RunResult runPlanned(PlanOfRun plan, const QList<PhotoEntry>& photos, const SettingsStore& snapshot,
+                     UserInterface& ui, const RunOptions& options);

@@ -417,24 +417,15 @@ QStringList cResponsiveDesign::hScaleImageMaxValueHTML(const QString& photoPath,
     return failures;
 }
 
-RunResult cResponsiveDesign::hCreateResponsiveHTML(const QString& destination,
-                                                   const QList<PhotoEntry>& photos,
+RunResult cResponsiveDesign::hCreateResponsiveHTML(const QList<PhotoEntry>& photos,
                                                    const SettingsStore& snapshot, UserInterface& ui,
-                                                   int threads, bool openFirstPage) {
-    return run(photos, snapshot, ui, RunOptions{destination, threads, openFirstPage});
-}
-
-RunResult cResponsiveDesign::run(const QList<PhotoEntry>& photos, const SettingsStore& snapshot,
-                                 UserInterface& ui, const RunOptions& options) {
-    return runSite(
-        [&](const QList<PhotoEntry>& readable) {
-            return plan(snapshot, readable, options.destination);
-        },
-        photos, ui, options);
+                                                   const RunOptions& options) {
+    return runPlanned(&plan, photos, snapshot, ui, options);
 }
 
 SitePlan cResponsiveDesign::plan(const SettingsStore& snapshot, const QList<PhotoEntry>& photos,
-                                 const QString& destination) {
+                                 const RunOptions& options) {
+    const QString& destination = options.destination;
     SettingsStore s = snapshot;
     hPhotoRatioCalc(s);
     const GallerySettings g = readSettings(s, destination);

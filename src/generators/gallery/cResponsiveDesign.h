@@ -62,17 +62,13 @@ class cResponsiveDesign {
 
     // A run of these settings (after hPhotoRatioCalc) and photos, as the run driver walks it.
     static SitePlan plan(const SettingsStore& snapshot, const QList<PhotoEntry>& photos,
-                         const QString& destination);
+                         const RunOptions& options);
 
     // The run, in stages: snapshot, page texts, output folder, images (on every core), pages,
     // open.
-    static RunResult run(const QList<PhotoEntry>& photos, const SettingsStore& snapshot,
-                         UserInterface& ui, const RunOptions& options);
-    // The run into `destination` (a folder path ending in "/").
-    static RunResult hCreateResponsiveHTML(const QString& destination,
-                                           const QList<PhotoEntry>& photos,
+    static RunResult hCreateResponsiveHTML(const QList<PhotoEntry>& photos,
                                            const SettingsStore& snapshot, UserInterface& ui,
-                                           int threads = 0, bool openFirstPage = false);
+                                           const RunOptions& options);
 
     // Keeps tfSmallCropHeight in step with tfSmallCropWidth by the ratio of pubPhotoRatio.
     static void hPhotoRatioCalc(SettingsStore& settings);

@@ -181,24 +181,15 @@ QStringList cResponsiveGrid::hMakeGridImage(const QString& photoPath, const QStr
     return {};
 }
 
-RunResult cResponsiveGrid::hCreateResponsiveGrid(const QString& destination,
-                                                 const QList<PhotoEntry>& photos,
+RunResult cResponsiveGrid::hCreateResponsiveGrid(const QList<PhotoEntry>& photos,
                                                  const SettingsStore& snapshot, UserInterface& ui,
-                                                 int threads, bool openPage) {
-    return run(photos, snapshot, ui, RunOptions{destination, threads, openPage});
-}
-
-RunResult cResponsiveGrid::run(const QList<PhotoEntry>& photos, const SettingsStore& snapshot,
-                               UserInterface& ui, const RunOptions& options) {
-    return runSite(
-        [&](const QList<PhotoEntry>& readable) {
-            return plan(snapshot, readable, options.destination);
-        },
-        photos, ui, options);
+                                                 const RunOptions& options) {
+    return runPlanned(&plan, photos, snapshot, ui, options);
 }
 
 SitePlan cResponsiveGrid::plan(const SettingsStore& snapshot, const QList<PhotoEntry>& photos,
-                               const QString& destination) {
+                               const RunOptions& options) {
+    const QString& destination = options.destination;
     const GridSettings g = readSettings(snapshot, destination);
     SitePlan plan{
         .kind = QStringLiteral("grid"),

@@ -38,17 +38,13 @@ class cResponsiveGrid {
 
     // A run of these settings and photos, as the run driver walks it.
     static SitePlan plan(const SettingsStore& snapshot, const QList<PhotoEntry>& photos,
-                         const QString& destination);
+                         const RunOptions& options);
 
     // The run, in stages: snapshot, refusals, captions and page texts, output folder, images (on
     // every core), stylesheet and page, open.
-    static RunResult run(const QList<PhotoEntry>& photos, const SettingsStore& snapshot,
-                         UserInterface& ui, const RunOptions& options);
-    // The run into `destination` (a folder path ending in "/").
-    static RunResult hCreateResponsiveGrid(const QString& destination,
-                                           const QList<PhotoEntry>& photos,
+    static RunResult hCreateResponsiveGrid(const QList<PhotoEntry>& photos,
                                            const SettingsStore& snapshot, UserInterface& ui,
-                                           int threads = 0, bool openPage = false);
+                                           const RunOptions& options);
 
     // Appends the selected caption item of pubRgMetaData to tfRgMetaDataToShow; clears it.
     static void hRgAddMetaDataValue(SettingsStore& settings);

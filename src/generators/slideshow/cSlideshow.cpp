@@ -280,19 +280,12 @@ QStringList cSlideshow::hMakeSlide(const QString& photoPath, const QString& boxW
     return {};
 }
 
-RunResult cSlideshow::run(const QList<PhotoEntry>& photos, const SettingsStore& snapshot,
-                          UserInterface& ui, const RunOptions& options) {
-    return hCreateSlideShow(photos, snapshot, ui, options);
-}
-
 RunResult cSlideshow::hCreateSlideShow(const QList<PhotoEntry>& photos,
                                        const SettingsStore& snapshot, UserInterface& ui,
                                        const RunOptions& options) {
     const int index = snapshot.index("pubSsTemplateChoice");
     if (index < 0 || index > 2) return {};
-    return runSite(
-        [&](const QList<PhotoEntry>& readable) { return plan(snapshot, readable, options); },
-        photos, ui, options);
+    return runPlanned(&plan, photos, snapshot, ui, options);
 }
 
 SitePlan cSlideshow::plan(const SettingsStore& snapshot, const QList<PhotoEntry>& photos,

@@ -55,8 +55,6 @@ class cSlideshow {
 
     // The run of the page kind chosen by pubSsTemplateChoice: 0 and 1 the classic page, 2 the
     // slider; any other index writes nothing (and is not ok).
-    static RunResult run(const QList<PhotoEntry>& photos, const SettingsStore& snapshot,
-                         UserInterface& ui, const RunOptions& options);
     static RunResult hCreateSlideShow(const QList<PhotoEntry>& photos,
                                       const SettingsStore& snapshot, UserInterface& ui,
                                       const RunOptions& options);

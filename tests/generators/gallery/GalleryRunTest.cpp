@@ -38,7 +38,7 @@ QMap<QString, RunManifest::FileState> identities(const QString& dir) {
 
 RunResult runGallery(const QString& dest, const QStringList& photos, const QString& set,
                      RecordingUserInterface& ui, bool rebuild = false) {
-    return cResponsiveDesign::run(
+    return cResponsiveDesign::hCreateResponsiveHTML(
         entries(photos.mid(0, 3)),
         store("tfSmallCropWidth=40, pubPhotoRatio=0, tfSmallCropHeight=30, tfBigCropWidth=120, "
               "tfBigCropHeight=0, ifNumberOfColumns=2, ifNumberOfRows=1, " +
@@ -70,7 +70,8 @@ TEST(GalleryRun, FilesOfARun) {
               "cbTbRdShowPatternImage=1, tfTbRdPatternPath=" +
               makePhoto(src, "dots.png", 8, 8));
     RecordingUserInterface ui;
-    const RunResult result = cResponsiveDesign::run(photos, settings, ui, {dir, 2, true});
+    const RunResult result =
+        cResponsiveDesign::hCreateResponsiveHTML(photos, settings, ui, {dir, 2, true});
     ASSERT_TRUE(result.ok && result.failures.isEmpty() && ui.alerts.empty());
     EXPECT_EQ(ui.opened, QStringList{"file:///" + dir + "myIndex.html"});
     const QString page = readText(dir + "myIndex.html");
@@ -89,7 +90,7 @@ TEST(GalleryRun, FilesOfARun) {
         testsupport::writeFile(dir + name, "kept");
     }
     QFile::remove(dir + "index.html");
-    ASSERT_TRUE(cResponsiveDesign::run(photos, settings, ui, {dir, 1}).ok);
+    ASSERT_TRUE(cResponsiveDesign::hCreateResponsiveHTML(photos, settings, ui, {dir, 1}).ok);
     for (const QString& name : kept) EXPECT_EQ(readText(dir + name), "kept") << name;
     EXPECT_TRUE(QFile::exists(dir + "index.html"));
 }

@@ -344,7 +344,7 @@ TEST(GalleryPages, RefusalsAndWarnings) {
     };
     for (const auto& [set, photos, alerts] : cases)
         EXPECT_EQ(planAlerts(cResponsiveDesign::plan(
-                      store(set), entries(QStringList(photos, "/p/a.png")), "/out/")),
+                      store(set), entries(QStringList(photos, "/p/a.png")), {"/out/"})),
                   alerts)
             << set;
 }

@@ -205,7 +205,7 @@ TEST(GridText, WholePages) {
 // folder, stop the run before anything is written.
 TEST(GridText, Refusals) {
     const auto alerts = [](const QString& set) {
-        return planAlerts(cResponsiveGrid::plan(store(set), entries({"/p/a.png"}), "/out/"));
+        return planAlerts(cResponsiveGrid::plan(store(set), entries({"/p/a.png"}), {"/out/"}));
     };
     for (const char* columns : {"4", " 1 ", "+2", "1200"})
         EXPECT_EQ(alerts(QString("tfRGMaxColumns=") + columns), "") << columns;
@@ -254,7 +254,7 @@ TEST(GridRun, FilesCellsAndImages) {
     collection.setSelect(3, false);
     collection.setDescription(0, "<i>");
     RecordingUserInterface ui;
-    const RunResult result = cResponsiveGrid::run(
+    const RunResult result = cResponsiveGrid::hCreateResponsiveGrid(
         collection.hGetPhotosFromArrayController(),
         store("cbRgShowMetaData=1, tfRgMetaDataToShow=Show Filename;EXIF User Comment, "
               "tfRgMetaDataValueSep= / "),

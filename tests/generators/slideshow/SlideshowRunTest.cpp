@@ -32,7 +32,7 @@ TEST(SlideshowRun, SlidesCaptionsAndFiles) {
         turnedPhoto(src, "turned.jpg", 60, 40), makePhoto(src, "50% off #1.png", 60, 40)};
     const QString pattern = makePhoto(src, "dots.png", 8, 8);
     RecordingUserInterface ui;
-    const RunResult result = cSlideshow::run(
+    const RunResult result = cSlideshow::hCreateSlideShow(
         entries(photos, {"Hi <3"}),
         store("tfSsImageWidth=800, tfSsImageHeight=600, tfSsPageName=show, cbSsExifUC=1, "
               "tfSsMetaDataToShow=Show Filename;IPTC City;EXIF User Comment, "
@@ -80,15 +80,16 @@ TEST(SlideshowRun, CarriedCaptionWeightAndOtherTemplates) {
     const QString photo = makePhoto(freshDir("slideshow-carried-src"), "a.png", 40, 30);
     const QString first = freshDir("slideshow-carried-1"), second = freshDir("slideshow-carried-2");
     RecordingUserInterface ui;
-    const RunResult result =
-        cSlideshow::run(entries({photo}), store("pubSsFileNameWeight=Medium"), ui, {first});
+    const RunResult result = cSlideshow::hCreateSlideShow(
+        entries({photo}), store("pubSsFileNameWeight=Medium"), ui, {first});
     ASSERT_TRUE(result.ok && ui.alerts.empty());
-    EXPECT_TRUE(cSlideshow::run(entries({photo}, {"Hi"}),
-                                store("pubSsFileNameWeight=Light, cbSsExifUC=0, "
-                                      "tfSsMetaDataToShow=EXIF User Comment, cbSsAutorun=0, "
-                                      "cbSsShowNavigationBtn=0, cbSsShowDots=0"),
-                                ui, {.destination = second, .carried = result.carried})
-                    .ok);
+    EXPECT_TRUE(
+        cSlideshow::hCreateSlideShow(entries({photo}, {"Hi"}),
+                                     store("pubSsFileNameWeight=Light, cbSsExifUC=0, "
+                                           "tfSsMetaDataToShow=EXIF User Comment, cbSsAutorun=0, "
+                                           "cbSsShowNavigationBtn=0, cbSsShowDots=0"),
+                                     ui, {.destination = second, .carried = result.carried})
+            .ok);
     EXPECT_TRUE(alerts(ui).startsWith("The slides do not change by themselves|") &&
                 ui.alerts.size() == 1 && !ui.alerts[0].stopsRun);
     const QString css = readText(second + "KLSlideShowcss/klovlSlideshow.css");
@@ -100,6 +101,6 @@ TEST(SlideshowRun, CarriedCaptionWeightAndOtherTemplates) {
     SettingsStore odd = store();
     odd.setText("pubSsTemplateChoice", "3");
     RecordingUserInterface quiet;
-    EXPECT_FALSE(cSlideshow::run(entries({photo}), odd, quiet, {dir, 1, true}).ok);
+    EXPECT_FALSE(cSlideshow::hCreateSlideShow(entries({photo}), odd, quiet, {dir, 1, true}).ok);
     EXPECT_TRUE(QDir(dir).isEmpty() && quiet.alerts.empty() && quiet.starts == 0);
 }
