@@ -155,7 +155,8 @@ TEST(Faults, FullDiskMessagesAreEachTheirOwn) {
     if (mounted) testsupport::runProgram("umount", {out});
 }
 
-// SIGTERM and SIGINT at several points of a run: the run stops after the files being written,
+// SIGTERM and SIGINT at several points of a run (counted from when it holds its folder): the run
+// stops after the files being written,
 // leaves no temporary file, writes no page once stopped, and says so with 143 or 130; a signal
 // after the last photo stops nothing.
 TEST(Faults, SignalsStopARunCleanly) {
@@ -163,11 +164,13 @@ TEST(Faults, SignalsStopARunCleanly) {
     const QString photo = goodPhotos(src).first();
     for (int i = 0; i < 40; ++i) QFile::link(photo, src + QStringLiteral("p%1.jpg").arg(i));
     for (const auto& [signal, afterMs] :
-         std::vector<std::pair<int, int>>{{SIGTERM, 300}, {SIGINT, 1200}, {SIGTERM, 2500}}) {
+         std::vector<std::pair<int, int>>{{SIGTERM, 0}, {SIGINT, 500}, {SIGTERM, 2000}}) {
         const QString out = freshDir(QStringLiteral("faults-signal-%1").arg(afterMs));
         QProcess run;
         run.start(ORVELLA_BINARY, {"generate", "grid", "--out", out, src});
         ASSERT_TRUE(run.waitForStarted());
+        while (!QFile::exists(out + ".orvella-lock") && run.state() == QProcess::Running)
+            QThread::msleep(5);
         QThread::msleep(afterMs);
         ::kill(pid_t(run.processId()), signal);
         ASSERT_TRUE(run.waitForFinished(120000));

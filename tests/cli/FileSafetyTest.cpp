@@ -82,7 +82,7 @@ TEST(FileSafety, LeftoversOfAKilledRunAreRemoved) {
 }
 
 // A file where an image folder goes, or a folder where an image goes: those images fail and are
-// named, the rest is written, the exit code says so, and the user's file or folder stays.
+// named, the exit code says so, the user's file or folder stays, and no page links the photo.
 TEST(FileSafety, UnwritableImagesGiveNamedFailures) {
     const QString photo = testsupport::makePhoto(freshDir("safety-blocked-src") + "a.png");
     for (const auto& [kind, blocker, page] :
@@ -98,10 +98,10 @@ TEST(FileSafety, UnwritableImagesGiveNamedFailures) {
         else
             testsupport::writeFile(out + blocker, "mine");
         QString err;
-        orvellaOut(1, {"generate", kind, "--out", out, photo}, &err);
+        EXPECT_EQ(orvellaOut(1, {"generate", kind, "--out", out, photo}, &err), "");
         EXPECT_TRUE(err.contains("orvella generate: " + out + QString(blocker).chopped(folder)))
             << qPrintable(err);
-        EXPECT_TRUE(QFile::exists(out + page));
+        EXPECT_FALSE(QFile::exists(out + page));
         EXPECT_TRUE(folder ? QFileInfo(out + blocker).isDir()
                            : testsupport::readFile(out + blocker) == "mine");
     }

@@ -62,6 +62,11 @@ RunResult runSite(const std::function<SitePlan(const QList<PhotoEntry>&)>& planO
     RunResult result;
     ui.progressStart();
     ui.progressStep(0.2);
+    // A run its settings refuse reads no photo.
+    if (const SitePlan asked = planOf(requested); asked.refusal) {
+        result.carried = asked.carried;
+        return refused(ui, *asked.refusal, result);
+    }
 
     // Photos whose header shows that no image can be made of them are left out before anything
     // is planned; the headers are read on every core.
@@ -175,8 +180,10 @@ RunResult runSite(const std::function<SitePlan(const QList<PhotoEntry>&)>& planO
     // Pages, unless a cancel left images out that they would link; a photo whose images could not
     // be made is left out of them, as if it had not been published.
     if (!result.cancelled) {
-        if (std::find(made.begin(), made.end(), 0) != made.end())
-            pages = pagesOf(plan, kept(photos, made));
+        if (std::find(made.begin(), made.end(), 0) != made.end()) {
+            const QList<PhotoEntry> shown = kept(photos, made);
+            pages = shown.isEmpty() ? QList<PageFile>() : pagesOf(plan, shown);
+        }
         ui.progressStep(0.2);
         for (const PageFile& page : pages) out.writeText(page.path, page.text, page.pageIcon);
         if (out.writtenFiles().contains(plan.firstPage))
