@@ -88,7 +88,7 @@ int run(const QString& verb, const QStringList& args, Io& io) {
             const QString result =
                 images.resizeImage(file, TextValues::intValue(parsed.positional[1]),
                                    TextValues::intValue(parsed.positional[0]), folder);
-            if (result != u"OK") problem = result;
+            if (result != u"OK") problem = images.lastError.isEmpty() ? result : images.lastError;
         } else if (!KLColorConversions::writesFileNamed(file)) {
             io.out << "skipped: " << file << " (copies are written only for tif, tiff, jpg, jpeg"
                    << " and lower-case png)\n";
@@ -99,7 +99,13 @@ int run(const QString& verb, const QStringList& args, Io& io) {
             else
                 colours.enhanceColorTo(file, folder, parsed.positional[0],
                                        TextValues::floatValue(parsed.positional[1]));
-            if (!colours.lastWritten) problem = QStringLiteral("not readable or unknown code");
+            if (!colours.lastWritten) {
+                int width = 0;
+                int height = 0;
+                problem = PhotoDecoder::uprightSize(file, &width, &height, &problem)
+                              ? QStringLiteral("not written")
+                              : problem;
+            }
         }
         if (problem.isEmpty()) {
             io.out << "OK  " << file << " -> " << output << "\n";

@@ -2,6 +2,7 @@
 
 #include "cli/Cli.h"
 #include "generators/OutputKinds.h"
+#include "imaging/KLImageHandling.h"
 #include "imaging/KLWatermark.h"
 #include "presets/SettingsStore.h"
 #include "presets/WatermarkControls.h"
@@ -73,7 +74,13 @@ int stampFiles(const QStringList& args, Io& io) {
                                                : watermark.setWatermarkImage(file, folder);
         io.out << file << ": " << status << "\n";
         io.out.flush();
-        if (status != u"OK") ++failures;
+        if (status == u"OK") continue;
+        ++failures;
+        int width = 0;
+        int height = 0;
+        QString reason;
+        if (!PhotoDecoder::uprightSize(file, &width, &height, &reason))
+            io.err << "orvella watermark: " << file << ": " << reason << "\n";
     }
     return failures == 0 ? int(kOk) : int(kFailed);
 }
