@@ -8,10 +8,6 @@
 using namespace metafixtures;
 using testsupport::exiftool;
 
-static QStringList filesIn(const QString& dir) {
-    return QDir(dir).entryList(QDir::Files | QDir::Hidden | QDir::System, QDir::Name);
-}
-
 // What a batch reports, one line an event.
 static cEditMetaData::Progress recorder(QStringList* events) {
     cEditMetaData::Progress p;
@@ -50,7 +46,8 @@ TEST(BatchEditor, LogsOnlySuccessesAndLeavesTheBarShort) {
     EXPECT_EQ(exiftool(files[0], "UserComment") + exiftool(files[2], "UserComment"),
               "Harbour at dawnHarbour at dawn");
     EXPECT_EQ(bytes(files[1]), locked);
-    EXPECT_EQ(filesIn(dir), (QStringList{"one.jpg", "three.tif", "two.jpg"}));
+    EXPECT_EQ(testsupport::contentsUnder(dir).keys(),
+              (QStringList{"one.jpg", "three.tif", "two.jpg"}));
 
     events.clear();  // a cancelled dialog: an empty batch, started and ended at once
     editor.btEMDchooseFile({}, "x", recorder(&events));
@@ -107,6 +104,6 @@ TEST(ExifCompletion, FillsEveryKeyStampsTheCommentAndGammaAndKeepsTheInput) {
     EXPECT_EQ(xif.writeXif(dated, dir + "../xif/dated.jpg"), "Failed");
     writeBytes(dir + "notes.jpg", "plain words");
     EXPECT_EQ(xif.writeXif(dir + "notes.jpg", out + "notes.jpg"), "Failed");
-    EXPECT_EQ(filesIn(out), (QStringList{"bare.jpg", "dated.jpg"}));
+    EXPECT_EQ(testsupport::contentsUnder(out).keys(), (QStringList{"bare.jpg", "dated.jpg"}));
     EXPECT_EQ(exiftool(dated, "UserComment"), "Old");
 }

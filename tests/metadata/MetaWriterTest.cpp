@@ -9,11 +9,6 @@
 
 using namespace metafixtures;
 
-// Every file of the folder: a write must leave no temporary file behind.
-static QStringList filesIn(const QString& dir) {
-    return QDir(dir).entryList(QDir::Files | QDir::Hidden | QDir::System, QDir::Name);
-}
-
 // Photos without EXIF, a PNG named .jpg among them: the block is created, the format kept.
 TEST(MetaWriter, CreatesTheExifBlockWhenMissing) {
     const QString dir = testsupport::freshDir("meta/write-new");
@@ -31,7 +26,8 @@ TEST(MetaWriter, CreatesTheExifBlockWhenMissing) {
         EXPECT_EQ(tags(file, "UserComment FileType ImageSize"),
                   "Written by Orvella|" + std::string(type) + "|48x32");
     }
-    EXPECT_EQ(filesIn(dir), (QStringList{"a.jpg", "b.png", "c.tif", "png-named.jpg"}));
+    EXPECT_EQ(testsupport::contentsUnder(dir).keys(),
+              (QStringList{"a.jpg", "b.png", "c.tif", "png-named.jpg"}));
 }
 
 // The comment is replaced (blanks only: none) and everything else kept. Written through a link:
@@ -55,7 +51,7 @@ TEST(MetaWriter, ReplacesTheCommentAndKeepsEverythingElse) {
     EXPECT_TRUE(QFileInfo(link).isSymLink());
     EXPECT_EQ(tags(file, "UserComment"), "Via the link");
     EXPECT_FALSE(QFile::permissions(file) & QFile::ReadOther);
-    EXPECT_EQ(filesIn(dir), (QStringList{"link.jpg", "photo.jpg"}));
+    EXPECT_EQ(testsupport::contentsUnder(dir).keys(), (QStringList{"link.jpg", "photo.jpg"}));
 }
 
 // Bad files read empty and are never written. Cut inside its image data, a photo's header still
@@ -91,5 +87,5 @@ TEST(MetaWriter, BadFilesReadEmptyAndAreNeverWritten) {
     EXPECT_EQ(mMeta().hGetPixelFormat(dir + "half.jpg"), (QStringList{"400", "300"}));
     EXPECT_EQ(mMeta().hSetExifData(dir + "half.jpg", "Never"), "Failed");
     EXPECT_EQ(bytes(dir + "half.jpg"), half);
-    EXPECT_EQ(filesIn(dir).size(), 5);
+    EXPECT_EQ(testsupport::contentsUnder(dir).keys().size(), 5);
 }

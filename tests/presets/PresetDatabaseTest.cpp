@@ -61,29 +61,6 @@ TEST(PresetDatabase, FirstStartCreatesTheSchemaAndTwoRows) {
     EXPECT_EQ(countRows(db, "AppResource") + countRows(db, "AppBookmarks"), 2);
 }
 
-// Numeric texts in the Integer columns come back in SQLite's canonical form; text stays.
-TEST(PresetDatabase, IntegerColumnsGiveCanonicalText) {
-    const QString db = freshDir("presets-affinity") + "p.sql";
-    ASSERT_TRUE(dbViewController(db).linkToPresetsDB());
-    QStringList fields(102, QString());
-    fields[0] = "canon";
-    fields[1] = "HTML1";
-    const std::vector<std::tuple<int, QString, QString>> cases = {
-        {21, "2.0", "2"}, {22, "007", "7"},   {23, "12.5", "12.5"}, {24, "abc", "abc"},
-        {41, "-3", "-3"}, {20, "007", "007"}, {42, "2.0", "2.0"}};
-    for (const auto& [field, value, stored] : cases) fields[field] = value;
-    dbViewController writer(db);
-    ASSERT_TRUE(writer.insertSortingPresetToDB01(fields)) << writer.fault().text().toStdString();
-    const auto row = sqliteRows(db, "SELECT * FROM Presets").value(0);
-    const QStringList read =
-        dbViewController(db).checkForActionType("Presets", "Process", "HTML1").value(0).split('|');
-    ASSERT_EQ(read.size(), 102);
-    for (const auto& [field, value, stored] : cases) {
-        EXPECT_EQ(row[column(field)], stored) << field;
-        EXPECT_EQ(read[field], stored) << field;
-    }
-}
-
 // Neither a name nor a value becomes SQL: a single quote is refused before the database is
 // reached (as it always was), other texts are stored as they are, and the tables stay.
 TEST(PresetDatabase, QuotesAreRefusedAndInjectionsStayText) {

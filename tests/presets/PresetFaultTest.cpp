@@ -1,8 +1,6 @@
 // Presets databases damaged for real, through the manager and the command line, and stored rows
 // that cannot be read.
 #include <QDate>
-#include <QImage>
-#include <QProcess>
 #include <iostream>
 
 #include "presets/PresetFixtures.h"
@@ -15,10 +13,8 @@ namespace {
 
 // orvella with its own data folder: its presets database is DIR/data/KeldraCom/klOrvella3.sql.
 int orvellaIn(const QString& dir, const QStringList& args, QString* out, QString* err = nullptr) {
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert("XDG_DATA_HOME", dir + "data");
-    env.insert("XDG_CONFIG_HOME", dir + "config");
-    return testsupport::runProgram(ORVELLA_BINARY, args, out, err, 180000, &env);
+    const QProcessEnvironment env = testsupport::homeIn(dir);
+    return testsupport::orvella(args, out, err, &env);
 }
 
 }  // namespace
@@ -122,9 +118,7 @@ TEST(PresetFaults, DamagedRowsAreListedAndTheOthersWork) {
         EXPECT_EQ(printed + told, out + err) << args.join(' ').toStdString();
     }
     const QString photos = dir + "photos/";
-    QImage photo(60, 40, QImage::Format_RGB32);
-    photo.fill(Qt::darkCyan);
-    ASSERT_TRUE(QDir().mkpath(photos) && photo.save(photos + "a.png"));
+    testsupport::makePhoto(photos + "a.png");
     QString out, err;
     ASSERT_EQ(orvellaIn(dir,
                         {"generate", "gallery", "--out", dir + "site", "--preset", "New", "--set",

@@ -4,12 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
-#include <QDirIterator>
 #include <QJsonDocument>
 #include <QJsonObject>
 
 #include "collection/PhotoCollection.h"
-#include "generators/OutputKinds.h"
 #include "metadata/MetaFixtures.h"
 #include "projects/ProjectFile.h"
 #include "services/KLbookmarks.h"
@@ -31,17 +29,6 @@ QJsonObject plistlib(const QString& file) {
     QString out, err;
     EXPECT_EQ(runProgram("python3", {"-c", script, file}, &out, &err), 0) << err.toStdString();
     return QJsonDocument::fromJson(out.toUtf8()).object();
-}
-
-// Every file under a folder (hidden ones too), relative path to contents.
-QMap<QString, QByteArray> tree(const QString& dir) {
-    QMap<QString, QByteArray> files;
-    for (QDirIterator it(dir, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
-         it.hasNext();) {
-        const QString path = it.next();
-        files.insert(path.mid(dir.size()), readFile(path));
-    }
-    return files;
 }
 
 // Three photos: b unpublished, c highlighted; a and b with an EXIF user comment.
@@ -68,10 +55,6 @@ QString line(const QJsonObject& e) {
     for (const char* key : {"name", "exif", "publish", "highlight", "pixels", "orientation"})
         values << e[key].toString();
     return e.size() == 6 ? values.join('|') : "not 6 keys";
-}
-
-SettingsStore defaults() {
-    return SettingsStore(OutputKinds::registry());
 }
 
 }  // namespace
@@ -115,7 +98,7 @@ TEST(ProjectFile, ThreePhotosWrittenAsTheTablesSayAndOpenedAgain) {
     }
     EXPECT_EQ(opened.dictionary.value("loadStatus"), "Succeeded to load photo(s)");
     EXPECT_EQ(std::tuple(ui.starts, ui.stops, ui.steps), std::tuple(1, 1, std::vector(3, 33.0)));
-    SettingsStore loaded = defaults();
+    SettingsStore loaded = settingsWith();
     ProjectFile::loadSettings(opened, loaded);
     EXPECT_EQ(loaded.text("tfPageTitle") + loaded.text("tfNumberOfColumns"), "Harbour & hills5");
 
@@ -128,7 +111,7 @@ TEST(ProjectFile, ThreePhotosWrittenAsTheTablesSayAndOpenedAgain) {
         ProjectFile::save(folder, "Summer", changed, settings, ProjectFile::layoutForTab(0)).ok);
     EXPECT_EQ(readFile(folder + "/photos/a.jpg"), firstCopy);
     EXPECT_EQ(plistlib(saved.projectFile)["1"].toObject()["exif"].toString(), "Harbour at dusk");
-    EXPECT_EQ(tree(folder + "/").keys(),  // no temporary file left
+    EXPECT_EQ(contentsUnder(folder + "/").keys(),  // no temporary file left
               QStringList({"Summer.orvprj", "photos/a.jpg", "photos/b.jpg", "photos/c.png"}));
 }
 
@@ -143,7 +126,7 @@ TEST(ProjectFile, KindOfTheSelectedTabChoosesTheLoader) {
     for (const auto& [tab, word, kind] : cases) {
         const QString folder = dir + QString::number(tab);
         const auto saved =
-            ProjectFile::save(folder, "P", {}, defaults(), ProjectFile::layoutForTab(tab));
+            ProjectFile::save(folder, "P", {}, settingsWith(), ProjectFile::layoutForTab(tab));
         ASSERT_TRUE(saved.ok) << saved.error.toStdString();
         EXPECT_EQ(plistlib(saved.projectFile)["mySqlVal2"].toString(), word);
         const auto opened = ProjectFile::open(folder, saved.projectFile);
@@ -163,7 +146,7 @@ TEST(ProjectFile, NameRules) {
         EXPECT_EQ(ProjectFile::projectName(typed, page), name) << qPrintable(typed);
 
     const QString dir = freshDir("projects-names");
-    const SettingsStore settings = defaults();
+    const SettingsStore settings = settingsWith();
     const QString untouched = ProjectFile::projectName(ProjectFile::kInitialNameText, settings);
     ASSERT_TRUE(
         ProjectFile::save(dir + "f", untouched, {}, settings, ProjectFile::layoutForTab(0)).ok);
@@ -192,7 +175,7 @@ TEST(ProjectFile, CopiesThatCannotBeMadeAreReported) {
     records.append(more.arrangedObjects());
     QFile::remove(dir + "b.jpg");
     const auto saved =
-        ProjectFile::save(dir + "p", "P", records, defaults(), ProjectFile::layoutForTab(0));
+        ProjectFile::save(dir + "p", "P", records, settingsWith(), ProjectFile::layoutForTab(0));
     ASSERT_TRUE(saved.ok);
     ASSERT_EQ(saved.warnings.size(), 2) << saved.warnings.join('\n').toStdString();
     EXPECT_TRUE(saved.warnings[0].startsWith(dir + "b.jpg: not copied"));
@@ -244,7 +227,7 @@ TEST(ProjectFile, HostileAndDamagedProjects) {
     const QString dir = freshDir("projects-hostile"), folder = dir + "project/";
     QDir().mkpath(folder + "photos");
     tag(makeImage(dir + "secret.jpg"), {"-UserComment=outside"});
-    const auto before = tree(dir);
+    const auto before = contentsUnder(dir);
     auto withName = [](const QByteArray& name) {
         return "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>count</key>"
                "<string>2</string><key>1</key><dict><key>name</key><string>ok.jpg</string></dict>"
@@ -273,10 +256,10 @@ TEST(ProjectFile, HostileAndDamagedProjects) {
         EXPECT_TRUE(opened.records.isEmpty() && opened.dictionary.isEmpty());
         EXPECT_TRUE(opened.message.startsWith(file) && opened.message.contains(reason))
             << opened.message.toStdString();
-        SettingsStore settings = defaults();
+        SettingsStore settings = settingsWith();
         ProjectFile::loadSettings(opened, settings);
-        EXPECT_EQ(settings.text("tfSsWebPageTitle"), defaults().text("tfSsWebPageTitle"));
+        EXPECT_EQ(settings.text("tfSsWebPageTitle"), settingsWith().text("tfSsWebPageTitle"));
     }
     QFile::remove(folder + "p.orvprj");
-    EXPECT_EQ(tree(dir), before);
+    EXPECT_EQ(contentsUnder(dir), before);
 }
