@@ -35,6 +35,7 @@
 #include "generators/common/CaptionBuilder.h"
 #include "imaging/CellImage.h"
 #include "presets/dbViewController.h"
+#include "services/PhotoFileTypes.h"
 
 namespace {
 constexpr int kCellSize = 150;
@@ -252,9 +253,9 @@ QWidget* MainWindow::makeKindTab(const OutputKind& kind) {
 }
 
 void MainWindow::choosePhotos() {
-    const QStringList files = QFileDialog::getOpenFileNames(
-        this, tr("*** Choose your photos ***"), QString(),
-        tr("Photos (*.png *.jpg *.jpeg *.tif *.tiff *.PNG *.JPG *.JPEG *.TIF *.TIFF)"));
+    const QStringList files =
+        QFileDialog::getOpenFileNames(this, tr("*** Choose your photos ***"), QString(),
+                                      tr("Photos (%1)").arg(PhotoFileTypes::dialogPatterns()));
     addPhotos(files);
 }
 

@@ -8,6 +8,7 @@
 #include "imaging/KLImageHandling.h"
 #include "metadata/mMeta.h"
 #include "services/Log.h"
+#include "services/PhotoFileTypes.h"
 #include "services/UserInterface.h"
 
 namespace {
@@ -60,8 +61,7 @@ QString unreadableReason(const QString& path) {
 PhotoCollection::PhotoCollection(QObject* parent) : QAbstractListModel(parent) {}
 
 bool PhotoCollection::isPhotoFileName(const QString& fileName) {
-    static const QStringList extensions = {"png", "jpg", "jpeg", "tif", "tiff"};
-    return extensions.contains(QFileInfo(fileName).suffix(), Qt::CaseInsensitive);
+    return PhotoFileTypes::isPhotoFileName(fileName);
 }
 
 QStringList PhotoCollection::photoFilesInFolder(const QString& folder) {
