@@ -14,7 +14,7 @@ PREFIX ?= /usr/local
 
 DEB_PACKAGES := cmake g++ ninja-build pkg-config qt6-base-dev libvips-dev libvips-tools \
 	libfontconfig-dev fonts-dejavu-core \
-	libexiv2-dev libsqlite3-dev sqlite3 libgtest-dev libimage-exiftool-perl mate-backgrounds \
+	libexiv2-dev libheif-dev libsqlite3-dev sqlite3 libgtest-dev libimage-exiftool-perl mate-backgrounds \
 	chromium time python3 desktop-file-utils man-db groff-base dpkg-dev file shared-mime-info
 
 .PHONY: all test demo bench deps npm-deps build-test build-release clean format install uninstall \
