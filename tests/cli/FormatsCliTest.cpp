@@ -1,107 +1,96 @@
-// Photos of phones and the web (HEIF, AVIF, WebP, JPEG XL) through every kind, the image tools,
-// projects and the metadata commands. Each image made of one is compared with the image made of
-// its JPEG reference: same size (upright), same look in a colour-managed browser.
+// Photos of phones and the web through every kind, the image tools, a project and the metadata
+// commands: their images upright, the right size, with their captions and colours.
 #include <gtest/gtest.h>
 
-#include <QDir>
 #include <QFileInfo>
 
 #include "support/FormatFixtures.h"
 #include "support/TestSupport.h"
 
+using namespace formatfixtures;
 using testsupport::exiftool;
 using testsupport::orvella;
-using testsupport::readFile;
 
 namespace {
 
-QStringList photos(const QString& dir) {
-    QStringList files;
-    for (const QString& name :
-         QDir(dir).entryList({"*.heic", "*.avif", "*.webp", "*.jxl", "*.jpg"}))
-        files.append(dir + name);
-    return files;
-}
-
-// The image made of `photo` in `folder`: a JPEG named from the base name; the tools keep the name
-// of a JPEG.
-QString madeOf(const QString& folder, const QString& photo, bool tool) {
-    const QFileInfo info(photo);
-    return folder +
-           (tool && info.suffix() == u"jpg" ? info.fileName() : info.completeBaseName() + ".jpeg");
-}
-
-// The image of `photo` against that of its reference: lossy copies within 4 of 255, the Display
-// P3 photos within 2.
-void expectLikeReference(const QString& folder, const QString& photo, bool tool = false) {
-    const QString base = QFileInfo(photo).completeBaseName();
-    const QString made = madeOf(folder, photo, tool);
-    const QString reference = madeOf(folder, formatfixtures::referenceOf(base) + ".jpg", tool);
+// The image of `photo` in `folder` against `reference`, of the same size or of `size`: lossy
+// copies within 4 of 255, the Display P3 photos within 2.
+void expectLike(const QString& photo, const QString& folder, const QString& reference,
+                const QString& size = {}) {
+    const QString made = folder + QFileInfo(photo).completeBaseName() + ".jpeg";
     SCOPED_TRACE(made.toStdString());
-    ASSERT_EQ(exiftool(made, "ImageSize"), exiftool(reference, "ImageSize"));
-    EXPECT_LT(formatfixtures::shownDifference(made, reference), base.contains('-') ? 4.0 : 2.0);
+    EXPECT_EQ(exiftool(made, "ImageSize"),
+              size.isEmpty() ? exiftool(reference, "ImageSize") : size);
+    EXPECT_LT(shownDifference(made, reference), made.contains('-') ? 4.0 : 2.0);
 }
 
 }  // namespace
 
-TEST(FormatsCli, EveryKindTakesThemUprightWithCaptionsAndColours) {
-    const QStringList files = photos(formatfixtures::folder());
-    const QString bad = testsupport::freshDir("cli-formats-bad");
-    QFile::copy(formatfixtures::folder() + "photo.jpg", bad + "jpeg.heic");
-    testsupport::writeFile(bad + "random.webp", QByteArray(4000, 'x'));
-    testsupport::writeFile(bad + "zero.avif", {});
+TEST(FormatsCli, KindsToolsProjectsAndMetadata) {
+    const QString dir = testsupport::freshDir("cli-formats");
+    QFile::copy(folder() + "photo.jpg", dir + "jpeg.heic");
+    testsupport::writeFile(dir + "random.webp", QByteArray(4000, 'x'));
+    testsupport::writeFile(dir + "zero.avif", {});
+    const QStringList files = photos();
     for (const auto& [kind, images, page] : {std::tuple{"gallery", "KLimages_b/", "myIndex.html"},
                                              {"slideshow", "KLSsImages/", "slideshow.html"},
                                              {"grid", "KLovImages/", "index.html"}}) {
-        const QString out = testsupport::freshDir(QString("cli-formats-") + kind);
+        const QString out = dir + kind + "/";
         QString err;
-        EXPECT_EQ(orvella(QStringList{"generate", kind, "--out", out, bad} + files, nullptr, &err),
+        EXPECT_EQ(orvella(QStringList{"generate", kind, "--out", out, dir + "jpeg.heic",
+                                      dir + "random.webp", dir + "zero.avif",
+                                      folder() + "photo.jpg", folder() + "tall.jpg"} +
+                              files,
+                          nullptr, &err),
                   1);
-        for (const QString reason : {"jpeg.heic: named .heic but holds no HEIF image",
-                                     "random.webp: not an image", "zero.avif: an empty file"})
-            EXPECT_TRUE(err.contains(bad + reason)) << kind << err.toStdString();
-        const QString text = QString::fromUtf8(readFile(out + page));
+        EXPECT_TRUE(err.contains(dir + "jpeg.heic: named .heic but holds no HEIF image") &&
+                    err.contains(dir + "random.webp: not an image") &&
+                    err.contains(dir + "zero.avif: an empty file"))
+            << err.toStdString();
+        const QByteArray text = testsupport::readFile(out + page);
         for (const QString& photo : files) {
-            EXPECT_TRUE(text.contains(exiftool(photo, "UserComment"))) << photo.toStdString();
-            expectLikeReference(out + images, photo);
+            EXPECT_TRUE(text.contains(exiftool(photo, "UserComment").toUtf8()));
+            expectLike(photo, out + images,
+                       out + images + referenceOf(photo.section('/', -1)) + ".jpeg");
         }
     }
-}
 
-// `image derive` and `watermark` write each as NAME.jpeg with its caption; a project keeps them and
-// builds its site; the metadata commands read them all and write WebP only.
-TEST(FormatsCli, ToolsProjectsAndMetadata) {
-    const QString fixtures = formatfixtures::folder();
-    const QStringList files = photos(fixtures);
-    const QString dir = testsupport::freshDir("cli-formats-tools");
+    // The tools write NAME.jpeg with the caption; a project keeps the photos and builds its site.
     ASSERT_EQ(orvella(QStringList{"image", "derive", "3", "50", "--out", dir + "d"} + files), 0);
-    QString out, err;
-    ASSERT_EQ(orvella(QStringList{"watermark", "text", "--out", dir + "w"} + files, &out, &err), 0)
-        << out.toStdString() << err.toStdString();
+    ASSERT_EQ(orvella(QStringList{"watermark", "text", "--out", dir + "w"} + files), 0);
     ASSERT_EQ(
         orvella(QStringList{"project", "save", dir + "p", "--name", "T", "--kind", "grid"} + files),
         0);
     ASSERT_EQ(orvella({"project", "build", dir + "p/T.orvprj", "--out", dir + "b"}), 0);
     for (const QString& photo : files) {
+        const QString reference = folder() + referenceOf(photo.section('/', -1)) + ".jpg";
+        const bool tall = reference.endsWith("tall.jpg");
         const QString caption = exiftool(photo, "UserComment");
-        expectLikeReference(dir + "b/KLovImages/", photo);
-        for (const QString folder : {"d/", "w/"}) {
-            expectLikeReference(dir + folder, photo, true);
-            EXPECT_EQ(exiftool(madeOf(dir + folder, photo, true), "UserComment"), caption);
-        }
+        expectLike(photo, dir + "d/", reference, tall ? "150x240" : "240x150");
+        expectLike(photo, dir + "w/", reference, tall ? "300x480" : "480x300");
+        expectLike(photo, dir + "b/KLovImages/", reference, tall ? "960x1536" : "960x600");
+        for (const QString tool : {"d/", "w/"})
+            EXPECT_EQ(
+                exiftool(dir + tool + QFileInfo(photo).completeBaseName() + ".jpeg", "UserComment"),
+                caption);
+        QString out;
         EXPECT_EQ(orvella({"meta", "get", photo, "EXIF User Comment", "IPTC City"}, &out), 0);
         EXPECT_EQ(out, caption + "\n\n");
     }
+
+    // WebP's comment is written (exiftool reads it back); HEIF, AVIF and JPEG XL are refused.
     for (const QString ext : {"webp", "heic", "avif", "jxl"}) {
         const QString copy = dir + "copy." + ext;
-        QFile::copy(fixtures + "land-" + ext + "." + ext, copy);
-        const QByteArray before = readFile(copy);
+        QFile::copy(folder() + "land-" + ext + "." + ext, copy);
+        const QByteArray before = testsupport::readFile(copy);
         const int code = ext == u"webp" ? 0 : 1;
+        QString err;
         EXPECT_EQ(orvella({"meta", "set-comment", copy, "New"}, nullptr, &err), code);
         EXPECT_EQ(orvella({"meta", "batch", "--comment", "New", copy}, nullptr, &err), code);
         if (code == 0)
             EXPECT_EQ(exiftool(copy, "UserComment") + exiftool(copy, "Validate"), "NewOK");
         else
-            EXPECT_TRUE(readFile(copy) == before && err.contains("photos are read, never written"));
+            EXPECT_TRUE(testsupport::readFile(copy) == before &&
+                        err.contains("read, never written"));
     }
 }

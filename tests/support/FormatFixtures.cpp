@@ -29,12 +29,19 @@ QString folder() {
         done
         vips icc_transform photo.jpg 'p3.heic[Q=90]' p3; tag -UserComment=P3 p3.heic)";
     EXPECT_EQ(testsupport::runProgram("bash", {"-c", script, "fixtures", dir}), 0);
-    // The colour box turned from an ICC profile into nclx: P3 primaries, sRGB transfer, full range.
+    // The ICC colour box made an nclx one: P3 primaries, sRGB transfer, full range.
     QByteArray heif = testsupport::readFile(dir + "p3.heic");
     heif.replace(heif.indexOf("colr") + 4, 11, QByteArray("nclx\0\x0c\0\x0d\0\x06\x80", 11));
     testsupport::writeFile(dir + "nclx.heic", heif);
     testsupport::writeFile(dir + "ready", "1");
     return dir;
+}
+
+QStringList photos() {
+    QStringList files;
+    for (const QString& name : QDir(folder()).entryList({"*.heic", "*.avif", "*.webp", "*.jxl"}))
+        files.append(folder() + name);
+    return files;
 }
 
 QString referenceOf(const QString& fileName) {

@@ -1,22 +1,20 @@
 #pragma once
 
-#include <QString>
+#include <QStringList>
 
-// Photos in the formats of phones and the web, made once per build (in its test output) by libvips
-// from one of Debian's mate-backgrounds photos shrunk to 480 x 300, captions set by exiftool:
-//   photo.jpg, tall.jpg    the sRGB original and its pixels turned a quarter: the references
-//   land-EXT.EXT           `vips copy photo.jpg` for heic, avif, webp and jxl ("Land EXT")
-//   tall-EXT.EXT           `vips copy tall.jpg` ("Tall EXT")
-//   turned-EXT.EXT         webp and jxl: landscape pixels, EXIF orientation 6 ("Turned EXT")
-//   p3.heic, nclx.heic     photo.jpg in Display P3, its ICC profile or an nclx box only ("P3")
+// Photos in the formats of phones and the web, made once per build from a mate-backgrounds photo
+// shrunk to 480 x 300 (libvips; captions by exiftool): land-EXT.EXT and tall-EXT.EXT (pixels
+// turned) for heic, avif, webp, jxl; turned-EXT.EXT (EXIF orientation 6) for webp and jxl;
+// p3.heic (Display P3, ICC profile) and nclx.heic (Display P3 named by an nclx box only). Their
+// JPEG references photo.jpg and tall.jpg lie beside them.
 namespace formatfixtures {
 
-// The folder, ending with "/".
-QString folder();
-// The reference a fixture is seen as: "tall" for tall and turned photos, else "photo".
+QString folder();      // ends with "/"
+QStringList photos();  // the fixtures, without the references
+// The reference a fixture shows: "tall" for tall and turned photos, else "photo".
 QString referenceOf(const QString& fileName);
-// The mean difference (0..255) of two images as a colour-managed viewer shows them: each taken
-// into sRGB through its own profile, the second resized to the first's size.
+// The mean difference (0..255) of two images as a colour-managed viewer shows them (each through
+// its own profile), the second resized to the first's size.
 double shownDifference(const QString& a, const QString& b);
 
 }  // namespace formatfixtures
