@@ -14,9 +14,9 @@ PREFIX ?= /usr/local
 
 DEB_PACKAGES := cmake g++ ninja-build pkg-config qt6-base-dev libvips-dev libvips-tools \
 	libfontconfig-dev fonts-dejavu-core \
-	libexiv2-dev libsqlite3-dev sqlite3 libgtest-dev libimage-exiftool-perl mate-backgrounds \
-	chromium time python3 desktop-file-utils man-db groff-base dpkg-dev file shared-mime-info \
-	libcurl4-openssl-dev libsecret-1-dev openssh-server openssh-client vsftpd
+	libexiv2-dev libheif-dev libsqlite3-dev sqlite3 libgtest-dev libimage-exiftool-perl \
+	mate-backgrounds chromium time python3 desktop-file-utils man-db groff-base dpkg-dev file \
+	shared-mime-info libcurl4-openssl-dev libsecret-1-dev openssh-server openssh-client vsftpd
 
 .PHONY: all test demo bench deps npm-deps build-test build-release clean format install uninstall \
 	package

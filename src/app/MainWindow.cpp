@@ -36,6 +36,7 @@
 #include "generators/common/CaptionBuilder.h"
 #include "imaging/CellImage.h"
 #include "presets/dbViewController.h"
+#include "services/PhotoFileTypes.h"
 
 namespace {
 constexpr int kCellSize = 150;
@@ -255,9 +256,9 @@ QWidget* MainWindow::makeKindTab(const OutputKind& kind) {
 }
 
 void MainWindow::choosePhotos() {
-    const QStringList files = QFileDialog::getOpenFileNames(
-        this, tr("*** Choose your photos ***"), QString(),
-        tr("Photos (*.png *.jpg *.jpeg *.tif *.tiff *.PNG *.JPG *.JPEG *.TIF *.TIFF)"));
+    const QStringList files =
+        QFileDialog::getOpenFileNames(this, tr("*** Choose your photos ***"), QString(),
+                                      tr("Photos (%1)").arg(PhotoFileTypes::dialogPatterns()));
     addPhotos(files);
 }
 

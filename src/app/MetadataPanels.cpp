@@ -15,6 +15,8 @@
 #include <QVBoxLayout>
 #include <QtConcurrent/QtConcurrentRun>
 
+#include "services/PhotoFileTypes.h"
+
 namespace {
 
 void addNodes(QTreeWidgetItem* parent, QTreeWidget* tree, const QList<MetaTreeNode>& nodes) {
@@ -123,8 +125,7 @@ void MetadataEditorPanel::waitForFinished() {
 void MetadataEditorPanel::chooseFile() {
     const QString path = QFileDialog::getOpenFileName(
         this, tr("Choose a photo"), QFileInfo(tfActiveFilePath->text()).path(),
-        tr("Photos (*.jpg *.jpeg *.tif *.tiff *.png *.JPG *.JPEG *.TIF *.TIFF *.PNG);;"
-           "All files (*)"));
+        tr("Photos (%1);;All files (*)").arg(PhotoFileTypes::dialogPatterns()));
     if (!path.isEmpty()) hiDoNothing(path);
 }
 

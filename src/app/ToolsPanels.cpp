@@ -28,14 +28,17 @@
 #include "imaging/KLWatermark.h"
 #include "presets/WatermarkControls.h"
 #include "services/OutputFolders.h"
+#include "services/PhotoFileTypes.h"
 
 namespace {
 
 constexpr int kPreviewSize = 160;
 
-const char* const kPhotoFilter =
-    "Photos (*.png *.jpg *.jpeg *.tif *.tiff *.bmp *.gif *.jp2 *.PNG *.JPG *.JPEG *.TIF *.TIFF "
-    "*.BMP *.GIF *.JP2);;All files (*)";
+// The photos, and the other types the image tools read.
+QString photoFilter() {
+    return QObject::tr("Photos (%1 *.bmp *.gif *.jp2 *.BMP *.GIF *.JP2);;All files (*)")
+        .arg(PhotoFileTypes::dialogPatterns());
+}
 
 }  // namespace
 
@@ -136,7 +139,7 @@ QStringList PhotoBatchBox::logLines() const {
 
 void PhotoBatchBox::choosePhotos() {
     const QStringList files =
-        QFileDialog::getOpenFileNames(this, tr("Choose photos"), QString(), tr(kPhotoFilter));
+        QFileDialog::getOpenFileNames(this, tr("Choose photos"), QString(), photoFilter());
     if (files.isEmpty()) return;
     photos_->addItems(files);
     Q_EMIT photosChanged();

@@ -31,6 +31,7 @@ const char* const kHelp =
     "derive MODE SIZE the derivative the gallery makes, one file after the other: mode 0 width,\n"
     "                 1 height, 2 and 5 longest side, 3 percent, 4 shortest side, 6 shrink by\n"
     "                 the longest side, 7 shrink by height; SIZE in pixels (percent for 3).\n"
+    "                 HEIF, AVIF, WebP and JPEG XL photos are written as JPEG, NAME.jpeg.\n"
     "                 Used by the benchmark bench/derivatives.\n"
     "\n"
     "Exit status: 0 all done, 1 some file failed, 2 wrong usage or a refused output folder.\n";
@@ -81,7 +82,8 @@ int run(const QString& verb, const QStringList& args, Io& io) {
     int failures = 0;
     KLColorConversions colours;
     for (const QString& file : parsed.files) {
-        const QString output = folder + QFileInfo(file).fileName();
+        const QString output = folder + (verb == u"derive" ? KLImageHandling::writtenFileName(file)
+                                                           : QFileInfo(file).fileName());
         QString problem;
         if (verb == u"derive") {
             KLImageHandling images;

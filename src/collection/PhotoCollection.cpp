@@ -8,6 +8,7 @@
 #include "imaging/KLImageHandling.h"
 #include "metadata/mMeta.h"
 #include "services/Log.h"
+#include "services/PhotoFileTypes.h"
 #include "services/UserInterface.h"
 
 namespace {
@@ -60,8 +61,7 @@ QString unreadableReason(const QString& path) {
 PhotoCollection::PhotoCollection(QObject* parent) : QAbstractListModel(parent) {}
 
 bool PhotoCollection::isPhotoFileName(const QString& fileName) {
-    static const QStringList extensions = {"png", "jpg", "jpeg", "tif", "tiff"};
-    return extensions.contains(QFileInfo(fileName).suffix(), Qt::CaseInsensitive);
+    return PhotoFileTypes::isPhotoFileName(fileName);
 }
 
 QStringList PhotoCollection::photoFilesInFolder(const QString& folder) {
@@ -80,13 +80,17 @@ bool PhotoCollection::readRecord(const QString& path, int cellImageSize,
     const mMeta meta;
     // One header read serves both: the size first, then the caption, which consumes it.
     mMeta::ImageSourcePtr source = meta.getMyImageSource(path);
-    if (!source) {
-        *reason = unreadableReason(path);
+    if (!source || !PhotoDecoder::holdsItsType(path, reason)) {
+        if (!source) *reason = unreadableReason(path);
         return false;
     }
-    const QList<qint64> size = meta.hGetPixelFormatFromSource(*source);
+    QList<qint64> size = meta.hGetPixelFormatFromSource(*source);
     const QString caption =
         meta.hGetExifUcFromSource(std::move(source), QStringLiteral("EXIF User Comment"));
+    // HEIF and JPEG XL: the size as the image reader sees the photo, turned.
+    if (int width = 0, height = 0;
+        size.isEmpty() && PhotoDecoder::uprightSize(path, &width, &height))
+        size = {width, height};
     if (size.size() < 2 || size[0] <= 0 || size[1] <= 0) {
         *reason = QStringLiteral("no pixel size");
         return false;

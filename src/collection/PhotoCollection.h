@@ -36,7 +36,7 @@ class PhotoCollection : public QAbstractListModel {
 
     explicit PhotoCollection(QObject* parent = nullptr);
 
-    // Photo files are taken by extension: png, jpg, jpeg, tif, tiff, in any case.
+    // Photo files are taken by extension (PhotoFileTypes), in any case.
     static bool isPhotoFileName(const QString& fileName);
     // The photo files directly inside a folder, as a file manager lists them: by name,
     // case-insensitive, runs of digits by their value ("img2" before "img10").

@@ -2,6 +2,7 @@
 
 #include <vips/vips8>
 
+#include "imaging/ImageFileIo.h"
 #include "imaging/VipsRuntime.h"
 #include "services/Log.h"
 
@@ -9,11 +10,20 @@ QImage makeCellImage(const QString& path, int size) {
     if (size <= 0) return {};
     VipsRuntime::ensureStarted();
     try {
-        // thumbnail() shrinks while decoding (JPEG shrink-on-load), so a big photo is never
-        // decoded whole.
+        // thumbnail() shrinks while decoding (JPEG shrink-on-load, WebP scaling, the thumbnail of
+        // a HEIF when it is big enough), so a big photo is never decoded whole.
         vips::VImage image = vips::VImage::thumbnail(path.toUtf8().constData(), size,
                                                      vips::VImage::option()->set("height", size));
-        image = image.colourspace(VIPS_INTERPRETATION_sRGB);
+        // thumbnail() turned the photo by the orientation its reader gave; one the file's own EXIF
+        // adds (JPEG XL) is turned here.
+        const auto orientation = [](const vips::VImage& v) {
+            return v.get_typeof(VIPS_META_ORIENTATION) != 0 ? v.get_int(VIPS_META_ORIENTATION) : 1;
+        };
+        const int turned = orientation(image);
+        image = ImageFileIo::completed(path, image);
+        if (orientation(image) != turned) image = image.autorot();
+        // The colours as the photo's profile says, as a colour-managed display shows them.
+        image = ImageFileIo::inSrgb(image).colourspace(VIPS_INTERPRETATION_sRGB);
         if (image.has_alpha()) {
             image = image.flatten(
                 vips::VImage::option()->set("background", std::vector<double>{255, 255, 255}));

@@ -9,6 +9,8 @@
 #include <vips/vips8>
 
 #include "imaging/VipsRuntime.h"
+#include "metadata/HeifHeader.h"
+#include "metadata/cXif.h"
 #include "metadata/mMeta.h"
 #include "services/AtomicFile.h"
 #include "services/Log.h"
@@ -18,29 +20,156 @@ using vips::VImage;
 
 namespace ImageFileIo {
 
-QString typeIdentifier(const QString& path) {
+namespace {
+
+struct FileType {
+    const char* extension;
+    const char* identifier;
+    // The newer formats: the one reader their name promises, and the format's name.
+    const char* reader;
+    const char* format;
+};
+
+constexpr FileType kTypes[] = {
+    {"png", "public.png", nullptr, nullptr},
+    {"tif", "public.tiff", nullptr, nullptr},
+    {"tiff", "public.tiff", nullptr, nullptr},
+    {"bmp", "public.bmp", nullptr, nullptr},
+    {"gif", "com.compuserve.gif", nullptr, nullptr},
+    {"jpg", "public.jpeg", nullptr, nullptr},
+    {"jpeg", "public.jpeg", nullptr, nullptr},
+    {"jp2", "public.jp2", nullptr, nullptr},
+    {"j2k", "public.jp2", nullptr, nullptr},
+    {"psd", "com.adobe.photoshop-image", nullptr, nullptr},
+    {"pdf", "com.adobe.pdf", nullptr, nullptr},
+    {"heic", "public.heic", "VipsForeignLoadHeifFile", "HEIF"},
+    {"heif", "public.heif", "VipsForeignLoadHeifFile", "HEIF"},
+    {"avif", "public.avif", "VipsForeignLoadHeifFile", "AVIF"},
+    {"webp", "org.webmproject.webp", "VipsForeignLoadWebpFile", "WebP"},
+    {"jxl", "public.jxl", "VipsForeignLoadJxlFile", "JPEG XL"},
+};
+
+const FileType* fileTypeOf(const QString& path) {
     const QString ext = QFileInfo(path).suffix().toLower();
-    if (ext == u"png") return QStringLiteral("public.png");
-    if (ext == u"tif" || ext == u"tiff") return QStringLiteral("public.tiff");
-    if (ext == u"bmp") return QStringLiteral("public.bmp");
-    if (ext == u"gif") return QStringLiteral("com.compuserve.gif");
-    if (ext == u"jpg" || ext == u"jpeg") return QStringLiteral("public.jpeg");
-    if (ext == u"jp2" || ext == u"j2k") return QStringLiteral("public.jp2");
-    if (ext == u"psd") return QStringLiteral("com.adobe.photoshop-image");
-    if (ext == u"pdf") return QStringLiteral("com.adobe.pdf");
-    return {};
+    for (const FileType& type : kTypes)
+        if (ext == QLatin1String(type.extension)) return &type;
+    return nullptr;
+}
+
+// Display P3 as libvips knows it, for HEIF photos that name its primaries in an nclx box.
+const QByteArray& displayP3Profile() {
+    static const QByteArray profile = [] {
+        VipsBlob* blob = VImage::profile_load("p3");
+        size_t length = 0;
+        const void* data = vips_blob_get(blob, &length);
+        QByteArray bytes(static_cast<const char*>(data), qsizetype(length));
+        vips_area_unref(VIPS_AREA(blob));
+        return bytes;
+    }();
+    return profile;
+}
+
+void setBlob(VImage& image, const char* name, const QByteArray& bytes) {
+    vips_image_set_blob_copy(image.get_image(), name, bytes.constData(), size_t(bytes.size()));
+}
+
+}  // namespace
+
+QString typeIdentifier(const QString& path) {
+    const FileType* type = fileTypeOf(path);
+    return type ? QString::fromLatin1(type->identifier) : QString();
 }
 
 bool isRefusedType(const QString& typeIdentifier) {
     return typeIdentifier == u"com.adobe.photoshop-image" || typeIdentifier == u"com.adobe.pdf";
 }
 
-VImage open(const QString& path, bool sequential) {
+QString writtenType(const QString& typeIdentifier) {
+    for (const FileType& type : kTypes)
+        if (type.reader && typeIdentifier == QLatin1String(type.identifier))
+            return QStringLiteral("public.jpeg");
+    return typeIdentifier;
+}
+
+QString writtenFileName(const QString& path) {
+    const QFileInfo info(path);
+    const FileType* type = fileTypeOf(path);
+    return type && type->reader ? info.completeBaseName() + QStringLiteral(".jpeg")
+                                : info.fileName();
+}
+
+bool holdsItsType(const QString& path, QString* reason) {
+    const FileType* type = fileTypeOf(path);
+    if (!type || !type->reader) return true;
+    VipsRuntime::ensureStarted();
+    const char* reader = vips_foreign_find_load(QFile::encodeName(path).constData());
+    if (!reader) vips_error_clear();
+    if (reader && std::strcmp(reader, type->reader) == 0) return true;
+    if (reason)
+        *reason = QStringLiteral("named .%1 but holds no %2 image")
+                      .arg(QFileInfo(path).suffix(), QLatin1String(type->format));
+    return false;
+}
+
+VImage open(const QString& path, bool sequential, int shrink) {
     VipsRuntime::ensureStarted();
     if (!QFileInfo(path).isFile()) throw VError("not a file: " + path.toStdString());
+    const QByteArray name = QFile::encodeName(path);
     auto* options = VImage::option()->set("fail_on", VIPS_FAIL_ON_TRUNCATED);
     if (sequential) options->set("access", VIPS_ACCESS_SEQUENTIAL);
-    return VImage::new_from_file(QFile::encodeName(path).constData(), options);
+    if (shrink > 1) {
+        const char* reader = vips_foreign_find_load(name.constData());
+        if (!reader) vips_error_clear();
+        if (reader && std::strcmp(reader, "VipsForeignLoadJpegFile") == 0)
+            options->set("shrink", shrink);
+        else if (reader && std::strcmp(reader, "VipsForeignLoadWebpFile") == 0)
+            options->set("scale", 1.0 / shrink);
+    }
+    return completed(path, VImage::new_from_file(name.constData(), options));
+}
+
+VImage completed(const QString& path, const VImage& image) {
+    if (image.get_typeof("vips-loader") == 0) return image;
+    const std::string loader = image.get_string("vips-loader");
+    if (loader != "heifload" && loader != "jxlload") return image;
+    VImage out = image.copy();
+    if (loader == "heifload") {
+        // libvips 8.14's HEIF reader frees its profile and EXIF when it is done with the file,
+        // also under the images made from it (a use after free under ASan): they get copies.
+        for (const char* name : {VIPS_META_ICC_NAME, VIPS_META_EXIF_NAME, VIPS_META_XMP_NAME}) {
+            if (out.get_typeof(name) != VIPS_TYPE_BLOB) continue;
+            size_t length = 0;
+            const void* blob = out.get_blob(name, &length);
+            setBlob(out, name, QByteArray(static_cast<const char*>(blob), qsizetype(length)));
+        }
+        const HeifHeader heif = HeifHeader::of(path);
+        if (out.get_typeof(VIPS_META_ICC_NAME) == 0) {
+            if (heif.colourPrimaries == HeifHeader::kDisplayP3)
+                setBlob(out, VIPS_META_ICC_NAME, displayP3Profile());
+            else if (heif.colourPrimaries != 1 && heif.colourPrimaries != HeifHeader::kUnspecified)
+                klLog() << "colour primaries" << heif.colourPrimaries << "of" << path
+                        << "taken as sRGB";
+        }
+        if (out.get_typeof(VIPS_META_XMP_NAME) == 0 && !heif.xmp.isEmpty())
+            setBlob(out, VIPS_META_XMP_NAME, heif.xmp);
+    } else if (out.get_typeof(VIPS_META_EXIF_NAME) == 0) {
+        // libvips reads no metadata of JPEG XL but its profile.
+        const QByteArray exif = cXif::exifBlockOf(path);
+        if (!exif.isEmpty()) setBlob(out, VIPS_META_EXIF_NAME, exif);
+        const mMeta::OrientationAndXmp read = mMeta::orientationAndXmp(path);
+        if (!read.xmp.isEmpty()) setBlob(out, VIPS_META_XMP_NAME, read.xmp);
+        if (read.orientation >= 1 && read.orientation <= 8)
+            out.set(VIPS_META_ORIENTATION, read.orientation);
+    }
+    return out;
+}
+
+VImage inSrgb(const VImage& image) {
+    if (image.get_typeof(VIPS_META_ICC_NAME) == 0) return image;
+    VImage out = image.icc_transform(
+        "srgb", VImage::option()->set("embedded", true)->set("intent", VIPS_INTENT_RELATIVE));
+    out.remove(VIPS_META_ICC_NAME);  // untagged pixels are sRGB
+    return out;
 }
 
 namespace {
@@ -75,8 +204,11 @@ bool pixelSize(const QString& path, int* width, int* height, QString* reason) {
     if (!info.isFile()) return refuse(QStringLiteral("not a regular file"));
     if (info.size() == 0) return refuse(QStringLiteral("an empty file"));
     VipsRuntime::ensureStarted();
-    if (!vips_foreign_find_load(QFile::encodeName(path).constData()))
+    if (!vips_foreign_find_load(QFile::encodeName(path).constData())) {
+        vips_error_clear();
         return refuse(QStringLiteral("not an image"));
+    }
+    if (QString why; !holdsItsType(path, &why)) return refuse(why);
     try {
         const VImage header = open(path, true);  // lazy: reads the header only
         // Orientations 5 to 8 turn the photo a quarter: it is seen with its sides exchanged.
@@ -121,7 +253,7 @@ namespace {
 
 // The bytes of a 24-bit bottom-up BMP file of the pixels (libvips has no BMP writer).
 QByteArray bmpBytes(const VImage& image) {
-    const VImage rgb = toSrgb8(image, false);
+    const VImage rgb = toSrgb8(inSrgb(image), false);
     size_t size = 0;
     std::unique_ptr<uchar, decltype(&g_free)> pixels(
         static_cast<uchar*>(rgb.write_to_memory(&size)), &g_free);
@@ -202,7 +334,7 @@ QString save(const VImage& image, const QString& path, const QString& typeIdenti
         else if (typeIdentifier == u"public.png")
             blob = out.pngsave_buffer();
         else if (typeIdentifier == u"com.compuserve.gif")
-            blob = out.gifsave_buffer();
+            blob = inSrgb(out).gifsave_buffer();  // GIF holds no profile
         else if (typeIdentifier == u"public.jp2")
             blob = out.jp2ksave_buffer();
         if (blob) {
@@ -242,7 +374,7 @@ QString save(const VImage& image, const QString& path, const QString& typeIdenti
 }
 
 QImage toQImage(const VImage& image) {
-    const VImage rgb = toSrgb8(image, true);
+    const VImage rgb = toSrgb8(inSrgb(image), true);
     size_t size = 0;
     std::unique_ptr<uchar, decltype(&g_free)> pixels(
         static_cast<uchar*>(rgb.write_to_memory(&size)), &g_free);

@@ -19,18 +19,39 @@ inline constexpr qint64 kMaxPixels = 250'000'000;
 inline constexpr int kWorkingJpegQuality = 92;
 
 // "public.png", "public.tiff", "public.bmp", "com.compuserve.gif", "public.jpeg", "public.jp2",
-// "com.adobe.photoshop-image", "com.adobe.pdf", or "" for any other extension (case-insensitive).
+// the photos of phones and the web "public.heic", "public.heif", "public.avif",
+// "org.webmproject.webp", "public.jxl", the refused "com.adobe.photoshop-image" and
+// "com.adobe.pdf", or "" for any other extension (case-insensitive).
 QString typeIdentifier(const QString& path);
 // Photoshop and PDF sources are never read.
 bool isRefusedType(const QString& typeIdentifier);
+// The type an image made from a photo is written in where it keeps its photo's type: the type
+// itself, or JPEG for HEIF, AVIF, WebP and JPEG XL, which are read but not written.
+QString writtenType(const QString& typeIdentifier);
+// The file name of such an image: the photo's own, or its base name with ".jpeg" when its type
+// is written as JPEG.
+QString writtenFileName(const QString& path);
+
+// False (with the reason) when the file's name is one of HEIF, AVIF, WebP or JPEG XL and the file
+// holds another kind of image: those names promise their reader. Older names read whatever image
+// they hold, as they always have.
+bool holdsItsType(const QString& path, QString* reason = nullptr);
 
 // The pixel size as the photo is seen (EXIF orientation applied), from the header only. False (and
 // 0 x 0) when the file cannot be read, has a zero side or is larger than kMaxPixels.
 bool pixelSize(const QString& path, int* width, int* height, QString* reason = nullptr);
 
-// Opens a file lazily; a truncated or damaged file fails when its pixels are read. Throws
-// vips::VError.
-vips::VImage open(const QString& path, bool sequential);
+// Opens a file lazily; a truncated or damaged file fails when its pixels are read. A JPEG is
+// shrunk while decoding by `shrink` (1, 2, 4 or 8), a WebP scaled by its inverse. What the
+// format's reader leaves out is added (see completed). Throws vips::VError.
+vips::VImage open(const QString& path, bool sequential, int shrink = 1);
+// The image read from `path` with what its reader leaves out: the Display P3 profile of a HEIF
+// whose colours are given by an nclx box only (libvips takes ICC profiles alone), the EXIF block,
+// orientation and XMP of JPEG XL, the XMP of HEIF. Throws vips::VError.
+vips::VImage completed(const QString& path, const vips::VImage& image);
+// The pixels as they are seen, in sRGB: through their profile when they carry one (which is then
+// dropped), for displays and writers that hold no profile. Throws vips::VError.
+vips::VImage inSrgb(const vips::VImage& image);
 
 // Writes `image` to `path` as the type says, through a temporary file in the same folder that
 // replaces `path` only when complete (so a file may be rewritten from itself). Without

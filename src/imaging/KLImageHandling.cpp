@@ -1,5 +1,6 @@
 #include "imaging/KLImageHandling.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QPageSize>
@@ -115,27 +116,24 @@ bool uprightSize(const QString& path, int* width, int* height, QString* error) {
     return ImageFileIo::pixelSize(path, width, height, error);
 }
 
+bool holdsItsType(const QString& path, QString* error) {
+    return ImageFileIo::holdsItsType(path, error);
+}
+
 namespace {
 
-// Decodes the photo, shrinking a JPEG while decoding by the largest power of two (up to 8) that
-// leaves at least `margin` times the pixels `scale` asks for. Without `wholeInMemory` the pixels
-// are read from the file as they are used (once).
+// Decodes the photo, shrinking a JPEG or WebP while decoding by the largest power of two (up to
+// 8) that leaves at least `margin` times the pixels `scale` asks for (HEIF and JPEG XL decode
+// whole). Without `wholeInMemory` the pixels are read from the file as they are used (once).
 Picture decodeShrunk(const QString& path, double scale, double margin, bool wholeInMemory,
                      QString* error) {
     int width = 0;
     int height = 0;
     if (!uprightSize(path, &width, &height, error)) return {};
     try {
-        VipsRuntime::ensureStarted();
-        const VImage header = ImageFileIo::open(path, true);
-        auto* options = VImage::option()
-                            ->set("access", VIPS_ACCESS_SEQUENTIAL)
-                            ->set("fail_on", VIPS_FAIL_ON_TRUNCATED);
         const double factor = scale > 0 ? 1.0 / (scale * margin) : 1.0;
         const int shrink = factor >= 8 ? 8 : factor >= 4 ? 4 : factor >= 2 ? 2 : 1;
-        if (shrink > 1 && header.get_string("vips-loader") == std::string("jpegload"))
-            options->set("shrink", shrink);
-        VImage image = VImage::new_from_file(QFile::encodeName(path).constData(), options);
+        VImage image = ImageFileIo::open(path, true, shrink);
         const int orientation =
             image.get_typeof(VIPS_META_ORIENTATION) != 0 ? image.get_int(VIPS_META_ORIENTATION) : 1;
         image = ImageFileIo::toSrgb8(image, true);
@@ -459,8 +457,9 @@ SaveAsResult KLImageHandling::hSaveAsFileType(const Picture& image, const QStrin
 Picture KLImageHandling::hWorkingCopy(const Picture& photo) {
     if (photo.isNull()) return photo;
     auto data = std::make_shared<Picture::Data>(photo.data());
+    const QString written = ImageFileIo::writtenType(data->type);
     data->carriesMetadata =
-        data->carriesMetadata && (data->type == u"public.jpeg" || data->type == u"public.tiff");
+        data->carriesMetadata && (written == u"public.jpeg" || written == u"public.tiff");
     return Picture(data);
 }
 
@@ -469,6 +468,10 @@ bool KLImageHandling::isSupportedSource(const QString& path, QString* error) {
     if (!type.isEmpty() && !ImageFileIo::isRefusedType(type)) return true;
     if (error) *error = QStringLiteral("this file type is not supported");
     return false;
+}
+
+QString KLImageHandling::writtenFileName(const QString& source) {
+    return ImageFileIo::writtenFileName(source);
 }
 
 // --- On files
@@ -484,7 +487,8 @@ QString KLImageHandling::resizeImage(const QString& source, int size, int mode,
     const double scale = std::max(double(newImgW) / width, double(newImgH) / height);
     const Picture result = resized(PhotoDecoder::decode(source, scale, &lastError), size, mode);
     if (result.isNull()) return kFailed;
-    return hSaveToNewImageFile(folder + QFileInfo(source).fileName(), type, result);
+    return hSaveToNewImageFile(folder + ImageFileIo::writtenFileName(source),
+                               ImageFileIo::writtenType(type), result);
 }
 
 QString KLImageHandling::cropImage(const QString& source, int cropWidth, int cropHeight,
@@ -498,7 +502,8 @@ QString KLImageHandling::cropImage(const QString& source, int cropWidth, int cro
         photo = PhotoDecoder::decode(source, 1.0, &lastError);
     const Picture result = cropped(photo, cropWidth, cropHeight, kind, position);
     if (result.isNull()) return storeResult = kFailed;
-    return storeResult = hSaveToNewImageFile(folder + QFileInfo(source).fileName(), type, result);
+    return storeResult = hSaveToNewImageFile(folder + ImageFileIo::writtenFileName(source),
+                                             ImageFileIo::writtenType(type), result);
 }
 
 QString KLImageHandling::hHandleImages(const QString& boxWidth, const QString& boxHeight,
@@ -542,7 +547,9 @@ QString KLImageHandling::addBorderToImage2(const QString& path, const QColor& co
     if (ImageFileIo::isRefusedType(type)) return storeResult = kNotSupported;
     const Picture result = framed(PhotoDecoder::decode(path, 1.0, &lastError), color, width);
     if (result.isNull()) return storeResult = kFailed;
-    return storeResult = hSaveToNewImageFile(path, type, result);
+    // In place, or beside a photo of a type that is read but not written.
+    const QString written = QFileInfo(path).dir().filePath(ImageFileIo::writtenFileName(path));
+    return storeResult = hSaveToNewImageFile(written, ImageFileIo::writtenType(type), result);
 }
 
 SaveAsResult KLImageHandling::hSaveAsFileType(const QString& path, const QString& format,

@@ -59,12 +59,15 @@ class KLImageHandling {
                                         QString* error = nullptr);
 
     // The picture as a working file in its source's own type would hold it: only JPEG and TIFF
-    // keep their metadata.
+    // (also the JPEG a HEIF, AVIF, WebP or JPEG XL photo's working file is) keep their metadata.
     static Picture hWorkingCopy(const Picture& photo);
     // False (with the reason) for a file whose type the image operations do not read.
     static bool isSupportedSource(const QString& path, QString* error = nullptr);
+    // The name the file forms below give the image made from `source`.
+    static QString writtenFileName(const QString& source);
 
-    // --- On files. Each reads its source once and writes folder + a file name.
+    // --- On files. Each reads its source once and writes folder + a file name. The types that
+    // are read but not written (HEIF, AVIF, WebP, JPEG XL) are written as JPEG, named NAME.jpeg.
 
     // Scales the photo at `source`; writes folder + its file name, in the source's type.
     QString resizeImage(const QString& source, int size, int mode, const QString& folder);

@@ -275,7 +275,7 @@ QString KLWatermark::setWatermarkText(const QString& photo, const QString& folde
     myFontTransparancy = opacity(s.fontTransparency);
     const QStringList fonts = s.fontList.isEmpty() ? fontFamilies() : s.fontList;
     usedFont = !s.font.isEmpty() ? s.font : fonts.size() > 1 ? fonts[1] : fonts.value(0);
-    lastOutputPath = folder + QFileInfo(photo).fileName();
+    lastOutputPath = folder + ImageFileIo::writtenFileName(photo);
 
     const QString refused = refusal(photo, folder, type, nullptr);
     if (!refused.isEmpty()) return refused;
@@ -314,7 +314,7 @@ QString KLWatermark::setWatermarkText(const QString& photo, const QString& folde
                 canvas = stamped(canvas, stamp);
             }
         }
-        return written(canvas, lastOutputPath, type, false);
+        return written(canvas, lastOutputPath, ImageFileIo::writtenType(type), false);
     } catch (const VError& e) {
         vips_error_clear();  // the message is in e
         klLog() << "watermark failed:" << photo << e.what();
@@ -330,7 +330,7 @@ QString KLWatermark::setWatermarkImage(const QString& photo, const QString& fold
     myImageSize = std::min(s.fontSize > 0 ? s.fontSize : kDefaultFontSize, kMaxFontSize);
     myImageWMAngle = s.imageAngle;
     myImageTransparancy = opacity(s.imageTransparency);
-    lastOutputPath = folder + QFileInfo(photo).fileName();
+    lastOutputPath = folder + ImageFileIo::writtenFileName(photo);
 
     const QString refused = refusal(photo, folder, type, "Invalid image or no image selected.");
     if (!refused.isEmpty()) return refused;
@@ -380,7 +380,7 @@ QString KLWatermark::setWatermarkImage(const QString& photo, const QString& fold
             stamp.shadowSigma = std::max(0, s.imageShadowRadius) / 2.0;
             canvas = stamped(canvas, stamp);
         }
-        return written(canvas, lastOutputPath, type, true);
+        return written(canvas, lastOutputPath, ImageFileIo::writtenType(type), true);
     } catch (const VError& e) {
         vips_error_clear();  // the message is in e
         klLog() << "watermark failed:" << photo << s.imagePath << e.what();

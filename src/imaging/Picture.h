@@ -33,6 +33,9 @@ namespace PhotoDecoder {
 // The size of the photo as it is seen (EXIF orientation applied), from its header. False (and
 // `error` says why) when the file is not a readable image, has a zero side or is too large.
 bool uprightSize(const QString& path, int* width, int* height, QString* error = nullptr);
+// False (and `error` says why) for a file named as HEIF, AVIF, WebP or JPEG XL that holds another
+// kind of image, or none; files of the older types are not checked.
+bool holdsItsType(const QString& path, QString* error = nullptr);
 
 // Decodes the photo once. `scale` is the largest fraction of its upright size that any derivative
 // made from it needs: a JPEG is shrunk while decoding by the largest power of two that still

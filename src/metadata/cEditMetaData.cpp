@@ -70,9 +70,7 @@ QString cEditMetaData::hWriteComment(const QString& path, const QString& comment
     if (!isWritableByUser(path)) return failed(QStringLiteral("the file is read-only"));
     const mMeta reader;  // a fresh reader for every file
     if (reader.hSetExifData(path, comment) != u"OK")
-        return failed(QStringLiteral(
-            "not written: not a photo whose metadata can be written, damaged, or in a read-only "
-            "folder"));
+        return failed(QStringLiteral("not written: ") + reader.writeError);
     return QStringLiteral("OK");
 }
 

@@ -20,6 +20,7 @@
 #include <mutex>
 #include <system_error>
 
+#include "metadata/HeifHeader.h"
 #include "services/AtomicFile.h"
 #include "services/Log.h"
 
@@ -60,6 +61,8 @@ void startExiv2Once() {
     static std::once_flag once;
     std::call_once(once, [] {
         Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute);
+        // HEIF, AVIF and JPEG XL in its container are read only when asked for.
+        Exiv2::enableBMFF(true);
         Exiv2::XmpParser::initialize(lockXmpToolkit, nullptr);
     });
 }
@@ -75,6 +78,31 @@ bool isRegularFile(const QString& path) {
            std::filesystem::is_regular_file(std::filesystem::path(nativePath(path)), error);
 }
 
+// A JPEG XL codestream outside the container, which has no place for metadata.
+bool isBareJxl(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) && file.read(2) == QByteArrayLiteral("\xFF\x0A");
+}
+
+// A photo that is read but never written here: Exiv2 writes no ISO base media file (HEIF, AVIF,
+// JPEG XL in its container), and a bare JPEG XL reads as an empty XMP holder.
+bool isReadOnlyFormat(const Exiv2::Image& image) {
+    return image.imageType() == Exiv2::ImageType::bmff ||
+           image.imageType() == Exiv2::ImageType::xmp;
+}
+
+// Exiv2 finds no XMP in HEIF: it is taken from the file's own item.
+void addHeifXmp(const QString& path, Exiv2::Image& image) {
+    const std::string mime = image.mimeType();
+    if (!image.xmpData().empty() ||
+        (mime != "image/heic" && mime != "image/heif" && mime != "image/avif"))
+        return;
+    const QByteArray packet = HeifHeader::of(path).xmp;
+    Exiv2::XmpData xmp;
+    if (packet.isEmpty() || Exiv2::XmpParser::decode(xmp, packet.toStdString()) != 0) return;
+    image.setXmpData(xmp);
+}
+
 // Opens the file (never through a network protocol, whatever the path looks like) and reads its
 // metadata. Null when it is not a readable image.
 Exiv2::Image::AutoPtr openImage(const QString& path) {
@@ -83,9 +111,11 @@ Exiv2::Image::AutoPtr openImage(const QString& path) {
     try {
         Exiv2::BasicIo::AutoPtr io(new Exiv2::FileIo(nativePath(path)));
         Exiv2::Image::AutoPtr image = Exiv2::ImageFactory::open(std::move(io));
-        if (!image.get() || !image->good()) return Exiv2::Image::AutoPtr();
-        image->readMetadata();
-        return image;
+        if (image.get() && image->good()) {
+            image->readMetadata();
+            if (image->imageType() == Exiv2::ImageType::bmff) addHeifXmp(path, *image);
+            return image;
+        }
     } catch (const Exiv2::AnyError& e) {
         klLog() << "Metadata of" << path << "not readable:" << e.what();
     } catch (const std::exception& e) {
@@ -93,7 +123,12 @@ Exiv2::Image::AutoPtr openImage(const QString& path) {
     } catch (...) {
         klLog() << "Metadata of" << path << "not readable";
     }
-    return Exiv2::Image::AutoPtr();
+    if (!isBareJxl(path)) return Exiv2::Image::AutoPtr();
+    try {
+        return Exiv2::ImageFactory::create(Exiv2::ImageType::xmp);
+    } catch (...) {
+        return Exiv2::Image::AutoPtr();
+    }
 }
 
 // Metadata text is UTF-8 when the writer was modern, Latin-1 when it was old.
@@ -151,6 +186,9 @@ qint64 exifNumber(const Exiv2::ExifData& exif, const char* key) {
 
 void readPixelSize(mMeta::ImageSource& source) {
     const Exiv2::Image& image = *source.image;
+    // HEIF turns the photo in its own boxes and ignores EXIF orientation: its size is the image
+    // reader's to tell, as is that of JPEG XL.
+    if (isReadOnlyFormat(image)) return;
     source.width = image.pixelWidth();
     source.height = image.pixelHeight();
     if (source.width > 0 && source.height > 0) return;
@@ -575,6 +613,9 @@ QString mMeta::hGetColorProfile(const QString& path) const {
         const QString description = iccDescription(icc);
         if (!description.isEmpty()) return description;
     }
+    if (image.imageType() == Exiv2::ImageType::bmff &&
+        HeifHeader::of(path).colourPrimaries == HeifHeader::kDisplayP3)
+        return QStringLiteral("Display P3");
 
     int components = headerComponents(path, image.mimeType());
     if (components == 0 && image.mimeType() == "image/tiff") {
@@ -666,11 +707,27 @@ QByteArray mMeta::exifBlockUpright(const QByteArray& block) {
     return {};
 }
 
+mMeta::OrientationAndXmp mMeta::orientationAndXmp(const QString& path) {
+    OrientationAndXmp read;
+    const Exiv2::Image::AutoPtr image = openImage(path);
+    if (!image.get()) return read;
+    const Exiv2::ExifData& exif = image->exifData();
+    const auto it = exif.findKey(Exiv2::ExifKey("Exif.Image.Orientation"));
+    if (it != exif.end() && it->count() > 0) read.orientation = int(it->toLong(0));
+    read.xmp = QByteArray::fromStdString(image->xmpPacket());
+    return read;
+}
+
 QString mMeta::hSetExifData(const QString& path, const QString& comment) const {
     writeError.clear();
     const ImageSourcePtr source = getMyImageSource(path);
     if (!source) {
         writeError = QStringLiteral("not a readable image");
+        return kFailed;
+    }
+    if (isReadOnlyFormat(*source->image)) {
+        writeError = QStringLiteral(
+            "HEIF, AVIF and JPEG XL photos are read, never written: the file is unchanged");
         return kFailed;
     }
     const std::string mimeType = source->image->mimeType();

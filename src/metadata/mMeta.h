@@ -70,6 +70,14 @@ class mMeta {
     // for pixels that were turned upright. Empty when the block cannot be read.
     static QByteArray exifBlockUpright(const QByteArray& block);
 
+    // For image readers that leave them out (JPEG XL): the EXIF orientation of the photo (1 when
+    // it has none) and its XMP packet (empty when none).
+    struct OrientationAndXmp {
+        int orientation = 1;
+        QByteArray xmp;
+    };
+    static OrientationAndXmp orientationAndXmp(const QString& path);
+
     QList<MetaTreeNode> myVarTree;
     mutable QString writeError;
     QString tfExifUserComment;
