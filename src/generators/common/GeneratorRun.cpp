@@ -63,10 +63,9 @@ RunResult runSite(const std::function<SitePlan(const QList<PhotoEntry>&)>& planO
     ui.progressStart();
     ui.progressStep(0.2);
     // A run its settings refuse reads no photo.
-    if (const SitePlan asked = planOf(requested); asked.refusal) {
-        result.carried = asked.carried;
-        return refused(ui, *asked.refusal, result);
-    }
+    SitePlan plan = planOf(requested);
+    result.carried = plan.carried;
+    if (plan.refusal) return refused(ui, *plan.refusal, result);
 
     // Photos whose header shows that no image can be made of them are left out before anything
     // is planned; the headers are read on every core.
@@ -90,8 +89,8 @@ RunResult runSite(const std::function<SitePlan(const QList<PhotoEntry>&)>& planO
         result.ok = true;
         return result;
     }
-    const SitePlan plan = planOf(photos);
-    result.carried = plan.carried;
+    // The plan counts only the photos that will appear (pages, warnings, the slideshow's counter).
+    if (photos.size() != requested.size()) plan = planOf(photos);
     ui.progressStep(0.2);
 
     // Refusals, before anything is written; nothing may be written over a photo of the run.
