@@ -2,6 +2,8 @@
 #include <QFileInfo>
 #include <QTextStream>
 #include <cstdio>
+#include <cstring>
+#include <vector>
 #ifdef __GLIBC__
 #include <malloc.h>
 #endif
@@ -21,11 +23,13 @@ void quietMessages(QtMsgType type, const QMessageLogContext& context, const QStr
     std::fprintf(stderr, "%s\n", qPrintable(message));
 }
 
-// No arguments, or photos, folders and projects that exist: the window. A command, an option or
-// anything else: the command line, which names what it does not know.
+// No arguments (but --verbose), or photos, folders and projects that exist: the window. A
+// command, an option or anything else: the command line, which names what it does not know.
 bool opensWindow(int argc, char** argv) {
-    if (argc <= 1) return true;
-    const QString first = QString::fromLocal8Bit(argv[1]);
+    int first_ = 1;
+    while (first_ < argc && std::strcmp(argv[first_], "--verbose") == 0) ++first_;
+    if (first_ >= argc) return true;
+    const QString first = QString::fromLocal8Bit(argv[first_]);
     if (first.startsWith(u'-') || first == u"help") return false;
     for (const cli::Command& command : cli::commands())
         if (command.name == first) return false;
@@ -41,14 +45,25 @@ int main(int argc, char** argv) {
     // which made a gallery run hold about 60% more memory than it uses.
     mallopt(M_MMAP_THRESHOLD, 1 << 20);
 #endif
-    if (opensWindow(argc, argv)) return runApp(argc, argv);
-
+    // Diagnostics reach the terminal only with --verbose, in the window as on the command line.
+    std::vector<char*> windowArguments{argv[0]};
+    for (int i = 1; i < argc; ++i) {
+        if (std::strcmp(argv[i], "--verbose") == 0)
+            verbose = true;
+        else
+            windowArguments.push_back(argv[i]);
+    }
     qInstallMessageHandler(quietMessages);
+    if (opensWindow(argc, argv)) {
+        windowArguments.push_back(nullptr);
+        return runApp(int(windowArguments.size()) - 1, windowArguments.data());
+    }
+
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("Orvella"));
     QCoreApplication::setOrganizationName(QStringLiteral("KeldraCom"));
     QStringList arguments = app.arguments().mid(1);
-    verbose = arguments.removeAll(QStringLiteral("--verbose")) > 0;
+    arguments.removeAll(QStringLiteral("--verbose"));
 
     QTextStream out(stdout);
     QTextStream err(stderr);

@@ -24,7 +24,8 @@ struct Io {
 };
 
 // Exit codes: 0 done, 1 a failure, 2 wrong usage or a refusal (an alert that stopped a run).
-enum Exit { kOk = 0, kFailed = 1, kUsage = 2 };
+// kNoPage: the run wrote its files but no page (a gallery whose photos fill its pages exactly).
+enum Exit { kOk = 0, kFailed = 1, kUsage = 2, kNoPage = 3 };
 
 struct Command {
     QString name;     // "meta", "image", "generate", "settings"

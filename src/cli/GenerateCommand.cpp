@@ -27,7 +27,7 @@ const char* const kHelp =
     "with a lightbox).\n"
     "Photos are taken in the order given; a folder adds its .png, .jpg, .jpeg, .tif, .tiff,\n"
     ".heic, .heif, .avif, .webp and .jxl files sorted by name. Prints the path of the first\n"
-    "page.\n"
+    "page. A page name given with \".html\" is taken without it.\n"
     "\n"
     "Options:\n"
     "  --out DIR             the output folder (required)\n"
@@ -58,7 +58,9 @@ const char* const kHelp =
     "run record keeps what was made.\n"
     "\n"
     "Exit codes: 0 done, 1 a file could not be read or written (each is named on stderr),\n"
-    "2 wrong usage or a run refused by an alert, 130 or 143 stopped by SIGINT or SIGTERM.\n";
+    "2 wrong usage or a run refused by an alert, 3 the files were written but no page (a\n"
+    "gallery whose photos fill its pages exactly writes none; stderr says so and no page path\n"
+    "is printed), 130 or 143 stopped by SIGINT or SIGTERM.\n";
 
 // Alerts and progress on the terminal.
 class TerminalUserInterface : public UserInterface {
@@ -304,9 +306,17 @@ int writeSite(const OutputKind& kind, const PhotoCollection& collection,
                << " photo(s) were not made; the run record holds the images that were\n";
         return 128 + signal;
     }
-    // The last line on stdout is the first page, when this run left one.
-    if (!result.firstPage.isEmpty()) io.out << result.firstPage << "\n";
-    return result.failures.isEmpty() && collection.skippedPhotos().isEmpty() ? kOk : kFailed;
+    if (!result.failures.isEmpty() || !collection.skippedPhotos().isEmpty()) {
+        if (!result.firstPage.isEmpty()) io.out << result.firstPage << "\n";
+        return kFailed;
+    }
+    if (result.firstPage.isEmpty()) {
+        io.err << prefix << ": no page was written\n";
+        return kNoPage;
+    }
+    // The last line on stdout is the first page.
+    io.out << result.firstPage << "\n";
+    return kOk;
 }
 
 Command generateCommand() {

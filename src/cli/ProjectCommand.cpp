@@ -45,7 +45,8 @@ const char* const kHelp =
     "\n"
     "Exit codes: 0 done, 1 a file could not be read or written (each is named on stderr),\n"
     "2 wrong usage or a refusal (not a project file, a photo name that leaves the project\n"
-    "folder, a run without published photos).\n";
+    "folder, a run without published photos), 3 the files were written but no page (the\n"
+    "photos fill the gallery's pages exactly).\n";
 
 const QString kPrefix = QStringLiteral("orvella project");
 

@@ -57,8 +57,9 @@ TEST(GenerateCli, WritesWhatTheOptionsSay) {
     } cases[] = {
         {"gallery",
          withSets({"--unpublish", "d.png", src},
-                  kSmall + QStringList{"ifNumberOfColumns=2", "tfNumberOfRows=1"}),
-         "myIndex.html",
+                  kSmall + QStringList{"ifNumberOfColumns=2", "tfNumberOfRows=1",
+                                       "tfHTMLfileName=album.html"}),
+         "album.html",
          "",
          {"KLimages_s/a.jpeg", "KLimages_s/b.jpeg", "KLimages_s/c.jpeg"},
          {"d.jpeg", "notes"}},
@@ -82,7 +83,7 @@ TEST(GenerateCli, WritesWhatTheOptionsSay) {
          {}},
         {"slideshow",
          withSets({"--sort", "za", "--unpublish", "b.JPG", "--threads", "1", src},
-                  {"cbSsAutorun=0", "cbSsShowNavigationBtn=0", "tfSsPageName=index",
+                  {"cbSsAutorun=0", "cbSsShowNavigationBtn=0", "tfSsPageName=index.HTML",
                    "tfSsImageWidth=60", "tfSsImageHeight=40"}),
          "index.html",
          "warning: The slides do not change by themselves: Autorun and the previous and next "
@@ -91,7 +92,7 @@ TEST(GenerateCli, WritesWhatTheOptionsSay) {
          {"b.jpeg"}},
         {"grid",
          withSets({"--highlight", "a.png", "--highlight", "b.JPG", "--unpublish", "c.tif", src},
-                  {"tfPageName=photos", "tfRGMaxColumns=3"}),
+                  {"tfPageName=photos.htm", "tfRGMaxColumns=3"}),
          "photos.html",
          "",
          {"minmax(400px, 1fr));", "<div class=\"klovlImage4\"> \n<a href=\"KLovImages/a.jpeg\"",
@@ -119,15 +120,18 @@ TEST(GenerateCli, WritesWhatTheOptionsSay) {
         for (const QString& text : c.absent)
             EXPECT_FALSE(files.contains(text) || pages.contains(text)) << text.toStdString();
     }
-    // An exact multiple of a page gives no page: kept, but the user is told.
+    // An exact multiple of a page gives no page: kept, but the user is told, no page path is
+    // printed and the exit code is 3.
     const QString none = freshDir("cli-generate-none");
     QString stdErr;
-    orvellaOut(0,
-               {"generate", "gallery", "--out", none, "--set", "ifNumberOfColumns=1", "--set",
-                "ifNumberOfRows=1", src + "a.png"},
-               &stdErr);
-    EXPECT_TRUE(stdErr.contains("warning: No page will be written: 1 photos fill exactly 1 pages"))
+    EXPECT_EQ(orvellaOut(3,
+                         {"generate", "gallery", "--out", none, "--set", "ifNumberOfColumns=1",
+                          "--set", "ifNumberOfRows=1", src + "a.png"},
+                         &stdErr),
+              "");
+    EXPECT_TRUE(stdErr.contains("warning: No page will be written: 1 photos fill exactly 1 page "))
         << stdErr.toStdString();
+    EXPECT_TRUE(stdErr.endsWith("orvella generate: no page was written\n")) << stdErr.toStdString();
     EXPECT_FALSE(QFile::exists(none + "myIndex.html"));
 }
 

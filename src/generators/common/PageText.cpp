@@ -102,4 +102,11 @@ QString urlPath(const QString& folder, const QString& fileName) {
     return folder + u'/' + urlSegment(fileName);
 }
 
+QString pageName(const QString& typed) {
+    for (const QLatin1String suffix : {QLatin1String(".html"), QLatin1String(".htm")})
+        if (typed.size() > suffix.size() && typed.endsWith(suffix, Qt::CaseInsensitive))
+            return typed.chopped(suffix.size());
+    return typed;
+}
+
 }  // namespace PageText

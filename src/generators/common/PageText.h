@@ -50,4 +50,8 @@ QString urlSegment(const QString& name);
 // A relative URL of a folder and a file name, such as "KLimages_b/My%20photo.jpeg".
 QString urlPath(const QString& folder, const QString& fileName);
 
+// A page name as the user typed it, without the ".html" or ".htm" the run adds itself (any case),
+// so "album.html" names "album.html" and not "album.html.html".
+QString pageName(const QString& typed);
+
 }  // namespace PageText

@@ -246,7 +246,7 @@ GallerySettings cResponsiveDesign::readSettings(const SettingsStore& s,
                                                 const QString& destination) {
     GallerySettings g;
     g.gridModel = s.index("pubPhotoGalleryModel") == 2;
-    g.baseName = pageBaseName(s.text("tfHTMLfileName"));
+    g.baseName = pageBaseName(PageText::pageName(s.text("tfHTMLfileName")));
     g.pageTitle = s.text("tfPageTitle");
     g.heading = s.text("tvTitle");
     g.gridWidth = s.text("tfGridWidth");
@@ -485,11 +485,13 @@ SitePlan cResponsiveDesign::plan(const SettingsStore& snapshot, const QList<Phot
     if (photos.size() % perPage == 0)  // the page count of an exact multiple is 0
         plan.warnings.append(
             {QStringLiteral("No page will be written"),
-             QStringLiteral("%1 photos fill exactly %2 pages of %3 photos (%4 columns x %5 "
+             QStringLiteral("%1 photos fill exactly %2 of %3 photos (%4 columns x %5 "
                             "rows); an exact multiple gives no page. Change the rows or the "
                             "columns, or the number of photos.")
                  .arg(photos.size())
-                 .arg(photos.size() / perPage)
+                 .arg(photos.size() == perPage
+                          ? QStringLiteral("1 page")
+                          : QString::number(photos.size() / perPage) + QStringLiteral(" pages"))
                  .arg(perPage)
                  .arg(g.columns)
                  .arg(g.rows)});

@@ -108,7 +108,7 @@ QString cResponsiveGrid::outputName(const QString& photoPath) {
 
 GridSettings cResponsiveGrid::readSettings(const SettingsStore& s, const QString& destination) {
     GridSettings g;
-    g.pageName = s.text("tfRgPageName");
+    g.pageName = PageText::pageName(s.text("tfRgPageName"));
     g.showTitle = s.isOn("cbRgWebPageTitle");
     g.title = s.text("tfRgWebPageTitle");
     g.showDescription = s.isOn("cbRgDescription");

@@ -157,7 +157,7 @@ SlideshowSettings cSlideshow::readSettings(const SettingsStore& s, const QString
                                            const QString& previousCaptionWeight) {
     SlideshowSettings p;
     p.templateIndex = s.index("pubSsTemplateChoice");
-    p.pageName = s.text("tfSsPageName");
+    p.pageName = PageText::pageName(s.text("tfSsPageName"));
     p.webPageTitle = s.isOn("cbSsWebPageTitle");
     p.webPageTitleText = s.text("tfSsWebPageTitle");
     p.heading = s.isOn("cbSsTitle");
