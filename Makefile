@@ -1,6 +1,7 @@
 # make test   installs what is missing, builds with sanitizers and runs every test
 # make demo   a gallery, a slideshow and a grid of Debian's mate-backgrounds photographs, with
 #             captions, linked from demo/index.html
+# make screenshots  the demo's sites on a laptop and a phone, as docs/screenshots/*.jpeg
 # make bench  runs the benchmarks in bench/
 # make install [PREFIX=/usr/local] [DESTDIR=]   installs the program, desktop entry, icon, manual
 # make uninstall [DESTDIR=]                     removes exactly what the last install put there
@@ -18,7 +19,7 @@ DEB_PACKAGES := cmake g++ ninja-build pkg-config qt6-base-dev libvips-dev libvip
 	mate-backgrounds chromium time python3 desktop-file-utils man-db groff-base dpkg-dev file \
 	shared-mime-info libcurl4-openssl-dev libsecret-1-dev openssh-server openssh-client vsftpd
 
-.PHONY: all test demo bench deps npm-deps build-test build-release clean format install uninstall \
+.PHONY: all test demo screenshots bench deps npm-deps build-test build-release clean format install uninstall \
 	package
 
 all: build-release
@@ -54,6 +55,9 @@ build-release: deps
 
 demo: build-release
 	scripts/demo $(BUILD_RELEASE)/orvella demo
+
+screenshots: demo npm-deps
+	node docs/screenshots.mjs demo docs/screenshots
 
 # The whole release build: the program and its manual page and completion, made from its help.
 install: build-release

@@ -359,6 +359,46 @@ Picture KLImageHandling::slide(const Picture& photo, const QString& boxWidth,
     }
 }
 
+Picture KLImageHandling::covered(const Picture& photo, int width, int height, int position,
+                                 int shiftX, int shiftY) {
+    if (photo.isNull()) return fail(kFailed, QStringLiteral("not a readable image"));
+    if (!sizeIsWritable(width, height))
+        return fail(kFailed, QStringLiteral("no image of %1 x %2").arg(width).arg(height));
+    const double scale = std::max(double(width) / photo.width(), double(height) / photo.height());
+    const int scaledW = std::max(width, int(std::lround(photo.width() * scale)));
+    const int scaledH = std::max(height, int(std::lround(photo.height() * scale)));
+    if (!sizeIsWritable(scaledW, scaledH))
+        return fail(kFailed, QStringLiteral("no image of %1 x %2").arg(width).arg(height));
+    const int at = position >= 0 && position <= 8 ? position : 4;
+    const qint64 xs[3] = {0, (scaledW - width) / 2, scaledW - width};
+    const qint64 ys[3] = {0, (scaledH - height) / 2, scaledH - height};
+    myXWOffset = int(std::clamp<qint64>(xs[at % 3] + shiftX, 0, scaledW - width));
+    myYHOffset = int(std::clamp<qint64>(ys[at / 3] + shiftY, 0, scaledH - height));
+    try {
+        const VImage scaled = scaledTo(photo.data().pixels, scaledW, scaledH);
+        storeResult = kOk;
+        return photo.data().with(scaled.extract_area(myXWOffset, myYHOffset, width, height));
+    } catch (const VError& e) {
+        return fail(kFailed, reasonOf(e));
+    }
+}
+
+Picture KLImageHandling::fitted(const Picture& photo, int longest) {
+    if (photo.isNull()) return fail(kFailed, QStringLiteral("not a readable image"));
+    const int own = std::max(photo.width(), photo.height());
+    const double scale = std::min(1.0, double(longest) / own);
+    const int w = std::max(1, int(std::lround(photo.width() * scale)));
+    const int h = std::max(1, int(std::lround(photo.height() * scale)));
+    if (longest <= 0 || !sizeIsWritable(w, h))
+        return fail(kFailed, QStringLiteral("no image of longest side %1").arg(longest));
+    try {
+        storeResult = kOk;
+        return photo.data().with(scaledTo(photo.data().pixels, w, h));
+    } catch (const VError& e) {
+        return fail(kFailed, reasonOf(e));
+    }
+}
+
 Picture KLImageHandling::gridImage(const Picture& photo, const QString& width) {
     if (photo.isNull()) return fail(kFailed, QStringLiteral("not a readable image"));
     if (!computeGridSize(photo.width(), photo.height(), TextValues::intValue(width)))

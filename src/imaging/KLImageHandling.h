@@ -43,6 +43,13 @@ class KLImageHandling {
     Picture framed(const Picture& image, const QColor& color, quint32 width);
     // Slide: covers the box and keeps its centre.
     Picture slide(const Picture& photo, const QString& boxWidth, const QString& boxHeight);
+    // Fills a width x height box with the photo, scaled no more than covering the box takes, and
+    // keeps the box at `position` (0..8), moved by (shiftX, shiftY) box pixels but never off the
+    // photo: a plain crop to the box's shape.
+    Picture covered(const Picture& photo, int width, int height, int position, int shiftX = 0,
+                    int shiftY = 0);
+    // The photo scaled so that its longer side is `longest`, never enlarged.
+    Picture fitted(const Picture& photo, int longest);
     // Grid image of a fixed width, scaled by a whole percent.
     Picture gridImage(const Picture& photo, const QString& width);
     // Writes a picture to `path` in the type `typeIdentifier`: JPEG and TIFF keep its metadata,

@@ -7,13 +7,14 @@ import fs from 'node:fs';
 import path from 'node:path';
 import { before, test } from 'node:test';
 import {
-    act, address, bothWays, freshDir, generate, lightbox, makePhotos, open, outputRoot, pageUrl,
-    settled, sourceDir, waitForPhoto,
+    act, address, bothWays, contrastOf, distorted, freshDir, generate, lightbox, lightboxLooks,
+    makePhotos, onScreens, open, outputRoot, pageUrl, settled, sourceDir, waitForPhoto,
 } from './support.mjs';
 
 const ODD = ['a#b', 'what?', '100%', 'two words', 'semi;colon', 'Ünïcødé', 'amp&er', 'plain-name_1'];
 const PATTERN = path.join(sourceDir, 'resources/patterns/dots.png');
 const site = {};  // page files
+const own = {};   // the widths of the real photographs, by name
 
 before(() => {
     const root = freshDir('gallery');
@@ -31,9 +32,10 @@ before(() => {
     site.odd = page('odd', { ifNumberOfColumns: 4, ifNumberOfRows: 3 }, makePhotos(path.join(root, 'odd'), ODD));
     // Real photographs captioned through their EXIF comments, one caption long enough to wrap.
     const nature = '/usr/share/backgrounds/mate/nature';
-    const real = fs.readdirSync(nature).filter((n) => n.endsWith('.jpg')).sort().slice(0, 9).map((name, i) => {
+    const real = fs.readdirSync(nature).filter((n) => n.endsWith('.jpg')).sort().map((name, i) => {
         const file = path.join(root, name);
         fs.copyFileSync(path.join(nature, name), file);
+        own[name.replace(/\.jpg$/, '')] = Number(execFileSync('vipsheader', ['-f', 'width', file]));
         execFileSync(process.env.ORVELLA_BINARY, ['meta', 'set-comment', file, i === 1
             ? 'A longer caption that has to wrap over more than one line when the cell is narrow' : `Photo ${i + 1}`]);
         return { file };
@@ -230,43 +232,58 @@ bothWays((mode) => {
         await page.close();
     });
 
-    const inside = (inner, outer) => inner.left >= outer.left - 1 && inner.right <= outer.right + 1
-        && inner.top >= outer.top - 1 && inner.bottom <= outer.bottom + 1;
-    for (const width of [1440, 390]) {
-        test(`the default gallery at ${width} pixels: filled, centred, captions inside, readable`, async () => {
-            const page = await load(site.looks);
-            await page.setViewportSize({ width, height: 900 });
-            await page.waitForFunction(() => [...document.images].every((i) => i.complete));
-            const cells = await page.$$eval('.klOVresponsive', (els) => els.map((cell) => {
-                const box = (e) => JSON.parse(JSON.stringify(e.getBoundingClientRect()));
-                const img = cell.querySelector('img');
-                const caption = cell.querySelector('.klOVdescription');
-                return {
-                    cell: box(cell), img: box(img), caption: box(caption),
-                    natural: img.naturalWidth / img.naturalHeight, naturalWidth: img.naturalWidth,
-                    captionFont: parseFloat(getComputedStyle(caption).fontSize),
-                };
-            }));
-            const pageWidth = await page.evaluate(() => document.documentElement.clientWidth);
-            assert.equal(cells.length, 9);
-            const left = Math.min(...cells.map((c) => c.img.left));
-            const right = pageWidth - Math.max(...cells.map((c) => c.img.right));
-            // The thumbnails span the page, with margins within 4 % of each other (the stylesheet's
-            // cells are 24 % wide, so four of them leave 4 % of the row on the right).
-            assert.ok(pageWidth - left - right > 0.8 * pageWidth, `${left} ${right} of ${pageWidth}`);
-            assert.ok(Math.abs(left - right) < 0.04 * pageWidth, `margins ${left} and ${right}`);
-            for (const [i, c] of cells.entries()) {
-                // Shown at their own proportions, never stretched, and sharp (not enlarged).
-                assert.ok(Math.abs(c.img.width / c.img.height - c.natural) < 0.02, JSON.stringify(c));
-                assert.ok(c.img.width <= c.naturalWidth + 1, JSON.stringify(c));
-                assert.ok(inside(c.caption, c.cell) && c.caption.top >= c.img.bottom - 1, JSON.stringify(c));
-                assert.ok(c.captionFont >= 14, `caption font ${c.captionFont}px`);
-                const a = cells[i - 1]?.cell;  // neighbouring cells do not overlap
-                assert.ok(!a || c.cell.left >= a.right - 1 || c.cell.top >= a.bottom - 1, JSON.stringify([a, c.cell]));
-            }
-            await page.screenshot({ path: path.join(outputRoot, `looks-${width}.png`), fullPage: true });
-            assert.deepEqual(page.errors, []);
-            await page.close();
+});
+
+// The default gallery of twelve real photographs on a laptop (1x and 2x) and a phone (3x): every
+// thumbnail at its photo's shape and sharp, rows centred under a heading clear of the top, captions
+// readable on their cells, and a lightbox that takes the screen with clear controls, a counter and
+// an image with the pixels the screen has.
+onScreens((mode) => {
+    test('the default gallery and its lightbox', async () => {
+        const page = await open(mode.browser, site.looks);
+        await page.waitForFunction(() => [...document.images].every((i) => i.complete));
+        await settled(page);
+        assert.deepEqual(await distorted(page, '.klOVimg img'), []);
+        const m = await page.evaluate(() => {
+            const imgs = [...document.querySelectorAll('.klOVimg img')];
+            const boxes = imgs.map((i) => i.getBoundingClientRect());
+            const heading = document.createRange();
+            heading.selectNodeContents(document.querySelector('.klOVtitle'));
+            return {
+                left: Math.min(...boxes.map((b) => b.left)),
+                right: document.documentElement.clientWidth - Math.max(...boxes.map((b) => b.right)),
+                headingTop: heading.getBoundingClientRect().top,
+                sharpness: Math.min(...imgs.map((i, k) => i.naturalWidth / boxes[k].width)),
+            };
         });
-    }
+        assert.ok(Math.abs(m.left - m.right) <= 24, `margins ${m.left} and ${m.right}`);
+        assert.ok(m.headingTop >= 16, `heading at ${m.headingTop}`);
+        assert.ok(m.sharpness >= Math.min(1.5, mode.screen.deviceScaleFactor), `thumbnails: ${m.sharpness} px a CSS px`);
+        const contrast = await contrastOf(page, '.klOVdescription');
+        assert.ok(contrast >= 4.5, `caption contrast ${contrast}`);
+        await page.screenshot({ path: path.join(outputRoot, `looks-${mode.screen.name}.png`), fullPage: true });
+
+        const requested = [];
+        page.on('request', (r) => requested.push(decodeURIComponent(r.url())));
+        await page.locator('.klOVimg a').nth(2).click();
+        await waitForPhoto(page, big('Dune'));
+        // As many image pixels a CSS pixel as the screen has, up to 1.5 and the photo's own size.
+        await page.waitForFunction(([need, width]) => {
+            const img = document.querySelector('.klOVlightbox img');
+            return img.naturalWidth >= Math.min(need * img.clientWidth, width) - 1;
+        }, [Math.min(1.5, mode.screen.deviceScaleFactor), own.Dune], { timeout: 10000 });
+        const box = await lightboxLooks(page);
+        assert.equal(box.counter, '3 / 12');
+        if (mode.phone) assert.ok(box.width >= 0.85 * box.window.width, JSON.stringify(box));
+        else assert.ok(box.width >= 0.8 * box.window.width || box.height >= 0.8 * box.window.height, JSON.stringify(box));
+        assert.equal(box.buttons.length, 3);
+        for (const b of box.buttons) assert.ok(b.size >= 28 && b.opacity === '1', JSON.stringify(b));
+        assert.ok(box.captionFont >= 14, `caption ${box.captionFont}px`);
+        for (const name of ['Blinds', 'FreshFlower']) {  // the photos before and after
+            assert.ok(requested.some((url) => new RegExp(`KLimages_b(2x)?/${name}\\.jpeg$`).test(url)), name);
+        }
+        await page.screenshot({ path: path.join(outputRoot, `lightbox-${mode.screen.name}.png`) });
+        assert.deepEqual(page.errors, []);
+        await page.close();
+    });
 });

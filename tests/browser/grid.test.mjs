@@ -2,9 +2,14 @@
 // boxes, the column count, the lightbox across both of its groups and its deep links, the hover
 // magnification.
 import assert from 'node:assert/strict';
+import { execFileSync } from 'node:child_process';
+import fs from 'node:fs';
 import path from 'node:path';
 import { before, test } from 'node:test';
-import { act, address, bothWays, freshDir, generate, lightbox, makePhotos, open, outputRoot, pageUrl, waitForPhoto } from './support.mjs';
+import {
+    act, address, bothWays, contrastOf, distorted, freshDir, generate, lightbox, lightboxLooks, makePhotos,
+    onScreens, open, outputRoot, pageUrl, settled, waitForPhoto,
+} from './support.mjs';
 
 let root;
 let photos;  // photo01..photo08; photo03 and photo06 are portrait
@@ -18,9 +23,18 @@ function grid(name, settings) {
     return pages[name];
 }
 
+let nature;  // the default grid of the twelve real photographs and a portrait, three highlighted
+
 before(() => {
     root = freshDir('grid');
     photos = makePhotos(path.join(root, 'photos'), 8);
+    const folder = '/usr/share/backgrounds/mate/nature';
+    const real = fs.readdirSync(folder).filter((n) => n.endsWith('.jpg')).sort().map((name) => ({ file: path.join(folder, name) }));
+    const tall = path.join(root, 'WoodTall.jpg');
+    execFileSync('vips', ['rot', path.join(folder, 'Wood.jpg'), tall, 'd90']);
+    nature = path.join(generate(path.join(root, 'nature'), { tfRgMetaDataToShow: 'Show Filename' }, [...real, { file: tall }], {
+        kind: 'grid', options: ['--highlight', 'Aqua.jpg', '--highlight', 'LadyBird.jpg', '--highlight', 'WoodTall.jpg'],
+    }), 'index.html');
 });
 
 // The tracks each cell covers, found by matching its box against the grid lines.
@@ -57,7 +71,7 @@ const layout = (page) => page.evaluate(() => {
     };
 });
 
-const big = (name) => `KLovImages/${name}.jpeg`;
+const big = (name) => `KLovImages_b/${name}.jpeg`;
 
 bothWays((mode) => {
     test('at most the maximum number of columns in the 1200-pixel container; highlighted cells span 3 x 3 (landscape) and 2 x 2 (portrait)', async () => {
@@ -71,7 +85,6 @@ bothWays((mode) => {
             assert.equal(found.columns, expected, `tfRGMaxColumns ${max}: ${JSON.stringify(found)}`);
             assert.ok(found.trackWidth >= Math.floor(1200 / max), JSON.stringify(found));
             if (max === 6) assert.deepEqual(found.cells, spans);
-            if (max === 6) await page.screenshot({ path: path.join(outputRoot, 'grid-page.png'), fullPage: true });
             assert.deepEqual(page.errors, []);
             await page.close();
         }
@@ -135,3 +148,56 @@ bothWays((mode) => {
         }
     });
 }, { width: 1400, height: 900 });
+
+// The empty places of the grid, each a track wide and high, found by the centres of its slots
+// (tracks of no height, which a tall cell alone spans, hold none).
+const holes = (page) => page.evaluate(() => {
+    const grid = document.querySelector('.klovlGrid');
+    const style = getComputedStyle(grid);
+    const box = grid.getBoundingClientRect();
+    const centres = (list, from, gap) => {
+        let at = from;
+        return list.trim().split(/\s+/).map(parseFloat)
+            .map((size) => { at += size + gap; return size < 1 ? null : at - gap - size / 2; }).filter((c) => c !== null);
+    };
+    const cells = [...grid.children].map((c) => c.getBoundingClientRect());
+    const empty = [];
+    for (const y of centres(style.gridTemplateRows, box.top, parseFloat(style.rowGap))) {
+        for (const x of centres(style.gridTemplateColumns, box.left, parseFloat(style.columnGap))) {
+            if (!cells.some((r) => x > r.left && x < r.right && y > r.top && y < r.bottom)) empty.push([x, y]);
+        }
+    }
+    return { empty, right: box.right, last: Math.max(...cells.map((r) => r.right)),
+        overflow: document.documentElement.scrollWidth - innerWidth };
+});
+
+// The default grid on a laptop (1x and 2x) and a phone (3x): no stretched photo, no hole larger
+// than a cell, no column beyond the window; a lightbox of the big image, at the screen's pixels.
+onScreens((mode) => {
+    test('the default grid of highlighted photos and its lightbox', async () => {
+        const page = await open(mode.browser, nature);
+        await page.waitForFunction(() => [...document.images].every((i) => i.complete));
+        await settled(page);
+        assert.deepEqual(await distorted(page, '.klovlGrid img'), []);
+        const found = await holes(page);
+        assert.ok(found.empty.length <= 1, JSON.stringify(found));
+        assert.ok(found.overflow <= 0 && Math.abs(found.right - found.last) < 1, JSON.stringify(found));
+        await page.screenshot({ path: path.join(outputRoot, `grid-${mode.screen.name}.png`), fullPage: true });
+
+        await page.locator('.klovlGrid a[href$="Dune.jpeg"]').click();
+        await waitForPhoto(page, big('Dune'));
+        await page.waitForFunction((need) => {
+            const img = document.querySelector('.klOVlightbox img');
+            return img.naturalWidth >= Math.min(need * img.clientWidth, 1680) - 1;
+        }, Math.min(1.5, mode.screen.deviceScaleFactor), { timeout: 10000 });
+        const box = await lightboxLooks(page);
+        assert.equal(box.counter, '3 / 13');
+        if (mode.phone) assert.ok(box.width >= 0.85 * box.window.width, JSON.stringify(box));
+        for (const b of box.buttons) assert.ok(b.size >= 28 && b.opacity === '1', JSON.stringify(b));
+        assert.ok(box.captionFont >= 14, `caption ${box.captionFont}px`);
+        const contrast = await contrastOf(page, '.klOVlightbox_caption');
+        assert.ok(contrast >= 4.5, `caption contrast ${contrast}`);
+        assert.deepEqual(page.errors, []);
+        await page.close();
+    });
+});

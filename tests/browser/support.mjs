@@ -49,10 +49,10 @@ export function generate(out, settings, photos, { kind = 'gallery', options = []
 
 // A browser with a fresh profile; every request off the disk is answered locally or refused.
 // Offline, every one is refused, the CDN's jQuery too.
-async function launch(viewport, offline) {
+async function launch(viewport, offline, screen = {}) {
     const profile = fs.mkdtempSync(path.join(os.tmpdir(), 'orvella-chromium-'));
     const context = await chromium.launchPersistentContext(profile, {
-        executablePath: '/usr/bin/chromium', headless: true, viewport,
+        executablePath: '/usr/bin/chromium', headless: true, viewport, ...screen,
         args: ['--no-sandbox', '--disable-gpu', '--no-first-run', '--disable-background-networking'],
     });
     await context.route('**/*', (route) => {
@@ -85,6 +85,88 @@ export function bothWays(body, viewport = { width: 1100, height: 800 }) {
     }
 }
 
+// The screens the pages are measured on: a laptop at 1x and 2x, a phone at 3x.
+export const SCREENS = [
+    { name: 'laptop', viewport: { width: 1440, height: 900 }, deviceScaleFactor: 1 },
+    { name: 'laptop 2x', viewport: { width: 1440, height: 900 }, deviceScaleFactor: 2 },
+    { name: 'phone 3x', viewport: { width: 390, height: 844 }, deviceScaleFactor: 3, isMobile: true, hasTouch: true },
+];
+
+// Declares the tests of `body` once per screen, offline; `mode.browser` is the browser of the run.
+export function onScreens(body) {
+    for (const screen of SCREENS) {
+        describe(screen.name, () => {
+            const mode = { screen, phone: screen.viewport.width < 600 };
+            before(async () => {
+                const { name, viewport, ...rest } = screen;
+                mode.browser = await launch(viewport, true, rest);
+            });
+            after(async () => mode.browser && mode.browser.closeAll());
+            body(mode);
+        });
+    }
+}
+
+// Photos whose drawn shape is more than 6 % off their own, unless cut by object-fit.
+export const distorted = (page, selector) => page.$$eval(selector, (imgs) => imgs.map((img) => {
+    const r = img.getBoundingClientRect();
+    const fit = getComputedStyle(img).objectFit;
+    const off = Math.abs((r.width / r.height) / (img.naturalWidth / img.naturalHeight) - 1);
+    return { src: img.getAttribute('src'), off, fit };
+}).filter((d) => d.off > 0.06 && d.fit !== 'cover' && d.fit !== 'contain'));
+
+// What the open lightbox shows, measured: the photo's box and image pixels, the buttons, the
+// counter and the caption's font size.
+export const lightboxLooks = (page) => page.evaluate(() => {
+    const box = document.querySelector('.klOVlightbox');
+    const img = box.querySelector('img');
+    const r = img.getBoundingClientRect();
+    const buttons = [...box.querySelectorAll('.klOVlightbox_button')]
+        .filter((b) => getComputedStyle(b).display !== 'none')
+        .map((b) => ({ size: Math.min(b.offsetWidth, b.offsetHeight), opacity: getComputedStyle(b).opacity }));
+    const caption = box.querySelector('.klOVlightbox_caption p');
+    return {
+        width: r.width, height: r.height, natural: img.naturalWidth, src: img.getAttribute('src'),
+        window: { width: innerWidth, height: innerHeight }, buttons,
+        counter: box.querySelector('.klOVlightbox_counter')?.textContent,
+        captionFont: caption && getComputedStyle(caption.parentNode).display !== 'none'
+            ? parseFloat(getComputedStyle(caption).fontSize) : null,
+    };
+});
+
+// The WCAG contrast between the text of an element and what lies behind it, from a screenshot:
+// the commonest colour of its box is the background, the pixel farthest from it the text.
+export async function contrastOf(page, selector) {
+    const shot = await page.locator(selector).first().screenshot();
+    return page.evaluate(async (data) => {
+        const image = new Image();
+        image.src = `data:image/png;base64,${data}`;
+        await image.decode();
+        const canvas = Object.assign(document.createElement('canvas'), { width: image.width, height: image.height });
+        const context = canvas.getContext('2d');
+        context.drawImage(image, 0, 0);
+        const px = context.getImageData(0, 0, image.width, image.height).data;
+        const lum = (i) => [0, 1, 2].map((k) => px[i + k] / 255)
+            .map((c) => (c <= 0.03928 ? c / 12.92 : ((c + 0.055) / 1.055) ** 2.4))
+            .reduce((sum, c, k) => sum + c * [0.2126, 0.7152, 0.0722][k], 0);
+        const counts = new Map();
+        for (let i = 0; i < px.length; i += 4) {
+            const key = (px[i] << 16) | (px[i + 1] << 8) | px[i + 2];
+            counts.set(key, (counts.get(key) || 0) + 1);
+        }
+        const commonest = [...counts.entries()].sort((a, b) => b[1] - a[1])[0][0];
+        const back = [commonest >> 16, (commonest >> 8) & 255, commonest & 255].map((c) => c / 255)
+            .map((c) => (c <= 0.03928 ? c / 12.92 : ((c + 0.055) / 1.055) ** 2.4))
+            .reduce((sum, c, k) => sum + c * [0.2126, 0.7152, 0.0722][k], 0);
+        let best = 1;
+        for (let i = 0; i < px.length; i += 4) {
+            const l = lum(i);
+            best = Math.max(best, (Math.max(l, back) + 0.05) / (Math.min(l, back) + 0.05));
+        }
+        return best;
+    }, shot.toString('base64'));
+}
+
 // Opens a page (with `hash` in its address) once its lightbox script is ready, unless it has
 // none; script errors are collected in page.errors.
 export async function open(context, file, { hash = '', lightbox = true } = {}) {
@@ -107,11 +189,12 @@ export const lightbox = (page) => page.evaluate(() => {
     };
 });
 
-// Waits until the lightbox shows the big image that ends with `end`, fully loaded.
+// Waits until the lightbox shows the big image that ends with `end` (or its larger one, in the
+// folder beside with "2x" added: KLimages_b2x/), fully loaded.
 export const waitForPhoto = (page, end) => page.waitForFunction((e) => {
     const img = document.querySelector('.klOVlightbox img');
     return img && getComputedStyle(img).display !== 'none' && img.complete && img.naturalWidth > 0
-        && (img.getAttribute('src') || '').endsWith(e);
+        && (img.getAttribute('src') || '').replace(/_b2x\//, '_b/').endsWith(e);
 }, end, { timeout: 10000 });
 
 // The page file and fragment of the address bar: "myIndex2.html#photo=photo03.jpeg".

@@ -162,7 +162,7 @@ TEST(GenerateCli, SettingsListing) {
              {"grid", "cbRgShowMetaData\tcbRgExifUC\tcheckbox\t1\t"},
              {"grid", "tfRgMetaDataFontColor\ttfRgFileNameFontColor,cwRgCaption\tcolour\tFFFFFF"},
              {"grid", "ascNSColorWellObjRGLightboxBgColor\ttfNSColorWellObjRGLightboxBgColor\t"},
-             {"grid", "tfRGMaxColumns\ttfRgMaxColumns\ttext\t6\t"},
+             {"grid", "tfRGMaxColumns\ttfRgMaxColumns\ttext\t10\t"},
              {"slideshow", "tfSsTitle\ttvSsTitle\t"},
              {"slideshow", "pubSsTemplateChoice\tpubSlideTemplateChoice\t"},
              {"slideshow", "tfSsHTMLTitleFontColor\tcwIntro\t"},

@@ -237,8 +237,8 @@ void cResponsiveDesign::settingEdited(SettingsStore& settings, const QString& na
 }
 
 const QStringList& cResponsiveDesign::folders() {
-    static const QStringList list = {"KLimages_b/", "KLimages_s/", "KLcss/", "KLovPatterns/",
-                                     "KLovlightbox/"};
+    static const QStringList list = {"KLimages_b/",   "KLimages_s/",   "KLcss/",
+                                     "KLovPatterns/", "KLovlightbox/", QString(kLargeFolder)};
     return list;
 }
 
@@ -362,7 +362,6 @@ QStringList cResponsiveDesign::hScaleImageMaxValueHTML(const QString& photoPath,
     QStringList failures;
     const QString base = QFileInfo(photoPath).completeBaseName();
     const QString thumbFolder = im.destination + "KLimages_s/";
-    const QString bigFolder = im.destination + "KLimages_b/";
     QString error;
     int width = 0;
     int height = 0;
@@ -370,7 +369,10 @@ QStringList cResponsiveDesign::hScaleImageMaxValueHTML(const QString& photoPath,
         !PhotoDecoder::uprightSize(photoPath, &width, &height, &error))
         return {photoPath + QStringLiteral(": ") + error};
 
-    // Decoded once, shrunk to what the larger of the two derivatives needs.
+    // The thumbnail of the scale-and-crop action is a plain crop of the photo to the crop box.
+    const bool plainCrop = im.thumbAction == 0 && im.thumb.cropWidth > 0 && im.thumb.cropHeight > 0;
+    const DerivativeSettings large = largeBig(im.big, width, height);
+    // Decoded once, shrunk to what the largest of the derivatives needs.
     double scale = 0;
     auto need = [&](int size, int mode) {
         KLImageHandling probe;
@@ -378,13 +380,16 @@ QStringList cResponsiveDesign::hScaleImageMaxValueHTML(const QString& photoPath,
             scale =
                 std::max({scale, double(probe.newImgW) / width, double(probe.newImgH) / height});
     };
-    if (im.thumbAction != 0) {
+    if (plainCrop) {
+        scale = std::max(
+            {scale, double(im.thumb.cropWidth) / width, double(im.thumb.cropHeight) / height});
+    } else if (im.thumbAction != 0) {
         need(im.thumb.cropWidth, 6);
         need(im.thumb.cropHeight, 7);
     } else {
         need(im.thumb.size, 4);
     }
-    need(im.big.size, 5);
+    need(large.size, 5);
     const Picture photo =
         KLImageHandling::hWorkingCopy(PhotoDecoder::decode(photoPath, scale, &error));
     if (photo.isNull()) return {photoPath + QStringLiteral(": ") + error};
@@ -392,7 +397,10 @@ QStringList cResponsiveDesign::hScaleImageMaxValueHTML(const QString& photoPath,
     KLImageHandling images(
         CropShifts{im.thumb.shiftX, im.thumb.shiftY, im.big.shiftX, im.big.shiftY});
     Picture thumb;
-    if (im.thumbAction != 0) {
+    if (plainCrop) {
+        thumb = images.covered(photo, im.thumb.cropWidth, im.thumb.cropHeight,
+                               im.thumb.cropPosition, im.thumb.shiftX, im.thumb.shiftY);
+    } else if (im.thumbAction != 0) {
         // Both scale the photo itself, so the second result replaces the first: kept on purpose.
         const Picture byWidth = images.resized(photo, im.thumb.cropWidth, 6);
         const Picture byHeight = images.resized(photo, im.thumb.cropHeight, 7);
@@ -400,21 +408,40 @@ QStringList cResponsiveDesign::hScaleImageMaxValueHTML(const QString& photoPath,
     } else {
         thumb = images.resized(photo, im.thumb.size, 4);
     }
-    // Only the scale-and-crop action crops the thumbnail.
     if (thumb.isNull())
         failures.append(thumbFolder + base + u'.' + im.thumb.format + ": " + images.lastError);
     else
-        finishDerivative(images, thumb, base, thumbFolder, im.thumb,
-                         im.thumbAction == 0 ? QStringLiteral("myCropThumb") : QString(),
-                         &failures);
+        finishDerivative(images, thumb, base, thumbFolder, im.thumb, QString(), &failures);
 
-    const Picture big = images.resized(photo, im.big.size, 5);
-    if (big.isNull())
-        failures.append(bigFolder + base + u'.' + im.big.format + ": " + images.lastError);
-    else
-        finishDerivative(images, big, base, bigFolder, im.big, QStringLiteral("myCropBig"),
-                         &failures);
+    // The big image, and the larger one the lightbox shows where the screen has the pixels.
+    for (const auto& [folder, d] : {std::pair{QStringLiteral("KLimages_b/"), im.big},
+                                    std::pair{QString(kLargeFolder), large}}) {
+        KLImageHandling bigImages(CropShifts{0, 0, d.shiftX, d.shiftY});
+        const Picture big = bigImages.resized(photo, d.size, 5);
+        if (big.isNull())
+            failures.append(im.destination + folder + base + u'.' + d.format + ": " +
+                            bigImages.lastError);
+        else
+            finishDerivative(bigImages, big, base, im.destination + folder, d,
+                             QStringLiteral("myCropBig"), &failures);
+    }
     return failures;
+}
+
+DerivativeSettings cResponsiveDesign::largeBig(const DerivativeSettings& big, int width,
+                                               int height) {
+    // Twice the big image, up to the photo's own size; never smaller than the big image.
+    const double factor =
+        big.size > 0 ? std::clamp(double(std::max(width, height)) / big.size, 1.0, 2.0) : 1.0;
+    auto times = [factor](int v) { return int(std::lround(v * factor)); };
+    DerivativeSettings large = big;
+    large.size = times(big.size);
+    large.cropWidth = times(big.cropWidth);
+    large.cropHeight = times(big.cropHeight);
+    large.shiftX = times(big.shiftX);
+    large.shiftY = times(big.shiftY);
+    large.frameWidth = times(big.frameWidth);
+    return large;
 }
 
 RunResult cResponsiveDesign::hCreateResponsiveHTML(const QList<PhotoEntry>& photos,
@@ -443,9 +470,10 @@ SitePlan cResponsiveDesign::plan(const SettingsStore& snapshot, const QList<Phot
                 const QString base = QFileInfo(photoPath).completeBaseName();
                 return PhotoImages{base,
                                    {"KLimages_s/" + base + u'.' + g.image.thumb.format,
-                                    "KLimages_b/" + base + u'.' + g.image.big.format}};
+                                    "KLimages_b/" + base + u'.' + g.image.big.format,
+                                    QString(kLargeFolder) + base + u'.' + g.image.big.format}};
             },
-        .imageSettings = {QString::number(g.image.thumbAction)},
+        .imageSettings = {QString::number(g.image.thumbAction), QStringLiteral("plain crop, 2x")},
         .makeImages =
             [image = g.image](const QString& photoPath) {
                 return hScaleImageMaxValueHTML(photoPath, image);

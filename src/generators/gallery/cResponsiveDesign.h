@@ -90,6 +90,10 @@ class cResponsiveDesign {
     // "path: reason".
     static QStringList hScaleImageMaxValueHTML(const QString& photoPath,
                                                const GalleryImageSettings& image);
+    // The settings of the larger big image in kLargeFolder, which the lightbox shows on screens
+    // with the pixels for it: the big image's at twice the size, up to the photo's own size.
+    static DerivativeSettings largeBig(const DerivativeSettings& big, int width, int height);
+    static constexpr const char* kLargeFolder = "KLimages_b2x/";
 
     static QString indexRedirectText(const QString& baseName);
     static QString pageBaseName(const QString& fileNameSetting);

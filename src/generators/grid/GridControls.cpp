@@ -2,8 +2,9 @@
 #include "generators/grid/cResponsiveGrid.h"
 
 // Every setting of the Responsive Grid, with defaults that make a good-looking grid untouched: a
-// page named index.html, at most 6 columns (tracks of at least 200 x 150 pixels, so 5 fit the
-// 1200-pixel container), Roboto, soft colours, a dark lightbox backdrop with white captions.
+// page named index.html, at most 10 columns (tracks of at least 120 x 90 pixels: 9 fit the
+// 1200-pixel container, and 3 a 390-pixel phone, so a highlighted photo's 3 x 3 cell fits there
+// too), Roboto, soft colours, a dark lightbox backdrop with white captions.
 //
 // Names: the name a control is registered under is the one the page writer reads; the names the
 // preset layout, the colour wells and their hex fields use for the same setting are its aliases.
@@ -23,7 +24,7 @@ void cResponsiveGrid::registerControls(ControlRegistry& registry) {
 
     r.section = "Grid";
     // The preset layout spells it "tfRgMaxColumns".
-    r.add("tfRGMaxColumns", "Maximum columns", K::Text, "6", {"tfRgMaxColumns"});
+    r.add("tfRGMaxColumns", "Maximum columns", K::Text, "10", {"tfRgMaxColumns"});
     r.add("cbMagnifyHooverEffect", "Magnify on hover", K::Checkbox, "0");
 
     r.section = "Description";

@@ -2,6 +2,8 @@
 
 #include <QFileInfo>
 #include <QRegularExpression>
+#include <algorithm>
+#include <tuple>
 
 #include "generators/common/CaptionBuilder.h"
 #include "generators/common/PageText.h"
@@ -10,9 +12,17 @@
 
 namespace {
 
-// Every grid image has this width, whatever the settings.
-const QString kGridImageWidth = QStringLiteral("960");
+// Every cell image is 960 pixels wide, whatever the settings, cut to the 4:3 shape of the
+// stylesheet's cells (tracks three quarters as high as wide), so that no cell stretches its photo
+// and the rows keep that shape. The lightbox shows the photo whole: a big image and, on screens
+// with the pixels for it, a larger one.
+constexpr int kCellWidth = 960;
+constexpr int kCellHeight = 720;
+constexpr int kBigSide = 1200;
+constexpr int kLargeSide = 2400;
 const QString kImages = QStringLiteral("KLovImages");
+const QString kBigImages = QStringLiteral("KLovImages_b");
+const QString kLargeImages = QStringLiteral("KLovImages_b2x");
 const QString kStylesheet = QStringLiteral("KLResponsiveGridCss/klovlResponsiveGrid.css");
 
 // One lightbox script block for the anchors of `cellClass`.
@@ -81,8 +91,8 @@ void cResponsiveGrid::hRgClearMetaDataValue(SettingsStore& settings) {
 }
 
 const QStringList& cResponsiveGrid::folders() {
-    static const QStringList list = {"KLovImages/", "KLovPatterns/", "KLovlightbox/",
-                                     "KLResponsiveGridCss/"};
+    static const QStringList list = {"KLovImages/",          "KLovPatterns/", "KLovlightbox/",
+                                     "KLResponsiveGridCss/", "KLovImages_b/", "KLovImages_b2x/"};
     return list;
 }
 
@@ -157,28 +167,32 @@ QList<PageFile> cResponsiveGrid::pageTexts(const GridSettings& g, const QList<Ph
             {g.pageName + QStringLiteral(".html"), pageText(g, cells)}};
 }
 
-QStringList cResponsiveGrid::hMakeGridImage(const QString& photoPath, const QString& folder,
+QStringList cResponsiveGrid::hMakeGridImage(const QString& photoPath, const QString& destination,
                                             const QString& outputName) {
-    const QString output = folder + outputName;
     QString error;
     int width = 0;
     int height = 0;
     if (!KLImageHandling::isSupportedSource(photoPath, &error) ||
         !PhotoDecoder::uprightSize(photoPath, &width, &height, &error))
         return {photoPath + QStringLiteral(": ") + error};
-    KLImageHandling images;
-    if (!images.computeGridSize(width, height, kGridImageWidth.toInt()))
-        return {output +
-                QStringLiteral(": no grid image of a %1 x %2 photo").arg(width).arg(height)};
-    // Decoded once; a JPEG shrunk while decoding as far as it stays at least the grid image's size.
-    const Picture photo =
-        PhotoDecoder::decodeAtLeast(photoPath, double(images.newImgW) / width, &error);
+    // Decoded once, as large as the largest image needs.
+    const double scale = std::max({double(kCellWidth) / width, double(kCellHeight) / height,
+                                   double(kLargeSide) / std::max(width, height)});
+    const Picture photo = PhotoDecoder::decode(photoPath, std::min(scale, 1.0), &error);
     if (photo.isNull()) return {photoPath + QStringLiteral(": ") + error};
-    const Picture grid = images.gridImage(photo, kGridImageWidth);
-    if (grid.isNull()) return {output + QStringLiteral(": ") + images.lastError};
-    if (images.hSaveToNewImageFile(output, QStringLiteral("public.jpeg"), grid) != u"OK")
-        return {output + QStringLiteral(": ") + images.lastError};
-    return {};
+    QStringList failures;
+    KLImageHandling images;
+    for (const auto& [folder, cell, side] : {std::tuple{kImages, true, 0},
+                                             {kBigImages, false, kBigSide},
+                                             {kLargeImages, false, kLargeSide}}) {
+        const QString output = destination + folder + u'/' + outputName;
+        const Picture image =
+            cell ? images.covered(photo, kCellWidth, kCellHeight, 4) : images.fitted(photo, side);
+        if (image.isNull() ||
+            images.hSaveToNewImageFile(output, QStringLiteral("public.jpeg"), image) != u"OK")
+            failures.append(output + QStringLiteral(": ") + images.lastError);
+    }
+    return failures;
 }
 
 RunResult cResponsiveGrid::hCreateResponsiveGrid(const QList<PhotoEntry>& photos,
@@ -203,12 +217,18 @@ SitePlan cResponsiveGrid::plan(const SettingsStore& snapshot, const QList<PhotoE
         .images =
             [](const QString& photoPath) {
                 const QString name = outputName(photoPath);
-                return PhotoImages{name, {kImages + u'/' + name}};
+                return PhotoImages{
+                    name,
+                    {kImages + u'/' + name, kBigImages + u'/' + name, kLargeImages + u'/' + name}};
             },
-        .imageSettings = {kGridImageWidth},
+        .imageSettings = {QStringLiteral("%1x%2 %3 %4")
+                              .arg(kCellWidth)
+                              .arg(kCellHeight)
+                              .arg(kBigSide)
+                              .arg(kLargeSide)},
         .makeImages =
-            [folder = destination + kImages + u'/'](const QString& photoPath) {
-                return hMakeGridImage(photoPath, folder, outputName(photoPath));
+            [destination](const QString& photoPath) {
+                return hMakeGridImage(photoPath, destination, outputName(photoPath));
             },
     };
     if (photos.isEmpty())

@@ -61,9 +61,11 @@ class cResponsiveGrid {
     static QString cellClass(const PhotoEntry& photo);
     // The grid image's file name: the photo's base name + ".jpeg".
     static QString outputName(const QString& photoPath);
-    // Makes the grid image of one photo, 960 pixels wide, into `folder`; returns what failed as
-    // "path: reason".
-    static QStringList hMakeGridImage(const QString& photoPath, const QString& folder,
+    // Makes the images of one photo from one decode, each named `outputName` under
+    // `destination`: the cell image (960 x 720, the middle of the photo) in KLovImages/, the
+    // lightbox's big image (1200 pixels on the longer side) in KLovImages_b/ and its larger one
+    // (2400) in KLovImages_b2x/, neither enlarged. Returns what failed as "path: reason".
+    static QStringList hMakeGridImage(const QString& photoPath, const QString& destination,
                                       const QString& outputName);
     // The value of a maximum column count as typed: a whole number of at least 1, else 0.
     static int columnCount(const QString& text);

@@ -49,7 +49,7 @@ RunResult runGallery(const QString& dest, const QStringList& photos, const QStri
 // The images of these photos, or of all three.
 QStringList images(const QStringList& photos = {"p1", "p2", "p3"}) {
     QStringList files;
-    for (const char* folder : {"KLimages_b/", "KLimages_s/"})
+    for (const char* folder : {"KLimages_b/", "KLimages_b2x/", "KLimages_s/"})
         for (const QString& photo : photos) files << folder + photo + ".jpeg";
     return files;
 }
@@ -131,7 +131,8 @@ TEST(GalleryRun, Derivatives) {
         const QString dir = freshDir("gallery-derivatives");
         const GalleryImageSettings image =
             cResponsiveDesign::readSettings(store(kSmall + c.set), dir).image;
-        for (const char* folder : {"KLimages_s", "KLimages_b"}) QDir().mkpath(dir + folder);
+        for (const char* folder : {"KLimages_s", "KLimages_b", "KLimages_b2x"})
+            QDir().mkpath(dir + folder);
         for (const QString& photo : photos)
             EXPECT_EQ(cResponsiveDesign::hScaleImageMaxValueHTML(photo, image), QStringList());
         for (const auto& [folder, sizes] :
@@ -148,6 +149,63 @@ TEST(GalleryRun, Derivatives) {
                 &out);
             EXPECT_EQ(out.replace('\t', ' ').trimmed().split('\n'), expected) << folder;
         }
+    }
+}
+
+// A thumbnail is the photo cut to the crop box's shape at the chosen position (with its shift) and
+// scaled to the box, nothing more: it matches a plain crop of the photo made here with libvips.
+// The larger big image is twice the big one, up to the photo's own size, cut and framed alike.
+TEST(GalleryRun, ThumbnailsArePlainCropsAndTheLargerBigImageDoublesTheBigOne) {
+    const QString photo = cameraPhotos(1).first();
+    const vips::VImage source = vips::VImage::new_from_file(photo.toUtf8().constData());
+    const int W = source.width(), H = source.height();
+    const struct {
+        const char* set;
+        int position, shiftX, shiftY;
+    } cases[] = {{"", 4, 0, 0},
+                 {"scImageCropThumbPos=0", 0, 0, 0},
+                 {"scImageCropThumbPos=8", 8, 0, 0},
+                 {"tfSmallCropWidth=90, tfSmallCropHeight=160, scImageCropThumbPos=3", 3, 0, 0},
+                 {"tfCropThumbXOffset=20, tfCropThumbYOffset=-5", 4, 20, -5}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.set);
+        const QString dir = freshDir("gallery-plain-crop");
+        const GalleryImageSettings image =
+            cResponsiveDesign::readSettings(store("tfSmallCropWidth=160, tfSmallCropHeight=90, "
+                                                  "tfBigCropWidth=400, tfBigCropHeight=0, " +
+                                                  QString(c.set)),
+                                            dir)
+                .image;
+        for (const char* folder : {"KLimages_s", "KLimages_b", "KLimages_b2x"})
+            QDir().mkpath(dir + folder);
+        ASSERT_EQ(cResponsiveDesign::hScaleImageMaxValueHTML(photo, image), QStringList());
+        const int cw = image.thumb.cropWidth, ch = image.thumb.cropHeight;
+        const double scale = std::max(double(cw) / W, double(ch) / H);
+        const int boxW = int(cw / scale), boxH = int(ch / scale);
+        const int x = std::clamp(
+            std::array{0, (W - boxW) / 2, W - boxW}[c.position % 3] + int(c.shiftX / scale), 0,
+            W - boxW);
+        const int y = std::clamp(
+            std::array{0, (H - boxH) / 2, H - boxH}[c.position / 3] + int(c.shiftY / scale), 0,
+            H - boxH);
+        const vips::VImage expected =
+            source.extract_area(x, y, boxW, boxH)
+                .resize(double(cw) / boxW,
+                        vips::VImage::option()->set("vscale", double(ch) / boxH));
+        const QString base = QFileInfo(photo).completeBaseName();
+        const vips::VImage thumb = vips::VImage::new_from_file(
+            (dir + "KLimages_s/" + base + ".jpeg").toUtf8().constData());
+        ASSERT_EQ(fixtures::Size(thumb.width(), thumb.height()), fixtures::Size(cw, ch));
+        EXPECT_LT((thumb.cast(VIPS_FORMAT_FLOAT) -
+                   expected.extract_area(0, 0, cw, ch).cast(VIPS_FORMAT_FLOAT))
+                      .abs()
+                      .avg(),
+                  4.0);
+        const fixtures::Size big = fixtures::sizeOf(dir + "KLimages_b/" + base + ".jpeg");
+        const fixtures::Size large = fixtures::sizeOf(dir + "KLimages_b2x/" + base + ".jpeg");
+        // Within a pixel: the big image's side is truncated.
+        EXPECT_NEAR(large.first, std::min(2 * big.first, W), 1);
+        EXPECT_NEAR(large.second, std::min(2 * big.second, H), 1);
     }
 }
 
@@ -238,8 +296,8 @@ TEST(SupportFiles, NineLightboxFilesAreCompiledIn) {
     } cases[] = {{"close.gif", {32, 32}, nullptr},      {"loading.gif", {32, 32}, nullptr},
                  {"klOrvella.png", {120, 32}, nullptr}, {"overlay.png", {8, 8}, nullptr},
                  {"jquery.lightbox.js", {}, "false"},   {"jquery02.lightbox.js", {}, "true"},
-                 {"next.png", {32, 32}, nullptr},       {"close.png", {32, 32}, nullptr},
-                 {"previous.png", {32, 32}, nullptr}};
+                 {"next.png", {64, 64}, nullptr},       {"close.png", {64, 64}, nullptr},
+                 {"previous.png", {64, 64}, nullptr}};
     for (const auto& c : cases) {
         const QByteArray bytes = testsupport::readFile(QStringLiteral(":/lightbox/") + c.name);
         ASSERT_FALSE(bytes.isEmpty()) << c.name;

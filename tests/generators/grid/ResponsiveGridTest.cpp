@@ -219,22 +219,28 @@ TEST(GridText, Refusals) {
             << name;
 }
 
-// The grid image's height comes from a whole-percent scale: 960 / 4096 is 23 %, so 3072 rows give
-// 706, not 720. Always JPEG, named by the base name, whatever the source type.
-TEST(GridImages, WholePercentStepFormatAndName) {
+// Cell images are 960 x 720 whatever the photo, cut from its middle (the cell's 4:3 shape); the
+// lightbox's images are 1200 and 2400 pixels on the longer side, never enlarged. Always JPEG,
+// named by the base name, whatever the source type.
+TEST(GridImages, CellShapeAndLightboxSizes) {
     const QString src = freshDir("grid-images-src");
     const QString out = freshDir("grid-images");
+    for (const char* folder : {"KLovImages", "KLovImages_b", "KLovImages_b2x"})
+        QDir().mkpath(out + folder);
     const std::tuple<const char*, int, int, const char*> cases[] = {
-        {"a.jpg", 4000, 3000, "960x720"},  {"b.png", 3999, 2000, "960x480"},
-        {"c.tif", 4096, 3072, "960x706"},  {"d.e.png", 1000, 3000, "960x2880"},
-        {"small.png", 100, 70, "960x672"},
+        {"a.jpg", 4000, 3000, "1200x900 2400x1800"},
+        {"d.e.png", 1000, 3000, "400x1200 800x2400"},
+        {"small.png", 100, 70, "100x70 100x70"},
     };
-    for (const auto& [name, w, h, size] : cases) {
+    for (const auto& [name, w, h, sizes] : cases) {
         const QString path = makePhoto(src, name, w, h);
         const QString output = cResponsiveGrid::outputName(path);
         EXPECT_EQ(output, QFileInfo(name).completeBaseName() + ".jpeg");
         EXPECT_TRUE(cResponsiveGrid::hMakeGridImage(path, out, output).isEmpty()) << name;
-        EXPECT_EQ(header(out + output), QString(size) + " jpegload") << name;
+        EXPECT_EQ(header(out + "KLovImages/" + output), "960x720 jpegload") << name;
+        const auto [bw, bh] = fixtures::sizeOf(out + "KLovImages_b/" + output);
+        const auto [lw, lh] = fixtures::sizeOf(out + "KLovImages_b2x/" + output);
+        EXPECT_EQ(QStringLiteral("%1x%2 %3x%4").arg(bw).arg(bh).arg(lw).arg(lh), sizes) << name;
     }
 }
 
@@ -270,7 +276,8 @@ TEST(GridRun, FilesCellsAndImages) {
                                          "klovlImage|plain.jpeg|plain"))));
     QStringList expected = {"KLResponsiveGridCss/klovlResponsiveGrid.css", "index.html"};
     for (const char* name : {"wide", "tall", "square", "turned", "plain"})
-        expected << QStringLiteral("KLovImages/%1.jpeg").arg(name);
+        for (const char* folder : {"KLovImages", "KLovImages_b", "KLovImages_b2x"})
+            expected << QStringLiteral("%1/%2.jpeg").arg(folder, name);
     for (const char* name :
          {"close.gif", "loading.gif", "klOrvella.png", "overlay.png", "jquery.lightbox.js",
           "jquery02.lightbox.js", "next.png", "close.png", "previous.png"})
@@ -281,7 +288,7 @@ TEST(GridRun, FilesCellsAndImages) {
     const QString image = dir + "KLovImages/turned.jpeg";
     EXPECT_EQ(header(dir + "KLovImages/tall.jpeg") + ", " + header(dir + "KLovImages/square.jpeg") +
                   ", " + header(image),
-              "960x1280 jpegload, 960x960 jpegload, 960x1440 jpegload");
-    EXPECT_EQ(colourAt(image, 480, 100) + colourAt(image, 480, 1340), "rb");
+              "960x720 jpegload, 960x720 jpegload, 960x720 jpegload");
+    EXPECT_EQ(colourAt(image, 480, 100) + colourAt(image, 480, 620), "rb");
     EXPECT_TRUE(upright(image));
 }
