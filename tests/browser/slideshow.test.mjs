@@ -1,10 +1,13 @@
 // Generated Slideshow pages in Chromium: the classic page's timer, buttons, dots, counter and
-// captions, and the slider's box and timing. Neither page needs jQuery.
+// captions, and the slider's box and timing. Neither page needs jQuery. Then, on a laptop and a
+// phone with no network: images, aspect, logo, caption contrast, keys, interval and pause.
+import { execFileSync } from 'node:child_process';
 import assert from 'node:assert/strict';
 import fs from 'node:fs';
 import path from 'node:path';
-import { before, test } from 'node:test';
-import { bothWays, freshDir, generate, makePhotos, open, outputRoot } from './support.mjs';
+import { after, before, test } from 'node:test';
+import { chromium } from 'playwright-core';
+import { act, bothWays, freshDir, generate, makePhotos, open, outputRoot, pageUrl } from './support.mjs';
 
 const box = { tfSsImageWidth: 400, tfSsImageHeight: 300, cbSsExifUC: 1, tfSsMetaDataToShow: 'Show Filename' };
 const shows = {};  // page files
@@ -19,6 +22,19 @@ before(() => {
     fs.copyFileSync(photos[0].file, file);
     shows.manual = show('manual', { cbSsAutorun: 0 }, [{ file }, ...photos.slice(1)]);
     shows.slider = show('slider', { pubSsTemplateChoice: 2, tfSsInterval: 1, tfSsImageWidth: 320, tfSsImageHeight: 200 });
+    // Default settings on twelve photos; the lightest and darkest photos under light and dark captions.
+    const own = (name, settings, list) => path.join(generate(path.join(root, name), settings, list,
+        { kind: 'slideshow' }), 'slideshow.html');
+    shows.defaults = own('defaults', {}, makePhotos(path.join(root, 'twelve'), 12));
+    const plain = ['white', 'black'].map((name, i) => {
+        const file = path.join(root, `${name}.jpg`);
+        execFileSync('vips', ['black', file + '.v', '800', '600', '--bands', '3']);
+        execFileSync('vips', ['linear', file + '.v', file, '1', String(255 * (1 - i)), '--uchar']);
+        return { file };
+    });
+    const named = { tfSsMetaDataToShow: 'Show Filename' };
+    shows.light = own('light', { ...named, tfSsFileNameFontColor: 'FFFFFF' }, plain);
+    shows.dark = own('dark', { ...named, tfSsFileNameFontColor: '222222' }, plain);
 });
 
 // The numbers (from 1) of the slides shown, the counter and caption of the first one shown.
@@ -70,10 +86,7 @@ bothWays((mode) => {
             ['.klSsNext', 1], ['.klSsDot >> nth=2', 3], ['.klSsDot >> nth=0', 1], ['.klSsDot >> nth=3', 4],
         ];
         for (const [control, expected] of steps) {
-            // The container's fixed ::after layer lies over the dots below it, so a pointer click
-            // there reaches the container: the dots get their click event directly.
-            if (control.startsWith('.klSsDot')) await page.locator(control).dispatchEvent('click');
-            else await page.locator(control).click();
+            await page.locator(control).click();
             const s = await state(page);
             assert.deepEqual([s.shown, s.counter], [[expected], `${expected} / 4`], `${control}`);
             const active = await page.$$eval('.klSsDot', (dots) =>
@@ -110,4 +123,149 @@ bothWays((mode) => {
         assert.deepEqual(page.errors, []);
         await page.close();
     });
+});
+
+const devices = {
+    laptop: { viewport: { width: 1440, height: 900 } },
+    phone: { viewport: { width: 390, height: 844 }, deviceScaleFactor: 3, isMobile: true, hasTouch: true },
+};
+let browser;
+before(async () => {
+    browser = await chromium.launch({ executablePath: '/usr/bin/chromium', args: ['--no-sandbox', '--disable-gpu'] });
+});
+after(() => browser?.close());
+
+// A page on `device` with no network: requests off the disk are refused and kept in page.away.
+// With `frozen`, the page's timers run only when the test moves its clock.
+async function visit(file, device, frozen = false) {
+    const context = await browser.newContext(devices[device]);
+    const away = [];
+    await context.route('**/*', (route) => {
+        if (/^(file|data):/.test(route.request().url())) return route.continue();
+        away.push(route.request().url());
+        return route.abort('internetdisconnected');
+    });
+    if (frozen) {
+        await context.clock.install({ time: 0 });
+        await context.clock.pauseAt(1000);
+    }
+    const page = await context.newPage();
+    Object.assign(page, { away, errors: [] });
+    page.on('pageerror', (e) => page.errors.push(String(e)));
+    await page.goto(pageUrl(file));
+    return page;
+}
+
+test('offline at both sizes: every image from the output folder, slides at their own aspect, the logo clear of the dots', async () => {
+    for (const device of Object.keys(devices)) {
+        const page = await visit(shows.defaults, device);
+        const seen = await page.evaluate(() => {
+            const slides = [...document.querySelectorAll('.klSsSlides')];
+            const aspects = slides.map((slide) => {
+                const was = slide.style.display;
+                slide.style.display = 'block';
+                const img = slide.querySelector(':scope > img');
+                const r = img.getBoundingClientRect();
+                slide.style.display = was;
+                return Math.abs(r.width / r.height / (img.naturalWidth / img.naturalHeight) - 1);
+            });
+            const logo = slides[0].querySelector('.klSsRef img').getBoundingClientRect();
+            const covered = [...document.querySelectorAll('.klSsDot')].filter((dot) => {
+                const d = dot.getBoundingClientRect();
+                return d.right > logo.left && d.left < logo.right && d.bottom > logo.top && d.top < logo.bottom;
+            });
+            return {
+                broken: [...document.images].filter((i) => !i.complete || !i.naturalWidth).map((i) => i.src),
+                worstAspect: Math.max(...aspects) <= 0.06 ? 'within 6 %' : aspects,
+                logo: logo.width > 0 && logo.right <= innerWidth ? covered.length : 'outside',
+            };
+        });
+        assert.deepEqual(seen, { broken: [], worstAspect: 'within 6 %', logo: 0 }, device);
+        // The font stylesheet the page names is the one request that would leave the machine.
+        assert.deepEqual(page.away.filter((u) => !u.startsWith('https://fonts.googleapis.com/css')), [], device);
+        assert.deepEqual(page.errors, []);
+        await page.context().close();
+    }
+});
+
+// The lowest WCAG contrast between the text of `element` and each pixel behind it: a screenshot
+// of the text's box with the text made transparent.
+async function contrast(page, element) {
+    const { colour, clip } = await element.evaluate((el) => {
+        const range = document.createRange();
+        range.selectNodeContents(el);
+        const { x, y, width, height } = range.getBoundingClientRect();
+        const colour = getComputedStyle(el).color;
+        Object.assign(el.style, { color: 'transparent', textShadow: 'none' });
+        return { colour, clip: { x, y, width, height } };
+    });
+    const png = (await page.screenshot({ clip, scale: 'css' })).toString('base64');
+    return page.evaluate(async ([colour, png]) => {
+        const luminance = (rgb) => rgb.map((v) => v / 255)
+            .map((v) => (v <= 0.03928 ? v / 12.92 : ((v + 0.055) / 1.055) ** 2.4))
+            .reduce((sum, v, i) => sum + v * [0.2126, 0.7152, 0.0722][i], 0);
+        const image = new Image();
+        image.src = `data:image/png;base64,${png}`;
+        await image.decode();
+        const canvas = Object.assign(document.createElement('canvas'), { width: image.width, height: image.height });
+        const context = canvas.getContext('2d');
+        context.drawImage(image, 0, 0);
+        const pixels = context.getImageData(0, 0, image.width, image.height).data;
+        const text = luminance(colour.match(/\d+/g).slice(0, 3).map(Number));
+        let lowest = Infinity;
+        for (let i = 0; i < pixels.length; i += 4) {
+            const l = luminance([pixels[i], pixels[i + 1], pixels[i + 2]]);
+            lowest = Math.min(lowest, (Math.max(l, text) + 0.05) / (Math.min(l, text) + 0.05));
+        }
+        return lowest;
+    }, [colour, png]);
+}
+
+test('captions and the counter keep a contrast of 3:1 over a white and a black photo, light or dark', async () => {
+    for (const device of Object.keys(devices)) {
+        for (const show of [shows.light, shows.dark]) {
+            const page = await visit(show, device, true);
+            for (const [slide, photo] of [[1, 'white'], [2, 'black']]) {
+                await page.evaluate((n) => {
+                    currentSlide(n);
+                    document.getAnimations().forEach((a) => a.finish());
+                }, slide);
+                for (const part of ['.klSsText', '.klSsNumbertext']) {
+                    const ratio = await contrast(page, page.locator(`.klSsSlides >> nth=${slide - 1} >> ${part}`));
+                    assert.ok(ratio >= 3, `${device} ${path.basename(path.dirname(show))} ${photo} ${part}: ${ratio}`);
+                }
+            }
+            await page.context().close();
+        }
+    }
+});
+
+test('arrow keys move; a move starts the interval again; the pause button stops the timer', async () => {
+    const page = await visit(shows.autorun, 'laptop', true);
+    const shown = async () => (await state(page)).shown[0];
+    // Half an interval (1 s) in, a move: the slide it shows holds for 0.9 s, the next comes by 1.1 s.
+    const steps = [['ArrowRight', 2, 3], ['.klSsNext', 4, 1], ['ArrowLeft', 4, 1], ['.klSsDot >> nth=1', 2, 3],
+        ['.klSsPrev', 2, 3]];
+    for (const [action, held, next] of steps) {
+        await page.clock.runFor(500);
+        await act(page, action);
+        await page.clock.runFor(900);
+        const during = await shown();
+        await page.clock.runFor(200);
+        assert.deepEqual([during, await shown()], [held, next], action);
+    }
+    const pause = page.locator('.klSsPause');
+    await pause.click();
+    await page.clock.runFor(5000);
+    assert.deepEqual([await shown(), await pause.getAttribute('aria-label')], [3, 'Play']);
+    await page.keyboard.press(' ');
+    await page.clock.runFor(1100);
+    assert.deepEqual([await shown(), await pause.getAttribute('aria-label')], [4, 'Pause']);
+    assert.deepEqual(page.errors, []);
+    await page.context().close();
+
+    const manual = await visit(shows.manual, 'laptop');
+    await manual.keyboard.press('ArrowLeft');
+    assert.deepEqual([(await state(manual)).shown, await manual.locator('.klSsPause').count()], [[4], 0]);
+    await manual.context().close();
 });
