@@ -23,18 +23,13 @@ before(() => {
     shows.manual = show('manual', { cbSsAutorun: 0 }, [{ file }, ...photos.slice(1)]);
     shows.slider = show('slider', { pubSsTemplateChoice: 2, tfSsInterval: 1, tfSsImageWidth: 320, tfSsImageHeight: 200 });
     // Default settings on twelve photos; the lightest and darkest photos under light and dark captions.
-    const own = (name, settings, list) => path.join(generate(path.join(root, name), settings, list,
+    shows.defaults = path.join(generate(path.join(root, 'defaults'), {}, makePhotos(path.join(root, 'twelve'), 12),
         { kind: 'slideshow' }), 'slideshow.html');
-    shows.defaults = own('defaults', {}, makePhotos(path.join(root, 'twelve'), 12));
-    const plain = ['white', 'black'].map((name, i) => {
-        const file = path.join(root, `${name}.jpg`);
-        execFileSync('vips', ['black', file + '.v', '800', '600', '--bands', '3']);
-        execFileSync('vips', ['linear', file + '.v', file, '1', String(255 * (1 - i)), '--uchar']);
-        return { file };
-    });
-    const named = { tfSsMetaDataToShow: 'Show Filename' };
-    shows.light = own('light', { ...named, tfSsFileNameFontColor: 'FFFFFF' }, plain);
-    shows.dark = own('dark', { ...named, tfSsFileNameFontColor: '222222' }, plain);
+    const [black, white] = ['black', 'white'].map((name) => ({ file: path.join(root, `${name}.jpg`) }));
+    execFileSync('vips', ['black', black.file, '800', '600', '--bands', '3']);
+    execFileSync('vips', ['invert', black.file, white.file]);
+    shows.light = show('light', { tfSsFileNameFontColor: 'FFFFFF' }, [white, black]);
+    shows.dark = show('dark', { tfSsFileNameFontColor: '222222' }, [white, black]);
 });
 
 // The numbers (from 1) of the slides shown, the counter and caption of the first one shown.
