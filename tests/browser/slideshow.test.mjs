@@ -1,138 +1,46 @@
-// Generated Slideshow pages in Chromium: the classic page's timer, buttons, dots, counter and
-// captions, and the slider's box and timing. Neither page needs jQuery. Then, on a laptop and a
-// phone with no network: images, aspect, logo, caption contrast, keys, interval and pause.
+// Generated Slideshow pages in Chromium with no network, on a laptop and a phone: the classic
+// page's timer (on the page's own clock, moved by the test), buttons, dots, keys, pause, counter
+// and captions with their contrast, images and their aspect, the logo; the slider's box and timing.
 import { execFileSync } from 'node:child_process';
 import assert from 'node:assert/strict';
 import fs from 'node:fs';
 import path from 'node:path';
 import { after, before, test } from 'node:test';
 import { chromium } from 'playwright-core';
-import { act, bothWays, freshDir, generate, makePhotos, open, outputRoot, pageUrl } from './support.mjs';
+import { act, freshDir, generate, makePhotos, outputRoot, pageUrl } from './support.mjs';
 
 const box = { tfSsImageWidth: 400, tfSsImageHeight: 300, cbSsExifUC: 1, tfSsMetaDataToShow: 'Show Filename' };
 const shows = {};  // page files
-
-before(() => {
-    const root = freshDir('slideshow');
-    const photos = makePhotos(path.join(root, 'photos'), 4);
-    const show = (name, settings, list = photos) => path.join(generate(path.join(root, name), { ...box, ...settings },
-        list, { kind: 'slideshow' }), 'slideshow.html');
-    shows.autorun = show('autorun', { cbSsAutorun: 1, tfSsInterval: 1 });
-    const file = path.join(root, '50% off #1.jpg');  // a name that needs percent-encoding
-    fs.copyFileSync(photos[0].file, file);
-    shows.manual = show('manual', { cbSsAutorun: 0 }, [{ file }, ...photos.slice(1)]);
-    shows.slider = show('slider', { pubSsTemplateChoice: 2, tfSsInterval: 1, tfSsImageWidth: 320, tfSsImageHeight: 200 });
-    // Default settings on twelve photos; the lightest and darkest photos under light and dark captions.
-    shows.defaults = path.join(generate(path.join(root, 'defaults'), {}, makePhotos(path.join(root, 'twelve'), 12),
-        { kind: 'slideshow' }), 'slideshow.html');
-    const [black, white] = ['black', 'white'].map((name) => ({ file: path.join(root, `${name}.jpg`) }));
-    execFileSync('vips', ['black', black.file, '800', '600', '--bands', '3']);
-    execFileSync('vips', ['invert', black.file, white.file]);
-    shows.light = show('light', { tfSsFileNameFontColor: 'FFFFFF' }, [white, black]);
-    shows.dark = show('dark', { tfSsFileNameFontColor: '222222' }, [white, black]);
-});
-
-// The numbers (from 1) of the slides shown, the counter and caption of the first one shown.
-const state = (page) => page.$$eval('.klSsSlides', (slides) => {
-    const shown = slides.filter((s) => getComputedStyle(s).display === 'block');
-    const first = shown[0];
-    return {
-        shown: shown.map((s) => slides.indexOf(s) + 1),
-        counter: first ? first.querySelector('.klSsNumbertext').textContent : null,
-        caption: first ? first.querySelector('.klSsText').textContent : null,
-    };
-});
-const waitForSlide = (page, n) => page.waitForFunction((k) => {
-    const slides = [...document.querySelectorAll('.klSsSlides')];
-    return slides.filter((s) => getComputedStyle(s).display === 'block')
-        .map((s) => slides.indexOf(s) + 1).join() === String(k);
-}, n, { timeout: 10000 });
-
-bothWays((mode) => {
-    const load = (file) => open(mode.browser, file, { lightbox: false });
-
-    test('the classic page with autorun advances by itself; the caption shows in the slide', async () => {
-        const page = await load(shows.autorun);
-        assert.deepEqual(await state(page), { shown: [1], counter: '1 / 4', caption: 'photo01' });
-        const inside = await page.$eval('.klSsSlides', (slide) => {
-            const s = slide.getBoundingClientRect();
-            const c = slide.querySelector('.klSsText').getBoundingClientRect();
-            const img = slide.querySelector(':scope > img');
-            return c.height > 0 && c.top >= s.top && c.bottom <= s.bottom && img.naturalWidth === 400;
-        });
-        assert.ok(inside, 'the caption lies inside the shown slide over a loaded photo');
-        await page.screenshot({ path: path.join(outputRoot, 'slideshow-classic.png'), fullPage: true });
-        await waitForSlide(page, 2);
-        assert.deepEqual(await state(page), { shown: [2], counter: '2 / 4', caption: 'photo02' });
-        await waitForSlide(page, 3);
-        assert.deepEqual(page.errors, []);
-        await page.close();
-    });
-
-    test('without autorun the page stays on slide 1; buttons and dots choose the slide', async () => {
-        const page = await load(shows.manual);
-        await page.waitForLoadState('load');
-        const sizes = await page.$$eval('.klSsSlides > img', (imgs) => imgs.map((i) => i.naturalWidth));
-        assert.deepEqual(sizes, [400, 400, 400, 400], 'every photo shows, the one named with "#" and "%" too');
-        await page.waitForTimeout(1500);
-        assert.deepEqual((await state(page)).shown, [1]);
-        const steps = [
-            ['.klSsNext', 2], ['.klSsNext', 3], ['.klSsPrev', 2], ['.klSsPrev', 1], ['.klSsPrev', 4],
-            ['.klSsNext', 1], ['.klSsDot >> nth=2', 3], ['.klSsDot >> nth=0', 1], ['.klSsDot >> nth=3', 4],
-        ];
-        for (const [control, expected] of steps) {
-            await page.locator(control).click();
-            const s = await state(page);
-            assert.deepEqual([s.shown, s.counter], [[expected], `${expected} / 4`], `${control}`);
-            const active = await page.$$eval('.klSsDot', (dots) =>
-                dots.map((d, i) => (d.classList.contains('klSsActive') ? i + 1 : 0)).filter(Boolean));
-            assert.deepEqual(active, [expected]);
-        }
-        assert.deepEqual(page.errors, []);
-        await page.close();
-    });
-
-    test('the slider shows the first photo in a box of the exact size, then the later ones', async () => {
-        const page = await load(shows.slider);
-        const container = await page.$eval('.klSsSlideshow-container', (c) => {
-            const r = c.getBoundingClientRect();
-            return [r.width, r.height];
-        });
-        assert.deepEqual(container, [320, 200]);
-        // A slide is in view when it lies exactly on the container.
-        const inView = (n) => page.waitForFunction((k) => {
-            const c = document.querySelector('.klSsSlideshow-container').getBoundingClientRect();
-            const s = document.querySelector(`.slide${k}`).getBoundingClientRect();
-            return Math.abs(s.left - c.left) < 1 && Math.abs(s.top - c.top) < 1;
-        }, n, { timeout: 10000 });
-        await inView(0);
-        const first = await page.$eval('.slide0', async (s) => {
-            const image = new Image();
-            image.src = getComputedStyle(s).backgroundImage.slice(5, -2);
-            await image.decode();
-            return [image.src.split('/').pop(), image.naturalWidth, image.naturalHeight];
-        });
-        assert.deepEqual(first, ['photo01.jpeg', 320, 200]);
-        await page.screenshot({ path: path.join(outputRoot, 'slideshow-slider.png'), fullPage: true });
-        await inView(2);
-        assert.deepEqual(page.errors, []);
-        await page.close();
-    });
-});
-
 const devices = {
     laptop: { viewport: { width: 1440, height: 900 } },
     phone: { viewport: { width: 390, height: 844 }, deviceScaleFactor: 3, isMobile: true, hasTouch: true },
 };
 let browser;
+
 before(async () => {
     browser = await chromium.launch({ executablePath: '/usr/bin/chromium', args: ['--no-sandbox', '--disable-gpu'] });
+    const root = freshDir('slideshow');
+    const photos = makePhotos(path.join(root, 'photos'), 4);
+    const show = (name, settings, list = photos) => path.join(generate(path.join(root, name), settings, list,
+        { kind: 'slideshow' }), 'slideshow.html');
+    shows.autorun = show('autorun', { ...box, cbSsAutorun: 1, tfSsInterval: 1 });
+    const file = path.join(root, '50% off #1.jpg');  // a name that needs percent-encoding
+    fs.copyFileSync(photos[0].file, file);
+    shows.manual = show('manual', { ...box, cbSsAutorun: 0 }, [{ file }, ...photos.slice(1)]);
+    shows.slider = show('slider', { ...box, pubSsTemplateChoice: 2, tfSsInterval: 1, tfSsImageWidth: 320, tfSsImageHeight: 200 });
+    shows.defaults = show('defaults', {}, makePhotos(path.join(root, 'twelve'), 12));
+    // The lightest and the darkest photo under light and dark captions.
+    const [black, white] = ['black', 'white'].map((name) => ({ file: path.join(root, `${name}.jpg`) }));
+    execFileSync('vips', ['black', black.file, '800', '600', '--bands', '3']);
+    execFileSync('vips', ['invert', black.file, white.file]);
+    shows.light = show('light', { ...box, tfSsFileNameFontColor: 'FFFFFF' }, [white, black]);
+    shows.dark = show('dark', { ...box, tfSsFileNameFontColor: '222222' }, [white, black]);
 });
 after(() => browser?.close());
 
-// A page on `device` with no network: requests off the disk are refused and kept in page.away.
-// With `frozen`, the page's timers run only when the test moves its clock.
-async function visit(file, device, frozen = false) {
+// A page on `device`: requests off the disk are refused and kept in page.away. With `frozen`, the
+// page's timers run only when the test moves its clock.
+async function visit(file, device = 'laptop', frozen = false) {
     const context = await browser.newContext(devices[device]);
     const away = [];
     await context.route('**/*', (route) => {
@@ -150,6 +58,66 @@ async function visit(file, device, frozen = false) {
     await page.goto(pageUrl(file));
     return page;
 }
+
+// The slide shown (from 1), its counter and caption, and the active dots.
+const state = (page) => page.evaluate(() => {
+    const slides = [...document.querySelectorAll('.klSsSlides')];
+    const shown = slides.filter((s) => getComputedStyle(s).display === 'block');
+    const dots = [...document.querySelectorAll('.klSsDot')];
+    return {
+        shown: shown.map((s) => slides.indexOf(s) + 1).join(),
+        counter: shown[0]?.querySelector('.klSsNumbertext').textContent,
+        caption: shown[0]?.querySelector('.klSsText').textContent,
+        dots: dots.flatMap((d, i) => (d.classList.contains('klSsActive') ? [i + 1] : [])).join(),
+    };
+});
+
+test('autorun: the interval, keys, buttons and dots, a move that starts the interval again, pause', async () => {
+    const page = await visit(shows.autorun, 'laptop', true);
+    assert.deepEqual(await state(page), { shown: '1', counter: '1 / 4', caption: 'photo01', dots: '1' });
+    const inside = await page.$eval('.klSsSlides', (slide) => {
+        const [s, c] = [slide, slide.querySelector('.klSsText')].map((e) => e.getBoundingClientRect());
+        return c.height > 0 && c.top >= s.top && c.bottom <= s.bottom;
+    });
+    assert.ok(inside, 'the caption lies inside the shown slide');
+    await page.screenshot({ path: path.join(outputRoot, 'slideshow-classic.png'), fullPage: true });
+    await page.clock.runFor(1000);
+    assert.deepEqual(await state(page), { shown: '2', counter: '2 / 4', caption: 'photo02', dots: '2' });
+    // Half an interval in, a move: its slide holds for 0.9 s and the next one comes by 1.1 s.
+    const steps = [['ArrowRight', '3', '4'], ['.klSsNext', '1', '2'], ['ArrowLeft', '1', '2'],
+        ['.klSsDot >> nth=2', '3', '4'], ['.klSsPrev', '3', '4']];
+    for (const [action, held, next] of steps) {
+        await page.clock.runFor(500);
+        await act(page, action);
+        await page.clock.runFor(900);
+        const during = (await state(page)).shown;
+        await page.clock.runFor(200);
+        assert.deepEqual([during, (await state(page)).dots], [held, next], action);
+    }
+    const pause = page.locator('.klSsPause');
+    for (const [press, label, slide] of [[() => pause.click(), 'Play', '4'], [() => page.keyboard.press(' '), 'Pause', '1']]) {
+        await press();
+        await page.clock.runFor(label === 'Play' ? 5000 : 1100);
+        assert.deepEqual([(await state(page)).shown, await pause.getAttribute('aria-label')], [slide, label]);
+    }
+    assert.deepEqual(page.errors, []);
+    await page.context().close();
+});
+
+test('without autorun the page stays on slide 1 and has no pause; buttons, keys and dots move', async () => {
+    const page = await visit(shows.manual, 'laptop', true);
+    const sizes = await page.$$eval('.klSsSlides > img', (imgs) => imgs.map((i) => i.naturalWidth));
+    assert.deepEqual(sizes, [400, 400, 400, 400], 'every photo shows, the one named with "#" and "%" too');
+    await page.clock.runFor(5000);
+    assert.deepEqual([(await state(page)).shown, await page.locator('.klSsPause').count()], ['1', 0]);
+    for (const [action, expected] of [['.klSsPrev', 4], ['ArrowRight', 1], ['.klSsNext', 2], ['.klSsDot >> nth=2', 3]]) {
+        await act(page, action);
+        const s = await state(page);
+        assert.deepEqual([s.shown, s.counter, s.dots], [`${expected}`, `${expected} / 4`, `${expected}`], action);
+    }
+    assert.deepEqual(page.errors, []);
+    await page.context().close();
+});
 
 test('offline at both sizes: every image from the output folder, slides at their own aspect, the logo clear of the dots', async () => {
     for (const device of Object.keys(devices)) {
@@ -202,8 +170,7 @@ async function contrast(page, element) {
         const image = new Image();
         image.src = `data:image/png;base64,${png}`;
         await image.decode();
-        const canvas = Object.assign(document.createElement('canvas'), { width: image.width, height: image.height });
-        const context = canvas.getContext('2d');
+        const context = new OffscreenCanvas(image.width, image.height).getContext('2d');
         context.drawImage(image, 0, 0);
         const pixels = context.getImageData(0, 0, image.width, image.height).data;
         const text = luminance(colour.match(/\d+/g).slice(0, 3).map(Number));
@@ -235,32 +202,29 @@ test('captions and the counter keep a contrast of 3:1 over a white and a black p
     }
 });
 
-test('arrow keys move; a move starts the interval again; the pause button stops the timer', async () => {
-    const page = await visit(shows.autorun, 'laptop', true);
-    const shown = async () => (await state(page)).shown[0];
-    // Half an interval (1 s) in, a move: the slide it shows holds for 0.9 s, the next comes by 1.1 s.
-    const steps = [['ArrowRight', 2, 3], ['.klSsNext', 4, 1], ['ArrowLeft', 4, 1], ['.klSsDot >> nth=1', 2, 3],
-        ['.klSsPrev', 2, 3]];
-    for (const [action, held, next] of steps) {
-        await page.clock.runFor(500);
-        await act(page, action);
-        await page.clock.runFor(900);
-        const during = await shown();
-        await page.clock.runFor(200);
-        assert.deepEqual([during, await shown()], [held, next], action);
-    }
-    const pause = page.locator('.klSsPause');
-    await pause.click();
-    await page.clock.runFor(5000);
-    assert.deepEqual([await shown(), await pause.getAttribute('aria-label')], [3, 'Play']);
-    await page.keyboard.press(' ');
-    await page.clock.runFor(1100);
-    assert.deepEqual([await shown(), await pause.getAttribute('aria-label')], [4, 'Pause']);
+test('the slider shows the first photo in a box of the exact size, then the later ones', async () => {
+    const page = await visit(shows.slider);
+    const container = await page.$eval('.klSsSlideshow-container', (c) => {
+        const r = c.getBoundingClientRect();
+        return [r.width, r.height];
+    });
+    assert.deepEqual(container, [320, 200]);
+    // A slide is in view when it lies exactly on the container (a CSS animation: real time).
+    const inView = (n) => page.waitForFunction((k) => {
+        const c = document.querySelector('.klSsSlideshow-container').getBoundingClientRect();
+        const s = document.querySelector(`.slide${k}`).getBoundingClientRect();
+        return Math.abs(s.left - c.left) < 1 && Math.abs(s.top - c.top) < 1;
+    }, n, { timeout: 10000 });
+    await inView(0);
+    const first = await page.$eval('.slide0', async (s) => {
+        const image = new Image();
+        image.src = getComputedStyle(s).backgroundImage.slice(5, -2);
+        await image.decode();
+        return [image.src.split('/').pop(), image.naturalWidth, image.naturalHeight];
+    });
+    assert.deepEqual(first, ['photo01.jpeg', 320, 200]);
+    await page.screenshot({ path: path.join(outputRoot, 'slideshow-slider.png'), fullPage: true });
+    await inView(2);
     assert.deepEqual(page.errors, []);
     await page.context().close();
-
-    const manual = await visit(shows.manual, 'laptop');
-    await manual.keyboard.press('ArrowLeft');
-    assert.deepEqual([(await state(manual)).shown, await manual.locator('.klSsPause').count()], [[4], 0]);
-    await manual.context().close();
 });
