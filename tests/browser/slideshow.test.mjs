@@ -123,24 +123,20 @@ test('offline at both sizes: every image from the output folder, slides at their
     for (const device of Object.keys(devices)) {
         const page = await visit(shows.defaults, device);
         const seen = await page.evaluate(() => {
-            const slides = [...document.querySelectorAll('.klSsSlides')];
-            const aspects = slides.map((slide) => {
-                const was = slide.style.display;
+            const meet = (a, b) => a.right > b.left && a.left < b.right && a.bottom > b.top && a.top < b.bottom;
+            const aspects = [...document.querySelectorAll('.klSsSlides')].map((slide) => {
+                const [was, img] = [slide.style.display, slide.querySelector(':scope > img')];
                 slide.style.display = 'block';
-                const img = slide.querySelector(':scope > img');
-                const r = img.getBoundingClientRect();
+                const { width, height } = img.getBoundingClientRect();
                 slide.style.display = was;
-                return Math.abs(r.width / r.height / (img.naturalWidth / img.naturalHeight) - 1);
+                return Math.abs(width / height / (img.naturalWidth / img.naturalHeight) - 1);
             });
-            const logo = slides[0].querySelector('.klSsRef img').getBoundingClientRect();
-            const covered = [...document.querySelectorAll('.klSsDot')].filter((dot) => {
-                const d = dot.getBoundingClientRect();
-                return d.right > logo.left && d.left < logo.right && d.bottom > logo.top && d.top < logo.bottom;
-            });
+            const logo = document.querySelector('.klSsSlides[style*=block] .klSsRef img').getBoundingClientRect();
             return {
                 broken: [...document.images].filter((i) => !i.complete || !i.naturalWidth).map((i) => i.src),
                 worstAspect: Math.max(...aspects) <= 0.06 ? 'within 6 %' : aspects,
-                logo: logo.width > 0 && logo.right <= innerWidth ? covered.length : 'outside',
+                logo: logo.width > 0 && logo.right <= innerWidth
+                    ? [...document.querySelectorAll('.klSsDot')].filter((d) => meet(d.getBoundingClientRect(), logo)).length : 'outside',
             };
         });
         assert.deepEqual(seen, { broken: [], worstAspect: 'within 6 %', logo: 0 }, device);
@@ -154,22 +150,19 @@ test('offline at both sizes: every image from the output folder, slides at their
 // The lowest WCAG contrast between the text of `element` and each pixel behind it: a screenshot
 // of the text's box with the text made transparent.
 async function contrast(page, element) {
-    const { colour, clip } = await element.evaluate((el) => {
+    const [colour, clip] = await element.evaluate((el) => {
         const range = document.createRange();
         range.selectNodeContents(el);
         const { x, y, width, height } = range.getBoundingClientRect();
         const colour = getComputedStyle(el).color;
         Object.assign(el.style, { color: 'transparent', textShadow: 'none' });
-        return { colour, clip: { x, y, width, height } };
+        return [colour, { x, y, width, height }];
     });
     const png = (await page.screenshot({ clip, scale: 'css' })).toString('base64');
     return page.evaluate(async ([colour, png]) => {
-        const luminance = (rgb) => rgb.map((v) => v / 255)
-            .map((v) => (v <= 0.03928 ? v / 12.92 : ((v + 0.055) / 1.055) ** 2.4))
+        const luminance = (rgb) => rgb.map((v) => v / 255).map((v) => (v <= 0.03928 ? v / 12.92 : ((v + 0.055) / 1.055) ** 2.4))
             .reduce((sum, v, i) => sum + v * [0.2126, 0.7152, 0.0722][i], 0);
-        const image = new Image();
-        image.src = `data:image/png;base64,${png}`;
-        await image.decode();
+        const image = await createImageBitmap(await (await fetch(`data:image/png;base64,${png}`)).blob());
         const context = new OffscreenCanvas(image.width, image.height).getContext('2d');
         context.drawImage(image, 0, 0);
         const pixels = context.getImageData(0, 0, image.width, image.height).data;
