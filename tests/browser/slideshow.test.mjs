@@ -1,113 +1,223 @@
-// Generated Slideshow pages in Chromium: the classic page's timer, buttons, dots, counter and
-// captions, and the slider's box and timing. Neither page needs jQuery.
+// Generated Slideshow pages in Chromium with no network, on a laptop and a phone: the classic
+// page's timer (on the page's own clock, moved by the test), buttons, dots, keys, pause, counter
+// and captions with their contrast, images and their aspect, the logo; the slider's box and timing.
+import { execFileSync } from 'node:child_process';
 import assert from 'node:assert/strict';
 import fs from 'node:fs';
 import path from 'node:path';
-import { before, test } from 'node:test';
-import { bothWays, freshDir, generate, makePhotos, open, outputRoot } from './support.mjs';
+import { after, before, test } from 'node:test';
+import { chromium } from 'playwright-core';
+import { act, freshDir, generate, makePhotos, outputRoot, pageUrl } from './support.mjs';
 
 const box = { tfSsImageWidth: 400, tfSsImageHeight: 300, cbSsExifUC: 1, tfSsMetaDataToShow: 'Show Filename' };
 const shows = {};  // page files
+const devices = {
+    laptop: { viewport: { width: 1440, height: 900 } },
+    phone: { viewport: { width: 390, height: 844 }, deviceScaleFactor: 3, isMobile: true, hasTouch: true },
+};
+let browser;
 
-before(() => {
+before(async () => {
+    browser = await chromium.launch({ executablePath: '/usr/bin/chromium', args: ['--no-sandbox', '--disable-gpu'] });
     const root = freshDir('slideshow');
     const photos = makePhotos(path.join(root, 'photos'), 4);
-    const show = (name, settings, list = photos) => path.join(generate(path.join(root, name), { ...box, ...settings },
-        list, { kind: 'slideshow' }), 'slideshow.html');
-    shows.autorun = show('autorun', { cbSsAutorun: 1, tfSsInterval: 1 });
+    const show = (name, settings, list = photos) => path.join(generate(path.join(root, name), settings, list,
+        { kind: 'slideshow' }), 'slideshow.html');
+    shows.autorun = show('autorun', { ...box, cbSsAutorun: 1, tfSsInterval: 1 });
     const file = path.join(root, '50% off #1.jpg');  // a name that needs percent-encoding
     fs.copyFileSync(photos[0].file, file);
-    shows.manual = show('manual', { cbSsAutorun: 0 }, [{ file }, ...photos.slice(1)]);
-    shows.slider = show('slider', { pubSsTemplateChoice: 2, tfSsInterval: 1, tfSsImageWidth: 320, tfSsImageHeight: 200 });
+    shows.manual = show('manual', { ...box, cbSsAutorun: 0 }, [{ file }, ...photos.slice(1)]);
+    shows.slider = show('slider', { ...box, pubSsTemplateChoice: 2, tfSsInterval: 1, tfSsImageWidth: 320, tfSsImageHeight: 200 });
+    shows.defaults = show('defaults', {}, makePhotos(path.join(root, 'twelve'), 12));
+    // The lightest and the darkest photo under light and dark captions.
+    const [black, white] = ['black', 'white'].map((name) => ({ file: path.join(root, `${name}.jpg`) }));
+    execFileSync('vips', ['black', black.file, '800', '600', '--bands', '3']);
+    execFileSync('vips', ['invert', black.file, white.file]);
+    shows.light = show('light', { ...box, tfSsFileNameFontColor: 'FFFFFF' }, [white, black]);
+    shows.dark = show('dark', { ...box, tfSsFileNameFontColor: '222222' }, [white, black]);
 });
+after(() => browser?.close());
 
-// The numbers (from 1) of the slides shown, the counter and caption of the first one shown.
-const state = (page) => page.$$eval('.klSsSlides', (slides) => {
+// A page on `device`: requests off the disk are refused and kept in page.away. With `frozen`, the
+// page's timers run only when the test moves its clock.
+async function visit(file, device = 'laptop', frozen = false) {
+    const context = await browser.newContext(devices[device]);
+    const away = [];
+    await context.route('**/*', (route) => {
+        if (/^(file|data):/.test(route.request().url())) return route.continue();
+        away.push(route.request().url());
+        return route.abort('internetdisconnected');
+    });
+    if (frozen) {
+        await context.clock.install({ time: 0 });
+        await context.clock.pauseAt(1000);
+    }
+    const page = await context.newPage();
+    Object.assign(page, { away, errors: [] });
+    page.on('pageerror', (e) => page.errors.push(String(e)));
+    await page.goto(pageUrl(file));
+    return page;
+}
+
+// The slide shown (from 1), its counter and caption, and the active dots.
+const state = (page) => page.evaluate(() => {
+    const slides = [...document.querySelectorAll('.klSsSlides')];
     const shown = slides.filter((s) => getComputedStyle(s).display === 'block');
-    const first = shown[0];
+    const dots = [...document.querySelectorAll('.klSsDot')];
     return {
-        shown: shown.map((s) => slides.indexOf(s) + 1),
-        counter: first ? first.querySelector('.klSsNumbertext').textContent : null,
-        caption: first ? first.querySelector('.klSsText').textContent : null,
+        shown: shown.map((s) => slides.indexOf(s) + 1).join(),
+        counter: shown[0]?.querySelector('.klSsNumbertext').textContent,
+        caption: shown[0]?.querySelector('.klSsText').textContent,
+        dots: dots.flatMap((d, i) => (d.classList.contains('klSsActive') ? [i + 1] : [])).join(),
     };
 });
-const waitForSlide = (page, n) => page.waitForFunction((k) => {
-    const slides = [...document.querySelectorAll('.klSsSlides')];
-    return slides.filter((s) => getComputedStyle(s).display === 'block')
-        .map((s) => slides.indexOf(s) + 1).join() === String(k);
-}, n, { timeout: 10000 });
 
-bothWays((mode) => {
-    const load = (file) => open(mode.browser, file, { lightbox: false });
-
-    test('the classic page with autorun advances by itself; the caption shows in the slide', async () => {
-        const page = await load(shows.autorun);
-        assert.deepEqual(await state(page), { shown: [1], counter: '1 / 4', caption: 'photo01' });
-        const inside = await page.$eval('.klSsSlides', (slide) => {
-            const s = slide.getBoundingClientRect();
-            const c = slide.querySelector('.klSsText').getBoundingClientRect();
-            const img = slide.querySelector(':scope > img');
-            return c.height > 0 && c.top >= s.top && c.bottom <= s.bottom && img.naturalWidth === 400;
-        });
-        assert.ok(inside, 'the caption lies inside the shown slide over a loaded photo');
-        await page.screenshot({ path: path.join(outputRoot, 'slideshow-classic.png'), fullPage: true });
-        await waitForSlide(page, 2);
-        assert.deepEqual(await state(page), { shown: [2], counter: '2 / 4', caption: 'photo02' });
-        await waitForSlide(page, 3);
-        assert.deepEqual(page.errors, []);
-        await page.close();
+test('autorun: the interval, keys, buttons and dots, a move that starts the interval again, pause', async () => {
+    const page = await visit(shows.autorun, 'laptop', true);
+    assert.deepEqual(await state(page), { shown: '1', counter: '1 / 4', caption: 'photo01', dots: '1' });
+    const inside = await page.$eval('.klSsSlides', (slide) => {
+        const [s, c] = [slide, slide.querySelector('.klSsText')].map((e) => e.getBoundingClientRect());
+        return c.height > 0 && c.top >= s.top && c.bottom <= s.bottom;
     });
+    assert.ok(inside, 'the caption lies inside the shown slide');
+    await page.screenshot({ path: path.join(outputRoot, 'slideshow-classic.png'), fullPage: true });
+    await page.clock.runFor(1000);
+    assert.deepEqual(await state(page), { shown: '2', counter: '2 / 4', caption: 'photo02', dots: '2' });
+    // Half an interval in, a move: its slide holds for 0.9 s and the next one comes by 1.1 s.
+    const steps = [['ArrowRight', '3', '4'], ['.klSsNext', '1', '2'], ['ArrowLeft', '1', '2'],
+        ['.klSsDot >> nth=2', '3', '4'], ['.klSsPrev', '3', '4']];
+    for (const [action, held, next] of steps) {
+        await page.clock.runFor(500);
+        await act(page, action);
+        await page.clock.runFor(900);
+        const during = (await state(page)).shown;
+        await page.clock.runFor(200);
+        assert.deepEqual([during, (await state(page)).dots], [held, next], action);
+    }
+    const pause = page.locator('.klSsPause');
+    for (const [press, label, slide] of [[() => pause.click(), 'Play', '4'], [() => page.keyboard.press(' '), 'Pause', '1']]) {
+        await press();
+        await page.clock.runFor(label === 'Play' ? 5000 : 1100);
+        assert.deepEqual([(await state(page)).shown, await pause.getAttribute('aria-label')], [slide, label]);
+    }
+    assert.deepEqual(page.errors, []);
+    await page.context().close();
+});
 
-    test('without autorun the page stays on slide 1; buttons and dots choose the slide', async () => {
-        const page = await load(shows.manual);
-        await page.waitForLoadState('load');
-        const sizes = await page.$$eval('.klSsSlides > img', (imgs) => imgs.map((i) => i.naturalWidth));
-        assert.deepEqual(sizes, [400, 400, 400, 400], 'every photo shows, the one named with "#" and "%" too');
-        await page.waitForTimeout(1500);
-        assert.deepEqual((await state(page)).shown, [1]);
-        const steps = [
-            ['.klSsNext', 2], ['.klSsNext', 3], ['.klSsPrev', 2], ['.klSsPrev', 1], ['.klSsPrev', 4],
-            ['.klSsNext', 1], ['.klSsDot >> nth=2', 3], ['.klSsDot >> nth=0', 1], ['.klSsDot >> nth=3', 4],
-        ];
-        for (const [control, expected] of steps) {
-            // The container's fixed ::after layer lies over the dots below it, so a pointer click
-            // there reaches the container: the dots get their click event directly.
-            if (control.startsWith('.klSsDot')) await page.locator(control).dispatchEvent('click');
-            else await page.locator(control).click();
-            const s = await state(page);
-            assert.deepEqual([s.shown, s.counter], [[expected], `${expected} / 4`], `${control}`);
-            const active = await page.$$eval('.klSsDot', (dots) =>
-                dots.map((d, i) => (d.classList.contains('klSsActive') ? i + 1 : 0)).filter(Boolean));
-            assert.deepEqual(active, [expected]);
+test('without autorun the page stays on slide 1 and has no pause; buttons, keys and dots move', async () => {
+    const page = await visit(shows.manual, 'laptop', true);
+    const sizes = await page.$$eval('.klSsSlides > img', (imgs) => imgs.map((i) => i.naturalWidth));
+    assert.deepEqual(sizes, [400, 400, 400, 400], 'every photo shows, the one named with "#" and "%" too');
+    await page.clock.runFor(5000);
+    assert.deepEqual([(await state(page)).shown, await page.locator('.klSsPause').count()], ['1', 0]);
+    for (const [action, expected] of [['.klSsPrev', 4], ['ArrowRight', 1], ['.klSsNext', 2], ['.klSsDot >> nth=2', 3]]) {
+        await act(page, action);
+        const s = await state(page);
+        assert.deepEqual([s.shown, s.counter, s.dots], [`${expected}`, `${expected} / 4`, `${expected}`], action);
+    }
+    assert.deepEqual(page.errors, []);
+    await page.context().close();
+});
+
+test('offline at both sizes: every image from the output folder, slides at their own aspect, the logo clear of the dots', async () => {
+    for (const device of Object.keys(devices)) {
+        const page = await visit(shows.defaults, device);
+        const seen = await page.evaluate(() => {
+            const meet = (a, b) => a.right > b.left && a.left < b.right && a.bottom > b.top && a.top < b.bottom;
+            const aspects = [...document.querySelectorAll('.klSsSlides')].map((slide) => {
+                const [was, img] = [slide.style.display, slide.querySelector(':scope > img')];
+                slide.style.display = 'block';
+                const { width, height } = img.getBoundingClientRect();
+                slide.style.display = was;
+                return Math.abs(width / height / (img.naturalWidth / img.naturalHeight) - 1);
+            });
+            const logo = document.querySelector('.klSsSlides[style*=block] .klSsRef img').getBoundingClientRect();
+            return {
+                broken: [...document.images].filter((i) => !i.complete || !i.naturalWidth).map((i) => i.src),
+                worstAspect: Math.max(...aspects) <= 0.06 ? 'within 6 %' : aspects,
+                logo: logo.width > 0 && logo.right <= innerWidth
+                    ? [...document.querySelectorAll('.klSsDot')].filter((d) => meet(d.getBoundingClientRect(), logo)).length : 'outside',
+            };
+        });
+        assert.deepEqual(seen, { broken: [], worstAspect: 'within 6 %', logo: 0 }, device);
+        // The font stylesheet the page names is the one request that would leave the machine.
+        assert.deepEqual(page.away.filter((u) => !u.startsWith('https://fonts.googleapis.com/css')), [], device);
+        assert.deepEqual(page.errors, []);
+        await page.context().close();
+    }
+});
+
+// The lowest WCAG contrast between the text of `element` and each pixel behind it: a screenshot
+// of the text's box with the text made transparent.
+async function contrast(page, element) {
+    const [colour, clip] = await element.evaluate((el) => {
+        const range = document.createRange();
+        range.selectNodeContents(el);
+        const { x, y, width, height } = range.getBoundingClientRect();
+        const colour = getComputedStyle(el).color;
+        Object.assign(el.style, { color: 'transparent', textShadow: 'none' });
+        return [colour, { x, y, width, height }];
+    });
+    const png = (await page.screenshot({ clip, scale: 'css' })).toString('base64');
+    return page.evaluate(async ([colour, png]) => {
+        const luminance = (rgb) => rgb.map((v) => v / 255).map((v) => (v <= 0.03928 ? v / 12.92 : ((v + 0.055) / 1.055) ** 2.4))
+            .reduce((sum, v, i) => sum + v * [0.2126, 0.7152, 0.0722][i], 0);
+        const image = await createImageBitmap(await (await fetch(`data:image/png;base64,${png}`)).blob());
+        const context = new OffscreenCanvas(image.width, image.height).getContext('2d');
+        context.drawImage(image, 0, 0);
+        const pixels = context.getImageData(0, 0, image.width, image.height).data;
+        const text = luminance(colour.match(/\d+/g).slice(0, 3).map(Number));
+        let lowest = Infinity;
+        for (let i = 0; i < pixels.length; i += 4) {
+            const l = luminance([pixels[i], pixels[i + 1], pixels[i + 2]]);
+            lowest = Math.min(lowest, (Math.max(l, text) + 0.05) / (Math.min(l, text) + 0.05));
         }
-        assert.deepEqual(page.errors, []);
-        await page.close();
-    });
+        return lowest;
+    }, [colour, png]);
+}
 
-    test('the slider shows the first photo in a box of the exact size, then the later ones', async () => {
-        const page = await load(shows.slider);
-        const container = await page.$eval('.klSsSlideshow-container', (c) => {
-            const r = c.getBoundingClientRect();
-            return [r.width, r.height];
-        });
-        assert.deepEqual(container, [320, 200]);
-        // A slide is in view when it lies exactly on the container.
-        const inView = (n) => page.waitForFunction((k) => {
-            const c = document.querySelector('.klSsSlideshow-container').getBoundingClientRect();
-            const s = document.querySelector(`.slide${k}`).getBoundingClientRect();
-            return Math.abs(s.left - c.left) < 1 && Math.abs(s.top - c.top) < 1;
-        }, n, { timeout: 10000 });
-        await inView(0);
-        const first = await page.$eval('.slide0', async (s) => {
-            const image = new Image();
-            image.src = getComputedStyle(s).backgroundImage.slice(5, -2);
-            await image.decode();
-            return [image.src.split('/').pop(), image.naturalWidth, image.naturalHeight];
-        });
-        assert.deepEqual(first, ['photo01.jpeg', 320, 200]);
-        await page.screenshot({ path: path.join(outputRoot, 'slideshow-slider.png'), fullPage: true });
-        await inView(2);
-        assert.deepEqual(page.errors, []);
-        await page.close();
+test('captions and the counter keep a contrast of 3:1 over a white and a black photo, light or dark', async () => {
+    for (const device of Object.keys(devices)) {
+        for (const show of [shows.light, shows.dark]) {
+            const page = await visit(show, device, true);
+            for (const [slide, photo] of [[1, 'white'], [2, 'black']]) {
+                await page.evaluate((n) => {
+                    currentSlide(n);
+                    document.getAnimations().forEach((a) => a.finish());
+                }, slide);
+                for (const part of ['.klSsText', '.klSsNumbertext']) {
+                    const ratio = await contrast(page, page.locator(`.klSsSlides >> nth=${slide - 1} >> ${part}`));
+                    assert.ok(ratio >= 3, `${device} ${path.basename(path.dirname(show))} ${photo} ${part}: ${ratio}`);
+                }
+            }
+            await page.context().close();
+        }
+    }
+});
+
+test('the slider shows the first photo in a box of the exact size, then the later ones', async () => {
+    const page = await visit(shows.slider);
+    const container = await page.$eval('.klSsSlideshow-container', (c) => {
+        const r = c.getBoundingClientRect();
+        return [r.width, r.height];
     });
+    assert.deepEqual(container, [320, 200]);
+    // A slide is in view when it lies exactly on the container (a CSS animation: real time).
+    const inView = (n) => page.waitForFunction((k) => {
+        const c = document.querySelector('.klSsSlideshow-container').getBoundingClientRect();
+        const s = document.querySelector(`.slide${k}`).getBoundingClientRect();
+        return Math.abs(s.left - c.left) < 1 && Math.abs(s.top - c.top) < 1;
+    }, n, { timeout: 10000 });
+    await inView(0);
+    const first = await page.$eval('.slide0', async (s) => {
+        const image = new Image();
+        image.src = getComputedStyle(s).backgroundImage.slice(5, -2);
+        await image.decode();
+        return [image.src.split('/').pop(), image.naturalWidth, image.naturalHeight];
+    });
+    assert.deepEqual(first, ['photo01.jpeg', 320, 200]);
+    await page.screenshot({ path: path.join(outputRoot, 'slideshow-slider.png'), fullPage: true });
+    await inView(2);
+    assert.deepEqual(page.errors, []);
+    await page.context().close();
 });

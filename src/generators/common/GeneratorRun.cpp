@@ -150,6 +150,7 @@ RunResult runSite(const std::function<SitePlan(const QList<PhotoEntry>&)>& planO
         for (const QString& name : OutputFolder::lightboxFiles())
             planned.append(support.lightboxFolder + name);
     if (!support.patternSource.isEmpty()) planned.append(support.patternPath);
+    for (const auto& resource : support.resources) planned.append(resource.second);
     OutputFolder out(options.destination);
     out.addFailures(unreadable);
     RunManifest manifest(plan.kind, options, ui);
@@ -160,6 +161,7 @@ RunResult runSite(const std::function<SitePlan(const QList<PhotoEntry>&)>& planO
     if (!support.lightboxFolder.isEmpty()) out.copyLightboxFiles(support.lightboxFolder);
     if (!support.patternSource.isEmpty())
         out.copyPattern(support.patternSource, support.patternPath);
+    for (const auto& [resource, path] : support.resources) out.writeResource(resource, path);
 
     // Images, on every core within the memory budget, those unchanged since an earlier run kept;
     // progress in photo order.

@@ -6,6 +6,7 @@
 #include <QStringList>
 #include <functional>
 #include <optional>
+#include <utility>
 
 #include "generators/common/CaptionBuilder.h"
 
@@ -61,6 +62,9 @@ struct SupportFiles {
     QString lightboxFolder;  // where the lightbox files go, such as "KLovlightbox/"; "" for none
     QString patternSource;   // the pattern image to copy, "" for none
     QString patternPath;     // its path under the output folder
+    // Files of the program's resources written as they are: (resource such as
+    // ":/slideshow/klovlSlideshow.js", its path under the output folder).
+    QList<std::pair<QString, QString>> resources = {};
 };
 
 // The images of one photo.

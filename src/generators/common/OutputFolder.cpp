@@ -103,6 +103,17 @@ void OutputFolder::copyPattern(const QString& source, const QString& folderAndFi
         written_.append(folderAndFileName);
 }
 
+void OutputFolder::writeResource(const QString& resource, const QString& relativePath) {
+    QFile in(resource);
+    const QString path = destination_ + relativePath;
+    QString error;
+    if (!in.open(QIODevice::ReadOnly)) return addFailure(resource, in.errorString());
+    const QByteArray bytes = in.readAll();
+    if (!holds(path, bytes) && !AtomicFile::write(path, bytes, &error))
+        return addFailure(path, error);
+    written_.append(relativePath);
+}
+
 bool OutputFolder::writeText(const QString& relativePath, const QString& text, bool pageIcon) {
     const QString path = destination_ + relativePath;
     const QByteArray bytes = text.toUtf8();

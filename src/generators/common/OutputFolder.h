@@ -25,6 +25,9 @@ class OutputFolder {
     void copyLightboxFiles(const QString& folder);
     // Copies the pattern image at `source` to folder + fileName, keeping a file already there.
     void copyPattern(const QString& source, const QString& folderAndFileName);
+    // Writes the program's resource `resource` (":/...") to `relativePath`; a file that holds its
+    // bytes already is left as it is.
+    void writeResource(const QString& resource, const QString& relativePath);
     // Writes a page or stylesheet (path relative to the destination) in UTF-8; pages get the page
     // icon. A file that holds these bytes already is left as it is, so its time does not change.
     // False when it could not be written.

@@ -17,10 +17,23 @@ const QString kStylesheet = QStringLiteral("KLSlideShowcss/klovlSlideshow.css");
 const QString kSlides = QStringLiteral("KLSsImages/");
 const QString kCaptionWeight = QStringLiteral("mySsFileNameFontStyle");
 
-// The maker's reference that stands in every slide whenever buttons or dots are shown.
-const QString kReference = QStringLiteral(
-    "<div class=\"klSsRef\"><a href=\"https://www.keldra.com/orvella\"><img "
-    "src=\"https://www.keldra.com/orvella/klOrvella.png\" alt=\"Orvella\"></a></div>\n");
+// The support files of a classic page that shows the maker's reference: its logo and the script
+// of the page's controls (arrow keys, an interval that starts again after a move, a pause button,
+// readable captions), both written with the site.
+const QList<std::pair<QString, QString>> kControlFiles = {
+    {":/lightbox/klOrvella.png", "KLSlideShowcss/klOrvella.png"},
+    {":/slideshow/klovlSlideshow.js", "KLSlideShowcss/klovlSlideshow.js"}};
+
+// The maker's reference that stands in every slide whenever buttons or dots are shown; the first
+// one loads the controls' script, which must run before the page's own.
+QString reference(bool first) {
+    return QStringLiteral(
+               "<div class=\"klSsRef\"><a href=\"https://www.keldra.com/orvella\"><img "
+               "src=\"KLSlideShowcss/klOrvella.png\" alt=\"Orvella\" width=\"60\"></a>") +
+           (first ? QStringLiteral("<script src=\"KLSlideShowcss/klovlSlideshow.js\"></script>")
+                  : QString()) +
+           QStringLiteral("</div>\n");
+}
 
 // From the document start to the opening of the slideshow container; both page kinds share it.
 QString pageStart(const SlideshowSettings& p) {
@@ -49,7 +62,7 @@ QString classicSlide(const SlideshowSettings& p, int n, int count, const QString
     if (p.photoCount)
         s += "<div class=\"klSsNumbertext\">" + QString::number(n) + " / " +
              QString::number(count) + "</div>\n";
-    if (p.dots || p.buttons) s += kReference;
+    if (p.dots || p.buttons) s += reference(n == 1);
     s += "<img src=\"KLSsImages/" + PageText::urlSegment(image);
     s += p.responsive
              ? QStringLiteral("\" style=\"width:100%\">\n")
@@ -304,7 +317,9 @@ SitePlan cSlideshow::plan(const SettingsStore& snapshot, const QList<PhotoEntry>
             [p, slider](const QList<PhotoEntry>& shown, const QStringList& captions) {
                 return slider ? sliderTexts(p, shown) : classicTexts(p, shown, captions);
             },
-        .support = {folders(), QString(), p.patternSource, "KLovPatterns/" + p.patternFileName},
+        .support = {folders(), QString(), p.patternSource, "KLovPatterns/" + p.patternFileName,
+                    !slider && (p.buttons || p.dots) ? kControlFiles
+                                                     : QList<std::pair<QString, QString>>()},
         // Photos with one base name share one slide, the last one made.
         .images =
             [](const QString& photoPath) {

@@ -43,7 +43,8 @@ TEST(SlideshowRun, SlidesCaptionsAndFiles) {
     EXPECT_EQ(result.firstPage, dir + "show.html");
     EXPECT_EQ(ui.opened, QStringList{"file:///" + dir + "show.html"});
     EXPECT_EQ(filesUnder(dir),
-              QStringList({"KLSlideShowcss/klovlSlideshow.css", "KLSsImages/50% off #1.jpeg",
+              QStringList({"KLSlideShowcss/klOrvella.png", "KLSlideShowcss/klovlSlideshow.css",
+                           "KLSlideShowcss/klovlSlideshow.js", "KLSsImages/50% off #1.jpeg",
                            "KLSsImages/tall.jpeg", "KLSsImages/turned.jpeg", "KLSsImages/wide.jpeg",
                            "KLovPatterns/dots.png", "show.html"}));
     EXPECT_EQ(testsupport::readFile(dir + "KLovPatterns/dots.png"), testsupport::readFile(pattern));
@@ -74,8 +75,9 @@ TEST(SlideshowRun, SlidesCaptionsAndFiles) {
 }
 
 // The caption weight a run carries to the panel's next one, which a "Light" caption weight keeps;
-// captions off leave every caption block empty; a warning lets the run go on. A template index
-// past the slider writes nothing.
+// captions off leave every caption block empty; a warning lets the run go on; the logo and the
+// controls' script, written while buttons or dots show, are removed by a clean run without them.
+// A template index past the slider writes nothing.
 TEST(SlideshowRun, CarriedCaptionWeightAndOtherTemplates) {
     const QString photo = makePhoto(freshDir("slideshow-carried-src"), "a.png", 40, 30);
     const QString first = freshDir("slideshow-carried-1"), second = freshDir("slideshow-carried-2");
@@ -96,6 +98,13 @@ TEST(SlideshowRun, CarriedCaptionWeightAndOtherTemplates) {
     EXPECT_EQ(css.section(".klSsText {", 1).section("font-weight:", 1, 1).section(';', 0, 0),
               "500");
     EXPECT_TRUE(readText(second + "slideshow.html").contains("<div class=\"klSsText\"></div>"));
+    EXPECT_TRUE(cSlideshow::hCreateSlideShow(entries({photo}),
+                                             store("cbSsShowNavigationBtn=0, cbSsShowDots=0"), ui,
+                                             {.destination = first, .clean = true})
+                    .ok);
+    for (const QString& dir : {first, second})
+        for (const char* file : {"klOrvella.png", "klovlSlideshow.js"})
+            EXPECT_FALSE(QFileInfo::exists(dir + "KLSlideShowcss/" + file)) << dir << file;
 
     const QString dir = freshDir("slideshow-template-3");
     SettingsStore odd = store();

@@ -48,7 +48,7 @@ const char* const kBeforeSlides =
     R"(<!-- Slideshow container: Begin -->|<div class="klSsSlideshow-container">|)";
 const char* const kReference =
     R"(<div class="klSsRef"><a href="https://www.keldra.com/orvella"><img )"
-    R"(src="https://www.keldra.com/orvella/klOrvella.png" alt="Orvella"></a></div>|)";
+    R"(src="KLSlideShowcss/klOrvella.png" alt="Orvella" width="60"></a>%4</div>|)";
 
 // The functions that move between slides, with dots: %1 the one that shows a slide, %2 the class
 // that is taken off the dots.
@@ -155,8 +155,9 @@ TEST(SlideshowText, ClassicPageWithEverythingOn) {
         page,
         text(kPrologue + "<title>Trip &amp; Co</title>|" + kStylesheetLink +
              QString(kFontLink).arg("Exo+2") + kBeforeSlides +
-             slide.arg("1", "a.jpeg", "x &lt; y &amp; z") +
-             slide.arg("2", "b%20c%25%231.jpeg", "") +
+             slide.arg("1", "a.jpeg", "x &lt; y &amp; z",
+                       R"(<script src="KLSlideShowcss/klovlSlideshow.js"></script>)") +
+             slide.arg("2", "b%20c%25%231.jpeg", "", "") +
              R"(<!-- Slideshow container: End-->|<!-- Slideshow: Next and previous buttons -->|)"
              R"~(<a class="klSsPrev" onclick="plusSlides(-1)">&#10094;</a>|)~"
              R"~(<a class="klSsNext" onclick="plusSlides(1)">&#10095;</a>|</div>|<br>|)~"
