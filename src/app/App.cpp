@@ -4,7 +4,6 @@
 #include <QDir>
 #include <QIcon>
 #include <QTextStream>
-#include <QTimer>
 #include <cstdio>
 
 #include "app/MainWindow.h"
@@ -82,6 +81,5 @@ int runApp(int argc, char** argv) {
     mainWindow.show();
     mainWindow.openFiles(paths);
     startUpdateCheck(&mainWindow);
-    QTimer::singleShot(0, &mainWindow, &MainWindow::askForSupportRoot);
     return app.exec();
 }

@@ -207,9 +207,6 @@ bool ProjectActions::openProjectFile(const QString& folder, const QString& file)
     if (!opened.warnings.isEmpty())
         ui_->alert(tr("Parts of the project could not be used."), opened.warnings.join(u'\n'),
                    false);
-    QStringList files;
-    for (const cCollectionViewItem& record : opened.records) files.append(record.path());
-    Q_EMIT photosOpened(files);
     markSaved();
     addRecent(file);
     Q_EMIT message(tr("Project opened: %1").arg(QDir::toNativeSeparators(file)));
