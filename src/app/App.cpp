@@ -58,9 +58,9 @@ int runApp(int argc, char** argv) {
     WindowInstance instance;
     MainWindow* window = nullptr;
     if (added == WindowInstance::kNoWindow && !instance.listen([&window](const QStringList& more) {
-            const int count = window->openFiles(more);
+            window->openFiles(more);
             bringToFront(*window);
-            return count;
+            return MainWindow::photoFileCount(more);
         })) {
         // Another start began listening at the same moment: hand over once more.
         added = WindowInstance::handOver(paths);

@@ -293,16 +293,28 @@ void MainWindow::choosePhotos() {
 }
 
 void MainWindow::addPhotos(const QStringList& paths) {
-    QStringList files;
-    for (const QString& path : paths) {
-        if (QFileInfo(path).isDir())
-            files += PhotoCollection::photoFilesInFolder(path);
-        else
-            files.append(path);
+    if (paths.isEmpty()) return;
+    if (isAdding()) {  // one reader at a time: these follow when it is done
+        pendingFiles_ += paths;
+        return;
     }
-    if (files.isEmpty()) return;
-    if (adding_) {  // one reader at a time: these follow when it is done
-        pendingFiles_ += files;
+    // Folders are listed behind the window too: thousands of names take a while.
+    listing_ = new QFutureWatcher<QStringList>(this);
+    connect(listing_, &QFutureWatcherBase::finished, this, [this] {
+        const QStringList files = listing_->result();
+        listing_->deleteLater();
+        listing_ = nullptr;
+        readPhotos(files);
+    });
+    QList<QUrl> urls;
+    for (const QString& path : paths) urls.append(QUrl::fromLocalFile(path));
+    listing_->setFuture(
+        QtConcurrent::run(&readers_, &CollectionDragModel::photoFilesFromUrls, urls));
+}
+
+void MainWindow::readPhotos(const QStringList& files) {
+    if (files.isEmpty()) {
+        if (!pendingFiles_.isEmpty()) addPhotos(std::exchange(pendingFiles_, {}));
         return;
     }
     // Headers are read on workers; the records join the grid in order, a batch at every tick of
@@ -361,18 +373,26 @@ void MainWindow::photosRead() {
     if (!pendingFiles_.isEmpty()) addPhotos(std::exchange(pendingFiles_, {}));
 }
 
-int MainWindow::openFiles(const QStringList& paths) {
-    QList<QUrl> photos;
+void MainWindow::openFiles(const QStringList& paths) {
+    QStringList photos;
     for (const QString& path : paths) {
-        if (path.endsWith(QStringLiteral(".orvprj"), Qt::CaseInsensitive))
+        if (isProjectFile(path))
             openProject(path);
         else
-            photos.append(QUrl::fromLocalFile(path));
+            photos.append(path);
     }
-    const QStringList files = CollectionDragModel::photoFilesFromUrls(photos);
-    // Their headers are read off the window's thread; they join the grid when read.
-    addPhotos(files);
-    return int(files.size());
+    addPhotos(photos);
+}
+
+bool MainWindow::isProjectFile(const QString& path) {
+    return path.endsWith(QStringLiteral(".orvprj"), Qt::CaseInsensitive);
+}
+
+int MainWindow::photoFileCount(const QStringList& paths) {
+    QList<QUrl> photos;
+    for (const QString& path : paths)
+        if (!isProjectFile(path)) photos.append(QUrl::fromLocalFile(path));
+    return int(CollectionDragModel::photoFilesFromUrls(photos).size());
 }
 
 void MainWindow::openProject(const QString& file) {

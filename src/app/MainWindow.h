@@ -30,15 +30,19 @@ class MainWindow : public QMainWindow {
   public:
     explicit MainWindow(QWidget* parent = nullptr);
 
-    // Adds photos (and the photo files of folders) with their headers read off the window's thread.
+    // Adds the photo files among these paths and those directly inside folders, with folders
+    // listed and headers read off the window's thread.
     void addPhotos(const QStringList& paths);
-    bool isRunning() const { return run_.isRunning() || adding_ != nullptr; }
+    bool isAdding() const { return listing_ || adding_; }
+    bool isRunning() const { return run_.isRunning() || isAdding(); }
     // Asks the running generation to stop at the next photo.
     void cancelRun();
 
     // Files given on the command line or handed over by a later start: photos and folders are
-    // added as a drop adds them, projects are opened. Returns the number of photo files taken.
-    int openFiles(const QStringList& paths);
+    // added as a drop adds them, projects are opened.
+    void openFiles(const QStringList& paths);
+    // The number of photo files openFiles takes from these paths.
+    static int photoFileCount(const QStringList& paths);
     void showPreferences();
     // Save Project…, Open Project…, recent projects and the unsaved-changes question.
     ProjectActions* projectActions() const { return projects_; }
@@ -58,6 +62,8 @@ class MainWindow : public QMainWindow {
     void choosePhotos();
     void openProject(const QString& file);
     void showAbout();
+    static bool isProjectFile(const QString& path);
+    void readPhotos(const QStringList& files);
     // The headers read so far, in order, join the grid.
     void takeReadRecords();
     void photosRead();
@@ -91,6 +97,7 @@ class MainWindow : public QMainWindow {
     CellImageCache* cellImages_ = nullptr;
     // Photos being added: the header reader, its files, the next to join the grid.
     using ReadRecord = std::pair<bool, cCollectionViewItem>;
+    QFutureWatcher<QStringList>* listing_ = nullptr;
     QFutureWatcher<ReadRecord>* adding_ = nullptr;
     QStringList addingFiles_;
     int nextRead_ = 0;
