@@ -29,10 +29,13 @@ QString toolTipOf(const ControlSpec& control) {
     return control.name + QStringLiteral(" (") + control.aliases.join(QStringLiteral(", ")) + u')';
 }
 
-// The scale of a number chosen from a list or a slider, as " (1–9)", when the label does not
-// give a unit already.
+// The unit or scale of a number, as " (px)" or " (1–9)", when the label does not give one
+// already: number fields are sizes in pixels, except the counts ("ifNumberOfRows").
 QString scaleOf(const ControlSpec& control) {
     if (control.label.contains(u'(')) return {};
+    if (control.kind == ControlKind::Number)
+        return control.name.contains(QStringLiteral("Number")) ? QString()
+                                                               : QStringLiteral(" (px)");
     if (control.kind == ControlKind::Slider)
         return QStringLiteral(" (%1–%2)").arg(control.minimum).arg(control.maximum);
     if (control.kind != ControlKind::PopupTitle || control.items.size() < 2) return {};
