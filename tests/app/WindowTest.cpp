@@ -5,9 +5,12 @@
 #include <QAction>
 #include <QApplication>
 #include <QCheckBox>
+#include <QDir>
 #include <QElapsedTimer>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QSettings>
 #include <QTabWidget>
 
 #include "app/CellImageCache.h"
@@ -15,6 +18,8 @@
 #include "app/FormChecks.h"
 #include "app/MainWindow.h"
 #include "app/PhotoGridView.h"
+#include "app/SupportDialogs.h"
+#include "services/SupportFolders.h"
 #include "support/TestSupport.h"
 
 // Each tab shows every control of its kind under a label of its own and its buttons; the
@@ -126,4 +131,19 @@ TEST(Window, TenThousandPhotosAreRowsNotWidgets) {
     EXPECT_EQ(window.findChildren<QWidget*>().size(), widgets);
     EXPECT_GT(cells->requestCount(), 0);
     EXPECT_LT(cells->requestCount(), 200);
+}
+
+// No question before the photos: with no support root chosen, the preferences (as an import or a
+// pattern chooser would) take the folder in the user's data folder and build the tree there.
+TEST(Window, SupportRootDefaultsToTheUsersDataFolder) {
+    QSettings().remove(SupportFolders::kRootKey);
+    const QString root = SupportDialogs::defaultRoot();
+    QDir(root).removeRecursively();
+    PreferencesDialog preferences(nullptr);
+    EXPECT_TRUE(root.startsWith(qEnvironmentVariable("XDG_DATA_HOME") + "/")) << qPrintable(root);
+    EXPECT_EQ(SupportFolders::rootPath(), root);
+    EXPECT_EQ(SupportFolders::patternsPath(), root + "/Keldra_SupportFiles/Patterns");
+    EXPECT_FALSE(QDir(SupportFolders::patternsPath()).isEmpty());  // the built-in patterns
+    EXPECT_TRUE(QFileInfo(SupportFolders::watermarksPath()).isDir());
+    EXPECT_EQ(preferences.findChild<QLabel*>("tfLibraryFilePath")->text(), root);
 }
