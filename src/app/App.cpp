@@ -4,7 +4,6 @@
 #include <QDir>
 #include <QIcon>
 #include <QTextStream>
-#include <QTimer>
 #include <cstdio>
 
 #include "app/MainWindow.h"
@@ -59,9 +58,9 @@ int runApp(int argc, char** argv) {
     WindowInstance instance;
     MainWindow* window = nullptr;
     if (added == WindowInstance::kNoWindow && !instance.listen([&window](const QStringList& more) {
-            const int count = window->openFiles(more);
+            window->openFiles(more);
             bringToFront(*window);
-            return count;
+            return MainWindow::photoFileCount(more);
         })) {
         // Another start began listening at the same moment: hand over once more.
         added = WindowInstance::handOver(paths);
@@ -82,6 +81,5 @@ int runApp(int argc, char** argv) {
     mainWindow.show();
     mainWindow.openFiles(paths);
     startUpdateCheck(&mainWindow);
-    QTimer::singleShot(0, &mainWindow, &MainWindow::askForSupportRoot);
     return app.exec();
 }

@@ -6,6 +6,8 @@
 #include <QMimeData>
 #include <algorithm>
 
+#include "app/CellImageCache.h"
+
 namespace {
 
 const QString kIndexesType = QStringLiteral("application/x-orvella-photo-indexes");
@@ -25,6 +27,13 @@ QStringList CollectionDragModel::photoFilesFromUrls(const QList<QUrl>& urls) {
         }
     }
     return files;
+}
+
+QVariant CollectionDragModel::data(const QModelIndex& index, int role) const {
+    if (role != Qt::DecorationRole || !images_ || !index.isValid() || index.row() >= count())
+        return PhotoCollection::data(index, role);
+    const cCollectionViewItem& record = arrangedObjects()[index.row()];
+    return record.myPhoto.isNull() ? images_->image(record.path()) : record.myPhoto;
 }
 
 Qt::ItemFlags CollectionDragModel::flags(const QModelIndex& index) const {
@@ -69,7 +78,6 @@ bool CollectionDragModel::dropMimeData(const QMimeData* data, Qt::DropAction act
         // Added photos go at the end, as the Add Photos button puts them.
         const QStringList files = photoFilesFromUrls(data->urls());
         if (files.isEmpty()) return false;
-        appendPhotos(files, ui_);
         Q_EMIT photosDropped(files);
         return true;
     }

@@ -6,11 +6,11 @@
 
 #include "collection/PhotoCollection.h"
 
-class UserInterface;
+class CellImageCache;
 
 // The collection as the thumbnail grid needs it for drag and drop: a drag inside the grid carries
 // the set of dragged positions and its drop only reorders; files and folders dropped from a file
-// manager are added at the end.
+// manager are announced (photosDropped) to be added at the end.
 class CollectionDragModel : public PhotoCollection {
     Q_OBJECT
   public:
@@ -20,8 +20,10 @@ class CollectionDragModel : public PhotoCollection {
     // case), and for a folder the photo files directly inside it, sorted by name.
     static QStringList photoFilesFromUrls(const QList<QUrl>& urls);
 
-    // Where dropped files report their progress; none by default.
-    void setUserInterface(UserInterface* ui) { ui_ = ui; }
+    // Where cell images come from when a record carries none: made as cells are drawn.
+    void setCellImages(CellImageCache* images) { images_ = images; }
+
+    QVariant data(const QModelIndex& index, int role) const override;
 
     Qt::ItemFlags flags(const QModelIndex& index) const override;
     Qt::DropActions supportedDragActions() const override { return Qt::MoveAction; }
@@ -36,9 +38,10 @@ class CollectionDragModel : public PhotoCollection {
                       const QModelIndex& parent) override;
 
   Q_SIGNALS:
-    // Files were added by a drop; the window makes their cell images.
+    // Files and folders dropped from a file manager: the photo files among them, in order. The
+    // window reads their headers off its thread and adds them at the end.
     void photosDropped(const QStringList& files);
 
   private:
-    UserInterface* ui_ = nullptr;
+    CellImageCache* images_ = nullptr;
 };

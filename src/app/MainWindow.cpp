@@ -6,6 +6,7 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -13,6 +14,8 @@
 #include <QMessageBox>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QScreen>
+#include <QSettings>
 #include <QSplitter>
 #include <QStatusBar>
 #include <QStyle>
@@ -23,6 +26,7 @@
 #include <QtConcurrent/QtConcurrentMap>
 #include <QtConcurrent/QtConcurrentRun>
 
+#include "app/CellImageCache.h"
 #include "app/CollectionDragModel.h"
 #include "app/PhotoCellDelegate.h"
 #include "app/PhotoGridView.h"
@@ -40,16 +44,29 @@
 
 namespace {
 constexpr int kCellSize = 150;
-}
+// About 2,300 cells of 150 x 100 pixels: several screens of them.
+constexpr qint64 kCellImageBudget = 96 << 20;
+constexpr int kReadTick = 40;  // ms between batches of read headers joining the grid
+const QString kGeometryKey = QStringLiteral("window/geometry");
+constexpr int kTitleBarRoom = 40;
+}  // namespace
 
 MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), settings_(OutputKinds::registry()) {
     setWindowTitle(QStringLiteral("Orvella"));
+    readTimer_.setInterval(kReadTick);
+    connect(&readTimer_, &QTimer::timeout, this, &MainWindow::takeReadRecords);
     progress_ = new QProgressBar;
     progress_->setMaximumWidth(240);
-    progress_->hide();
     cancel_ = new QPushButton(tr("Cancel"));
     cancel_->setToolTip(tr("Stop after the photo being made; nothing already there is removed"));
-    cancel_->hide();
+    // Their room is kept while they are hidden: showing them must not lay out the whole window
+    // again, which takes a quarter of a second with every kind's settings in it.
+    for (QWidget* w : {static_cast<QWidget*>(progress_), static_cast<QWidget*>(cancel_)}) {
+        QSizePolicy policy = w->sizePolicy();
+        policy.setRetainSizeWhenHidden(true);
+        w->setSizePolicy(policy);
+        w->hide();
+    }
     connect(cancel_, &QPushButton::clicked, this, &MainWindow::cancelRun);
     statusBar()->addPermanentWidget(progress_);
     statusBar()->addPermanentWidget(cancel_);
@@ -66,7 +83,6 @@ MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), settings_(OutputK
     connect(projects_, &ProjectActions::settingsLoaded, this, [this] {
         for (SettingsForm* form : forms_) form->refresh();
     });
-    connect(projects_, &ProjectActions::photosOpened, this, &MainWindow::makeCellImages);
     connect(projects_, &ProjectActions::message, statusBar(),
             [this](const QString& text) { statusBar()->showMessage(text); });
     tabs_ = new QTabWidget;
@@ -96,15 +112,27 @@ MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), settings_(OutputK
     QMenu* help = menuBar()->addMenu(tr("&Help"));
     help->addAction(tr("About Orvella"), this, &MainWindow::showAbout)
         ->setObjectName(QStringLiteral("actionAbout"));
-    resize(1200, 780);
+    placeOnScreen();
     projects_->markSaved();  // what the window starts with is nothing to lose
+}
+
+void MainWindow::placeOnScreen() {
+    if (restoreGeometry(QSettings().value(kGeometryKey).toByteArray())) return;
+    // A laptop's 1366 x 768 screen leaves about 740 pixels under its panel for the window and its
+    // title bar.
+    const QScreen* screen = QGuiApplication::primaryScreen();
+    const QSize room = screen ? screen->availableGeometry().size() : QSize(1366, 740);
+    resize(QSize(1200, 700).boundedTo(room - QSize(0, kTitleBarRoom)));
 }
 
 QWidget* MainWindow::makeCollectionPanel() {
     collection_ = new CollectionDragModel(this);
-    collection_->setCellImageSize(0);  // made in the background, see makeCellImages
-    collection_->setUserInterface(ui_);
+    collection_->setCellImageSize(0);  // made as cells are drawn
+    cellImages_ = new CellImageCache(kCellSize, kCellImageBudget, this);
+    collection_->setCellImages(cellImages_);
     grid_ = new PhotoGridView;
+    grid_->setObjectName(QStringLiteral("photoGrid"));
+    connect(cellImages_, &CellImageCache::ready, grid_->viewport(), qOverload<>(&QWidget::update));
     grid_->setModel(collection_);
     grid_->setItemDelegate(new PhotoCellDelegate(kCellSize, grid_));
     grid_->setIconSize(QSize(kCellSize, kCellSize));
@@ -120,12 +148,15 @@ QWidget* MainWindow::makeCollectionPanel() {
     remove->setShortcut(QKeySequence::Delete);
     remove->setShortcutContext(Qt::WidgetWithChildrenShortcut);
     grid_->addAction(remove);
-    tools->addAction(tr("Remove All"), collection_, &PhotoCollection::hRemoveAllPhoto);
+    tools->addAction(tr("Remove All"), collection_, &PhotoCollection::hRemoveAllPhoto)
+        ->setObjectName(QStringLiteral("removeAll"));
     tools->addSeparator();
-    tools->addAction(tr("A-z"), collection_, &PhotoCollection::setSortingModeAz)
-        ->setToolTip(tr("Sort by file name, A to Z"));
-    tools->addAction(tr("z-A"), collection_, &PhotoCollection::setSortingModezA)
-        ->setToolTip(tr("Sort by file name, Z to A"));
+    QAction* az = tools->addAction(tr("Sort A–Z"), collection_, &PhotoCollection::setSortingModeAz);
+    az->setObjectName(QStringLiteral("sortAz"));
+    az->setToolTip(tr("Sort by file name, A to Z (case ignored); added photos follow the order"));
+    QAction* za = tools->addAction(tr("Sort Z–A"), collection_, &PhotoCollection::setSortingModezA);
+    za->setObjectName(QStringLiteral("sortZa"));
+    za->setToolTip(tr("Sort by file name, Z to A (case ignored); added photos follow the order"));
     auto* spacer = new QWidget;
     spacer->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     tools->addWidget(spacer);
@@ -138,24 +169,23 @@ QWidget* MainWindow::makeCollectionPanel() {
     description_->setPlaceholderText(tr("Caption of the photo"));
     description_->setClearButtonEnabled(true);
     publish_ = new QCheckBox(tr("Publish"));
+    publish_->setObjectName(QStringLiteral("publish"));
     publish_->setToolTip(tr("Include the photo in the output"));
     highlight_ = new QCheckBox(tr("Highlight"));
     highlight_->setToolTip(tr("Show the photo larger where the output kind does"));
 
     connect(collection_, &PhotoCollection::countChanged, this, &MainWindow::showCount);
     connect(collection_, &QAbstractItemModel::dataChanged, this, &MainWindow::showCount);
-    connect(collection_, &CollectionDragModel::photosDropped, this, &MainWindow::makeCellImages);
+    connect(collection_, &CollectionDragModel::photosDropped, this, &MainWindow::addPhotos);
     connect(grid_->selectionModel(), &QItemSelectionModel::currentChanged, this,
             &MainWindow::showCurrentRecord);
     connect(collection_, &QAbstractItemModel::modelReset, this, &MainWindow::showCurrentRecord);
     connect(collection_, &QAbstractItemModel::rowsInserted, this, &MainWindow::showCurrentRecord);
     // The flags go to every selected photo; the caption only to the current one.
-    connect(publish_, &QCheckBox::toggled, this, [this](bool on) {
-        for (const int row : selectedRows()) collection_->setSelect(row, on);
-    });
-    connect(highlight_, &QCheckBox::toggled, this, [this](bool on) {
-        for (const int row : selectedRows()) collection_->setHighlight(row, on);
-    });
+    connect(publish_, &QCheckBox::toggled, this,
+            [this](bool on) { collection_->setSelect(selectedRows(), on); });
+    connect(highlight_, &QCheckBox::toggled, this,
+            [this](bool on) { collection_->setHighlight(selectedRows(), on); });
     connect(description_, &QLineEdit::textEdited, this, [this](const QString& text) {
         const QModelIndex current = grid_->currentIndex();
         if (current.isValid()) collection_->setDescription(current.row(), text);
@@ -263,81 +293,112 @@ void MainWindow::choosePhotos() {
 }
 
 void MainWindow::addPhotos(const QStringList& paths) {
-    QStringList files;
-    for (const QString& path : paths) {
-        if (QFileInfo(path).isDir())
-            files += PhotoCollection::photoFilesInFolder(path);
-        else
-            files.append(path);
-    }
-    if (files.isEmpty()) return;
-    if (adding_) {  // one reader at a time: these follow when it is done
-        pendingFiles_ += files;
+    if (paths.isEmpty()) return;
+    if (isAdding()) {  // one reader at a time: these follow when it is done
+        pendingFiles_ += paths;
         return;
     }
-    // Headers are read on workers, hundreds at a time; the records join the grid in order.
-    using Read = std::pair<bool, cCollectionViewItem>;
-    auto* reader = new QFutureWatcher<Read>(this);
-    adding_ = reader;
+    // Folders are listed behind the window too: thousands of names take a while.
+    listing_ = new QFutureWatcher<QStringList>(this);
+    connect(listing_, &QFutureWatcherBase::finished, this, [this] {
+        const QStringList files = listing_->result();
+        listing_->deleteLater();
+        listing_ = nullptr;
+        readPhotos(files);
+    });
+    QList<QUrl> urls;
+    for (const QString& path : paths) urls.append(QUrl::fromLocalFile(path));
+    listing_->setFuture(
+        QtConcurrent::run(&readers_, &CollectionDragModel::photoFilesFromUrls, urls));
+}
+
+void MainWindow::readPhotos(const QStringList& files) {
+    if (files.isEmpty()) {
+        if (!pendingFiles_.isEmpty()) addPhotos(std::exchange(pendingFiles_, {}));
+        return;
+    }
+    // Headers are read on workers; the records join the grid in order, a batch at every tick of
+    // takeReadRecords, so the first cells show while the rest are read.
+    adding_ = new QFutureWatcher<ReadRecord>(this);
+    addingFiles_ = files;
+    nextRead_ = 0;
+    addedCount_ = 0;
+    skippedNames_.clear();
     progress_->setRange(0, int(files.size()));
     progress_->setValue(0);
     progress_->show();
     statusBar()->showMessage(tr("Reading %n photo(s)…", nullptr, int(files.size())));
-    connect(reader, &QFutureWatcherBase::progressValueChanged, progress_, &QProgressBar::setValue);
-    connect(reader, &QFutureWatcherBase::finished, this, [this, reader, files] {
-        QStringList added;
-        QStringList skipped;
-        for (int i = 0; i < files.size(); ++i) {
-            const auto& [ok, record] = reader->resultAt(i);
-            if (!ok) {
-                skipped.append(QFileInfo(files[i]).fileName());
-                continue;
-            }
-            collection_->insertRecord(record);
-            added.append(files[i]);
-        }
-        progress_->hide();
-        progress_->setRange(0, 100);
-        adding_ = nullptr;
-        reader->deleteLater();
-        statusBar()->showMessage(
-            skipped.isEmpty()
-                ? tr("%n photo(s) added.", nullptr, int(added.size()))
-                : tr("%n photo(s) added; not readable: %1", nullptr, int(added.size()))
-                      .arg(skipped.join(QStringLiteral(", "))));
-        makeCellImages(added);
-        if (!pendingFiles_.isEmpty()) addPhotos(std::exchange(pendingFiles_, {}));
-    });
-    reader->setFuture(QtConcurrent::mapped(files, [](const QString& path) {
-        Read read;
+    connect(adding_, &QFutureWatcherBase::finished, this, &MainWindow::photosRead);
+    adding_->setFuture(QtConcurrent::mapped(&readers_, files, [](const QString& path) {
+        lowerThisThreadPriority();
+        ReadRecord read;
         QString reason;
         read.first = PhotoCollection::readRecord(path, 0, &read.second, &reason);
         return read;
     }));
+    readTimer_.start();
 }
 
-int MainWindow::openFiles(const QStringList& paths) {
-    QList<QUrl> photos;
+void MainWindow::takeReadRecords() {
+    if (!adding_) return;
+
+    const QFuture<ReadRecord> future = adding_->future();
+    QList<cCollectionViewItem> batch;
+    while (nextRead_ < addingFiles_.size() && future.isResultReadyAt(nextRead_)) {
+        const auto& [ok, record] = future.resultAt(nextRead_);
+        if (ok)
+            batch.append(record);
+        else
+            skippedNames_.append(QFileInfo(addingFiles_[nextRead_]).fileName());
+        ++nextRead_;
+    }
+    addedCount_ += int(batch.size());
+    collection_->insertRecords(std::move(batch));
+    progress_->setValue(nextRead_);
+}
+
+void MainWindow::photosRead() {
+    readTimer_.stop();
+    takeReadRecords();
+    progress_->hide();
+    progress_->setRange(0, 100);
+    adding_->deleteLater();
+    adding_ = nullptr;
+    addingFiles_.clear();
+    statusBar()->showMessage(skippedNames_.isEmpty()
+                                 ? tr("%n photo(s) added.", nullptr, addedCount_)
+                                 : tr("%n photo(s) added; not readable: %1", nullptr, addedCount_)
+                                       .arg(skippedNames_.join(QStringLiteral(", "))));
+    Q_EMIT photosAdded();
+    if (!pendingFiles_.isEmpty()) addPhotos(std::exchange(pendingFiles_, {}));
+}
+
+void MainWindow::openFiles(const QStringList& paths) {
+    QStringList photos;
     for (const QString& path : paths) {
-        if (path.endsWith(QStringLiteral(".orvprj"), Qt::CaseInsensitive))
+        if (isProjectFile(path))
             openProject(path);
         else
-            photos.append(QUrl::fromLocalFile(path));
+            photos.append(path);
     }
-    const QStringList files = CollectionDragModel::photoFilesFromUrls(photos);
-    // Their headers are read off the window's thread; they join the grid when read.
-    addPhotos(files);
-    return int(files.size());
+    addPhotos(photos);
+}
+
+bool MainWindow::isProjectFile(const QString& path) {
+    return path.endsWith(QStringLiteral(".orvprj"), Qt::CaseInsensitive);
+}
+
+int MainWindow::photoFileCount(const QStringList& paths) {
+    QList<QUrl> photos;
+    for (const QString& path : paths)
+        if (!isProjectFile(path)) photos.append(QUrl::fromLocalFile(path));
+    return int(CollectionDragModel::photoFilesFromUrls(photos).size());
 }
 
 void MainWindow::openProject(const QString& file) {
     // After the caller is done: the question about unsaved changes may wait for the user.
     QMetaObject::invokeMethod(
         this, [this, file] { projects_->openGivenProject(file); }, Qt::QueuedConnection);
-}
-
-void MainWindow::askForSupportRoot() {
-    SupportDialogs::askForRootIfUnset(this, ui_);
 }
 
 void MainWindow::showPreferences() {
@@ -359,23 +420,10 @@ void MainWindow::showAbout() {
     box->open();
 }
 
-void MainWindow::makeCellImages(const QStringList& files) {
-    auto* cells = new QFutureWatcher<std::pair<QUrl, QImage>>(this);
-    connect(cells, &QFutureWatcherBase::resultReadyAt, this, [this, cells](int i) {
-        const auto& [url, image] = cells->resultAt(i);
-        collection_->setCellImage(url, image);
-    });
-    connect(cells, &QFutureWatcherBase::finished, cells, &QObject::deleteLater);
-    cells->setFuture(QtConcurrent::mapped(files, [](const QString& path) {
-        return std::pair{QUrl::fromLocalFile(QFileInfo(path).absoluteFilePath()),
-                         makeCellImage(path, kCellSize)};
-    }));
-}
-
 QList<int> MainWindow::selectedRows() const {
     QList<int> rows;
-    for (const QModelIndex& index : grid_->selectionModel()->selectedIndexes())
-        rows.append(index.row());
+    for (const QItemSelectionRange& range : grid_->selectionModel()->selection())
+        for (int row = range.top(); row <= range.bottom(); ++row) rows.append(row);
     const QModelIndex current = grid_->currentIndex();
     if (rows.isEmpty() && current.isValid()) rows.append(current.row());
     return rows;
@@ -493,12 +541,18 @@ void MainWindow::runFinished() {
                    result.failures.join(u'\n'), false);
         return;
     }
-    // Kept by the generator: a photo count that fills the pages exactly writes no page.
-    statusBar()->showMessage(result.firstPage.isEmpty()
-                                 ? tr("%1 written, but no page: the photos fill the pages "
-                                      "exactly.")
-                                       .arg(runKindTitle_)
-                                 : tr("%1 written; first page: %2").arg(runKindTitle_, page));
+    if (result.firstPage.isEmpty()) {
+        // Kept by the generator: a photo count that fills the pages exactly writes no page.
+        statusBar()->showMessage(tr("No page was written."));
+        ui_->alert(tr("No page was written."),
+                   tr("The images of the %1 were made, but the photos fill its pages exactly, "
+                      "so no page was written. Add or leave out a photo, or change the number "
+                      "of photos per page.")
+                       .arg(runKindTitle_),
+                   false);
+        return;
+    }
+    statusBar()->showMessage(tr("%1 written; first page: %2").arg(runKindTitle_, page));
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
@@ -506,6 +560,7 @@ void MainWindow::closeEvent(QCloseEvent* event) {
         event->ignore();
         return;
     }
+    QSettings().setValue(kGeometryKey, saveGeometry());
     if (!run_.isRunning()) {
         event->accept();
         return;

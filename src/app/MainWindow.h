@@ -3,10 +3,15 @@
 #include <QFutureWatcher>
 #include <QHash>
 #include <QMainWindow>
+#include <QThreadPool>
+#include <QTimer>
+#include <utility>
 
+#include "collection/cCollectionViewItem.h"
 #include "generators/OutputKinds.h"
 #include "presets/SettingsStore.h"
 
+class CellImageCache;
 class CollectionDragModel;
 class PhotoGridView;
 class ProjectActions;
@@ -25,32 +30,43 @@ class MainWindow : public QMainWindow {
   public:
     explicit MainWindow(QWidget* parent = nullptr);
 
-    // Adds photos (and the photo files of folders) with their headers read off the window's thread.
+    // Adds the photo files among these paths and those directly inside folders, with folders
+    // listed and headers read off the window's thread.
     void addPhotos(const QStringList& paths);
-    bool isRunning() const { return run_.isRunning() || adding_ != nullptr; }
+    bool isAdding() const { return listing_ || adding_; }
+    bool isRunning() const { return run_.isRunning() || isAdding(); }
     // Asks the running generation to stop at the next photo.
     void cancelRun();
 
     // Files given on the command line or handed over by a later start: photos and folders are
-    // added as a drop adds them, projects are opened. Returns the number of photo files taken.
-    int openFiles(const QStringList& paths);
-    // The first start asks for the support folder.
-    void askForSupportRoot();
+    // added as a drop adds them, projects are opened.
+    void openFiles(const QStringList& paths);
+    // The number of photo files openFiles takes from these paths.
+    static int photoFileCount(const QStringList& paths);
     void showPreferences();
     // Save Project…, Open Project…, recent projects and the unsaved-changes question.
     ProjectActions* projectActions() const { return projects_; }
+
+  Q_SIGNALS:
+    // Every photo given to addPhotos has been read and added (or named as not readable).
+    void photosAdded();
 
   protected:
     void closeEvent(QCloseEvent* event) override;
 
   private:
+    // The size saved at the last close, or one that fits a laptop's screen.
+    void placeOnScreen();
     QWidget* makeCollectionPanel();
     QWidget* makeKindTab(const OutputKind& kind);
     void choosePhotos();
     void openProject(const QString& file);
     void showAbout();
-    // Cell images of added photos are made on a worker and arrive one by one.
-    void makeCellImages(const QStringList& files);
+    static bool isProjectFile(const QString& path);
+    void readPhotos(const QStringList& files);
+    // The headers read so far, in order, join the grid.
+    void takeReadRecords();
+    void photosRead();
     void removeSelected();
     QList<int> selectedRows() const;
     void showCurrentRecord();
@@ -78,7 +94,17 @@ class MainWindow : public QMainWindow {
     QString runKindName_;
     // What each kind's panel carries from its last run into the next (RunResult::carried).
     QHash<QString, QHash<QString, QString>> carried_;
-    QObject* adding_ = nullptr;  // the header reader of photos being added
-    QStringList pendingFiles_;   // photos to add once it is done
+    CellImageCache* cellImages_ = nullptr;
+    // Photos being added: the header reader, its files, the next to join the grid.
+    using ReadRecord = std::pair<bool, cCollectionViewItem>;
+    QFutureWatcher<QStringList>* listing_ = nullptr;
+    QFutureWatcher<ReadRecord>* adding_ = nullptr;
+    QStringList addingFiles_;
+    int nextRead_ = 0;
+    int addedCount_ = 0;
+    QStringList skippedNames_;
+    QTimer readTimer_;
+    QThreadPool readers_;       // its threads run behind the window's
+    QStringList pendingFiles_;  // photos to add once the reader is done
     ProjectActions* projects_ = nullptr;
 };

@@ -39,8 +39,18 @@ QString notSupportedText() {
 }  // namespace
 
 QTableWidget* makeLogTable() {
-    auto* table = new QTableWidget(0, int(MetaLogRow::columnNames().size()));
-    table->setHorizontalHeaderLabels(MetaLogRow::columnNames());
+    // Titles a person reads, in the order of the row's keys; each key stays as the title's tip.
+    static const QStringList titles = {QObject::tr("Date"),       QObject::tr("Process"),
+                                       QObject::tr("Action"),     QObject::tr("Status"),
+                                       QObject::tr("Input"),      QObject::tr("Output"),
+                                       QObject::tr("Input path"), QObject::tr("Output path")};
+    const QStringList keys = MetaLogRow::columnNames();
+    auto* table = new QTableWidget(0, int(keys.size()));
+    for (int column = 0; column < keys.size(); ++column) {
+        auto* header = new QTableWidgetItem(titles.value(column, keys[column]));
+        header->setToolTip(keys[column]);
+        table->setHorizontalHeaderItem(column, header);
+    }
     table->setEditTriggers(QAbstractItemView::NoEditTriggers);
     table->setSelectionBehavior(QAbstractItemView::SelectRows);
     table->verticalHeader()->hide();

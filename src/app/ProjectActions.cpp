@@ -180,7 +180,19 @@ void ProjectActions::openGivenProject(const QString& file) {
 
 bool ProjectActions::openProjectFile(const QString& folder, const QString& file) {
     using Status = ProjectFile::OpenResult::Status;
-    const ProjectFile::OpenResult opened = ProjectFile::open(folder, file, 0, ui_);
+    // Reading thousands of entries takes a while: off the window's thread, as a save is.
+    QFutureWatcher<ProjectFile::OpenResult> reading;
+    QEventLoop waiting;
+    connect(&reading, &QFutureWatcherBase::finished, &waiting, &QEventLoop::quit);
+    UserInterface* ui = ui_;
+    reading.setFuture(QtConcurrent::run([&] { return ProjectFile::open(folder, file, 0, ui); }));
+    if (!reading.isFinished()) {
+        QProgressDialog progress(tr("Opening the project…"), QString(), 0, 0, window_.widget);
+        progress.setWindowModality(Qt::ApplicationModal);
+        progress.setMinimumDuration(500);
+        waiting.exec();
+    }
+    const ProjectFile::OpenResult opened = reading.result();
     theDict_ = opened.dictionary;
     if (opened.status == Status::Refused) {
         ui_->alert(tr("The project was not opened."), opened.message, true);
@@ -207,9 +219,6 @@ bool ProjectActions::openProjectFile(const QString& folder, const QString& file)
     if (!opened.warnings.isEmpty())
         ui_->alert(tr("Parts of the project could not be used."), opened.warnings.join(u'\n'),
                    false);
-    QStringList files;
-    for (const cCollectionViewItem& record : opened.records) files.append(record.path());
-    Q_EMIT photosOpened(files);
     markSaved();
     addRecent(file);
     Q_EMIT message(tr("Project opened: %1").arg(QDir::toNativeSeparators(file)));

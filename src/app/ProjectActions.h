@@ -79,8 +79,6 @@ class ProjectActions : public QObject {
   Q_SIGNALS:
     // The opened project's settings are in the store; `kind` is the kind whose tab shows them.
     void settingsLoaded(const QString& kind);
-    // Photo records were opened; their cell images are to be made.
-    void photosOpened(const QStringList& files);
     // A short note for the status bar.
     void message(const QString& text);
 

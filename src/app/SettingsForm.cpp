@@ -29,6 +29,24 @@ QString toolTipOf(const ControlSpec& control) {
     return control.name + QStringLiteral(" (") + control.aliases.join(QStringLiteral(", ")) + u')';
 }
 
+// The unit or scale of a number, as " (px)" or " (1–9)", when the label does not give one
+// already: number fields are sizes in pixels, except the counts ("ifNumberOfRows").
+QString scaleOf(const ControlSpec& control) {
+    if (control.label.contains(u'(')) return {};
+    if (control.kind == ControlKind::Number)
+        return control.name.contains(QStringLiteral("Number")) ? QString()
+                                                               : QStringLiteral(" (px)");
+    if (control.kind == ControlKind::Slider)
+        return QStringLiteral(" (%1–%2)").arg(control.minimum).arg(control.maximum);
+    if (control.kind != ControlKind::PopupTitle || control.items.size() < 2) return {};
+    for (const QString& item : control.items) {
+        bool number = false;
+        item.toInt(&number);
+        if (!number) return {};
+    }
+    return QStringLiteral(" (%1–%2)").arg(control.items.constFirst(), control.items.constLast());
+}
+
 }  // namespace
 
 SettingsForm::SettingsForm(const QString& outputKind, SettingsStore& store, QWidget* parent)
@@ -64,7 +82,7 @@ SettingsForm::SettingsForm(const QString& outputKind, SettingsStore& store, QWid
             box->setText(control->label);
             form->addRow(QString(), box);
         } else {
-            auto* label = new QLabel(control->label + u':');
+            auto* label = new QLabel(control->label + scaleOf(*control) + u':');
             label->setToolTip(editor->toolTip());
             label->setBuddy(editor);
             form->addRow(label, editor);

@@ -2,11 +2,13 @@
 
 #include <QComboBox>
 #include <QDialogButtonBox>
+#include <QDir>
 #include <QFileDialog>
 #include <QHBoxLayout>
 #include <QImageReader>
 #include <QLabel>
 #include <QPushButton>
+#include <QStandardPaths>
 #include <QVBoxLayout>
 
 #include "presets/SettingsStore.h"
@@ -29,11 +31,21 @@ bool chooseLibraryDestination(QWidget* parent, bool first, UserInterface* ui) {
     return true;
 }
 
-void askForRootIfUnset(QWidget* window, UserInterface* ui) {
-    if (!SupportFolders::hasRoot()) chooseLibraryDestination(window, true, ui);
+QString defaultRoot() {
+    return QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
+}
+
+bool useDefaultRootIfUnset(UserInterface* ui) {
+    if (SupportFolders::hasRoot()) return true;
+    const QString root = defaultRoot();
+    QString error = QObject::tr("%1: cannot be created").arg(root);
+    if (QDir().mkpath(root) && SupportFolders::setLibraryDestination(root, &error)) return true;
+    if (ui) ui->alert(QObject::tr("The support folder was not set."), error, false);
+    return false;
 }
 
 void importImages(QWidget* parent, bool watermarks, UserInterface* ui) {
+    useDefaultRootIfUnset(ui);
     // The destination as it stands now, also when a new root is chosen below.
     const QString destination =
         watermarks ? SupportFolders::watermarksPath() : SupportFolders::patternsPath();
@@ -81,6 +93,7 @@ PreferencesDialog::PreferencesDialog(UserInterface* ui, QWidget* parent)
     imports->addWidget(patterns);
     imports->addWidget(watermarks);
     imports->addStretch();
+    SupportDialogs::useDefaultRootIfUnset(ui_);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(new QLabel(tr("Support folder (patterns and watermarks):")));
     layout->addLayout(row);
@@ -119,6 +132,7 @@ PatternChooser::PatternChooser(const QString& kindLetters, const QString& pathCo
 }
 
 void PatternChooser::choose() {
+    SupportDialogs::useDefaultRootIfUnset(nullptr);
     QStringList patterns;
     for (const QString& suffix : SupportFolders::patternImageSuffixes())
         patterns.append(QStringLiteral("*.") + suffix);
@@ -136,7 +150,12 @@ void PatternChooser::setPattern(const QString& file) {
 }
 
 void PatternChooser::showPreview() {
-    QImageReader reader(settings_.text(pathControl_));
+    const QString path = settings_.text(pathControl_);
+    if (path.isEmpty()) {
+        preview_->setPixmap({});
+        return;
+    }
+    QImageReader reader(path);
     reader.setAutoTransform(true);
     const QSize size = reader.size();
     if (size.isValid() && size.width() > 0 && size.height() > 0)

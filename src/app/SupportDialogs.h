@@ -14,10 +14,14 @@ namespace SupportDialogs {
 // Lets the user choose the support root (with the "FIRST" message when `first`) and builds the
 // tree. False when cancelled or refused.
 bool chooseLibraryDestination(QWidget* parent, bool first, UserInterface* ui = nullptr);
-// At start: asks for a root when none is set.
-void askForRootIfUnset(QWidget* window, UserInterface* ui);
-// Copies pattern or watermark images the user picks into the support folder; asks for a root
-// first when the folder is gone or no root is set.
+// The root used until the user chooses one: the application's folder in the user's data folder
+// ($XDG_DATA_HOME/KeldraCom/Orvella).
+QString defaultRoot();
+// Makes the default root the support root (creating it) when none is set. False, with an alert,
+// when it cannot be made.
+bool useDefaultRootIfUnset(UserInterface* ui);
+// Copies pattern or watermark images the user picks into the support folder; with no root set the
+// default one is taken, and a root whose folder has gone is asked for again.
 void importImages(QWidget* parent, bool watermarks, UserInterface* ui);
 
 }  // namespace SupportDialogs

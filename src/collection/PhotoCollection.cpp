@@ -65,13 +65,15 @@ bool PhotoCollection::isPhotoFileName(const QString& fileName) {
 }
 
 QStringList PhotoCollection::photoFilesInFolder(const QString& folder) {
-    QStringList files;
-    for (const QFileInfo& entry : QDir(folder).entryInfoList(QDir::Files))
-        if (isPhotoFileName(entry.fileName())) files.append(entry.absoluteFilePath());
+    // Names only: a folder of thousands of photos is listed without a look at each file.
+    const QDir dir(folder);
+    QStringList names = dir.entryList(QDir::Files);
+    names.removeIf([](const QString& name) { return !isPhotoFileName(name); });
     // QCollator's numeric mode needs ICU, which a build may lack: compare by hand.
-    std::stable_sort(files.begin(), files.end(), [](const QString& a, const QString& b) {
-        return namedBefore(QFileInfo(a).fileName(), QFileInfo(b).fileName());
-    });
+    std::stable_sort(names.begin(), names.end(), namedBefore);
+    QStringList files;
+    files.reserve(names.size());
+    for (const QString& name : std::as_const(names)) files.append(dir.absoluteFilePath(name));
     return files;
 }
 
@@ -118,6 +120,18 @@ void PhotoCollection::insertRecord(cCollectionViewItem record) {
     }
     beginInsertRows({}, row, row);
     records_.insert(row, std::move(record));
+    endInsertRows();
+    Q_EMIT countChanged(count());
+}
+
+void PhotoCollection::insertRecords(QList<cCollectionViewItem> records) {
+    if (records.isEmpty()) return;
+    if (sort_ != Sort::None) {
+        for (cCollectionViewItem& record : records) insertRecord(std::move(record));
+        return;
+    }
+    beginInsertRows({}, count(), count() + int(records.size()) - 1);
+    records_.append(std::move(records));
     endInsertRows();
     Q_EMIT countChanged(count());
 }
@@ -169,9 +183,14 @@ void PhotoCollection::hRemoveSelectedObject(const QSet<int>& selected) {
         if (row >= 0 && row < count()) rows.append(row);
     }
     if (rows.isEmpty()) return;
-    std::sort(rows.begin(), rows.end(), std::greater<>());
+    QList<bool> removed(count(), false);
+    for (const int row : rows) removed[row] = true;
     beginResetModel();
-    for (const int row : rows) records_.removeAt(row);
+    QList<cCollectionViewItem> kept;
+    kept.reserve(count() - rows.size());
+    for (int row = 0; row < count(); ++row)
+        if (!removed[row]) kept.append(std::move(records_[row]));
+    records_ = std::move(kept);
     endResetModel();
     Q_EMIT countChanged(count());
 }
@@ -237,6 +256,27 @@ void PhotoCollection::setHighlight(int row, bool highlight) {
     records_[row].myPhotoHighLight = highlight ? 1 : 0;
     const QModelIndex changed = index(row);
     Q_EMIT dataChanged(changed, changed, {HighlightRole});
+}
+
+void PhotoCollection::setSelect(const QList<int>& rows, bool publish) {
+    setFlag(rows, &cCollectionViewItem::myPhotoSelect, publish, SelectRole);
+}
+
+void PhotoCollection::setHighlight(const QList<int>& rows, bool highlight) {
+    setFlag(rows, &cCollectionViewItem::myPhotoHighLight, highlight, HighlightRole);
+}
+
+void PhotoCollection::setFlag(const QList<int>& rows, qint32 cCollectionViewItem::*flag, bool on,
+                              int role) {
+    int first = count();
+    int last = -1;
+    for (const int row : rows) {
+        if (row < 0 || row >= count()) continue;
+        records_[row].*flag = on ? 1 : 0;
+        first = std::min(first, row);
+        last = std::max(last, row);
+    }
+    if (last >= 0) Q_EMIT dataChanged(index(first), index(last), {role});
 }
 
 void PhotoCollection::setDescription(int row, const QString& description) {

@@ -59,6 +59,9 @@ class PhotoCollection : public QAbstractListModel {
                            QString* reason);
     // Adds a record where the sort rule puts it (at the end without one).
     void insertRecord(cCollectionViewItem record);
+    // Adds records as insertRecord does, with one insertion for the grid when no sort rule is in
+    // force (thousands of photos read in batches).
+    void insertRecords(QList<cCollectionViewItem> records);
     // Appends records as they stand (a project being opened, tests).
     void appendRecords(const QList<cCollectionViewItem>& records);
 
@@ -80,6 +83,9 @@ class PhotoCollection : public QAbstractListModel {
     // Flags of one record by display position.
     void setSelect(int row, bool publish);
     void setHighlight(int row, bool highlight);
+    // The same flag for many rows at once, with one change for the grid.
+    void setSelect(const QList<int>& rows, bool publish);
+    void setHighlight(const QList<int>& rows, bool highlight);
     void setDescription(int row, const QString& description);
     // Gives the cell image to the records of that photo that have none yet (images made on
     // another thread arrive here).
@@ -107,6 +113,7 @@ class PhotoCollection : public QAbstractListModel {
 
   private:
     void setSortRule(Sort sort);
+    void setFlag(const QList<int>& rows, qint32 cCollectionViewItem::*flag, bool on, int role);
     void applySort();
 
     QList<cCollectionViewItem> records_;

@@ -21,8 +21,12 @@ TEST(FormatsWindow, HeadersReadCellsUprightInTrueColours) {
     timer.start();
     while (QDir(cells).entryList(QDir::Files).size() < 14 && timer.elapsed() < 60000) {
         QApplication::processEvents(QEventLoop::AllEvents, 50);
-        for (const cCollectionViewItem& record : collection->arrangedObjects())
-            if (!record.myPhoto.isNull()) record.myPhoto.save(cells + record.myPhotoName + ".png");
+        for (int row = 0; row < collection->count(); ++row) {
+            // Asking for a cell's image is what drawing it does: it is made, then answered.
+            const QModelIndex cell = collection->index(row);
+            const QImage image = cell.data(Qt::DecorationRole).value<QImage>();
+            if (!image.isNull()) image.save(cells + cell.data().toString() + ".png");
+        }
     }
     ASSERT_EQ(collection->count(), 14);
     for (const cCollectionViewItem& record : collection->arrangedObjects()) {

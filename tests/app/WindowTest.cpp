@@ -5,14 +5,21 @@
 #include <QAction>
 #include <QApplication>
 #include <QCheckBox>
+#include <QDir>
 #include <QElapsedTimer>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QSettings>
 #include <QTabWidget>
 
+#include "app/CellImageCache.h"
+#include "app/CollectionDragModel.h"
 #include "app/FormChecks.h"
 #include "app/MainWindow.h"
 #include "app/PhotoGridView.h"
+#include "app/SupportDialogs.h"
+#include "services/SupportFolders.h"
 #include "support/TestSupport.h"
 
 // Each tab shows every control of its kind under a label of its own and its buttons; the
@@ -62,6 +69,11 @@ TEST(Window, EveryKindHasItsTab) {
         EXPECT_LE(needed.width(), 1366);
         EXPECT_LE(needed.height(), 700);
     }
+    // The size a user gives the window is the size it opens with next time.
+    MainWindow resized;
+    resized.resize(700, 500);
+    resized.close();
+    EXPECT_EQ(MainWindow().size(), QSize(700, 500));
 
     // The slideshow keeps a way of moving between slides: autorun or the buttons.
     auto* autorun = tabs->widget(1)->findChild<QCheckBox*>("cbSsAutorun");
@@ -87,4 +99,51 @@ TEST(Window, AboutBoxShowsTheVersion) {
     ASSERT_NE(box, nullptr);
     EXPECT_EQ(box->text().toStdString() + "\n", version.toStdString());
     box->close();
+}
+
+// At 10,000 photos the grid is one view over the model: every row answers from its record, cell
+// images are made only for the rows drawn, and no widget stands for a photo.
+TEST(Window, TenThousandPhotosAreRowsNotWidgets) {
+    const QString photo = testsupport::makePhoto(testsupport::freshDir("app-window-10k") + "a.png");
+    QList<cCollectionViewItem> records(10000);
+    for (int i = 0; i < records.size(); ++i) {
+        records[i].myPhotoName = QString("p%1.png").arg(i, 5, 10, QChar('0'));
+        records[i].myPhotoURL =
+            QUrl::fromLocalFile(i < 50 ? photo : "/gone/" + records[i].myPhotoName);
+    }
+    MainWindow window;
+    window.show();
+    auto* grid = window.findChild<PhotoGridView*>();
+    auto* model = qobject_cast<CollectionDragModel*>(grid->model());
+    auto* cells = window.findChild<CellImageCache*>();
+    ASSERT_TRUE(model && cells);
+    const qsizetype widgets = window.findChildren<QWidget*>().size();
+    model->appendRecords(records);
+    QElapsedTimer timer;
+    timer.start();
+    while (model->index(0).data(Qt::DecorationRole).value<QImage>().isNull() &&
+           timer.elapsed() < 20000)
+        QApplication::processEvents(QEventLoop::AllEvents, 50);
+    EXPECT_EQ(model->rowCount(), 10000);
+    EXPECT_EQ(model->index(9999).data().toString(), "p09999.png");
+    EXPECT_EQ(model->index(9999).data(PhotoCollection::PathRole).toString(), "/gone/p09999.png");
+    EXPECT_FALSE(model->index(0).data(Qt::DecorationRole).value<QImage>().isNull());
+    EXPECT_EQ(window.findChildren<QWidget*>().size(), widgets);
+    EXPECT_GT(cells->requestCount(), 0);
+    EXPECT_LT(cells->requestCount(), 200);
+}
+
+// No question before the photos: with no support root chosen, the preferences (as an import or a
+// pattern chooser would) take the folder in the user's data folder and build the tree there.
+TEST(Window, SupportRootDefaultsToTheUsersDataFolder) {
+    QSettings().remove(SupportFolders::kRootKey);
+    const QString root = SupportDialogs::defaultRoot();
+    QDir(root).removeRecursively();
+    PreferencesDialog preferences(nullptr);
+    EXPECT_TRUE(root.startsWith(qEnvironmentVariable("XDG_DATA_HOME") + "/")) << qPrintable(root);
+    EXPECT_EQ(SupportFolders::rootPath(), root);
+    EXPECT_EQ(SupportFolders::patternsPath(), root + "/Keldra_SupportFiles/Patterns");
+    EXPECT_FALSE(QDir(SupportFolders::patternsPath()).isEmpty());  // the built-in patterns
+    EXPECT_TRUE(QFileInfo(SupportFolders::watermarksPath()).isDir());
+    EXPECT_EQ(preferences.findChild<QLabel*>("tfLibraryFilePath")->text(), root);
 }

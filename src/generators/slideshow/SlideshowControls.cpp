@@ -25,7 +25,7 @@ void cSlideshow::registerControls(ControlRegistry& registry) {
     r.add("pubSsTemplateChoice", "Page kind", K::PopupIndex, "0", {"pubSlideTemplateChoice"},
           {"Classic", "Classic (the same page)", "Slider (no script)"});
     r.add("tfSsPageName", "Page file name (without .html)", K::Text, "slideshow");
-    r.add("cbSsWebPageTitle", "Give the page a title", K::Checkbox, "1");
+    r.add("cbSsWebPageTitle", "Show page title", K::Checkbox, "1");
     r.add("tfSsWebPageTitle", "Page title", K::Text, "Slideshow");
     r.add("cbSsTitle", "Show heading", K::Checkbox, "1");
     r.add("tfSsTitle", "Heading", K::TextView, "Slideshow", {"tvSsTitle"});
