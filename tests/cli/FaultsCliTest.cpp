@@ -1,7 +1,10 @@
 // Runs that meet real faults, through the command line as a user meets them: bad and huge photos,
-// a full disk, a signal, two runs into one folder. What the visitor sees (pages linking only
-// images that exist) and what the user reads (each file with its own reason) are checked.
+// a full disk, a signal, two runs into one folder, leftovers, blocked folders, a comment writer
+// that checks its work. What the visitor sees (pages linking only images that exist), what the
+// user reads (each file with its own reason) and the files themselves (inputs untouched, whole or
+// absent) are checked. Refusals, which write nothing, are in RefusalCliTest.cpp.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <QDir>
 #include <QFile>
@@ -20,7 +23,9 @@
 using testsupport::filesUnder;
 using testsupport::freshDir;
 using testsupport::orvella;
+using testsupport::orvellaOut;
 using testsupport::readFile;
+using testsupport::runProgram;
 
 namespace {
 
@@ -75,10 +80,17 @@ QMap<QString, QByteArray> pagesOf(const QString& dir) {
     return pages;
 }
 
-// No temporary file of a run anywhere under `dir`.
-void expectNoTemporaryFiles(const QString& dir) {
-    for (const QString& f : filesUnder(dir))
-        EXPECT_FALSE(AtomicFile::isTemporaryName(QFileInfo(f).fileName())) << f.toStdString();
+// Every file under `dir` is whole: no temporary file, nothing empty, every image readable.
+void expectWholeFiles(const QString& dir) {
+    const auto files = testsupport::contentsUnder(dir);
+    for (auto it = files.cbegin(); it != files.cend(); ++it) {
+        EXPECT_FALSE(AtomicFile::isTemporaryName(QFileInfo(it.key()).fileName()))
+            << qPrintable(it.key());
+        EXPECT_GT(it.value().size(), 0) << qPrintable(it.key());
+        if (it.key().startsWith("KLimages_")) {
+            EXPECT_EQ(runProgram("vips", {"avg", dir + it.key()}), 0) << qPrintable(it.key());
+        }
+    }
 }
 
 QStringList kindsRecorded(const QString& dir) {
@@ -122,24 +134,24 @@ TEST(Faults, BadAndHugePhotosAreLeftOutOfThePages) {
     }
 }
 
-// A full disk: every failure names its own file and its own reason, nothing half written is
-// left, and no page path is printed when no page was written.
+// A full disk (or, where no filesystem can be mounted, a file size limit): every failure names its
+// own file and its own reason, the run finishes what fits, nothing half written, empty or under a
+// temporary name is left, and no page path is printed when no page was written.
 TEST(Faults, FullDiskMessagesAreEachTheirOwn) {
     const QString src = freshDir("faults-full-src");
     const QStringList photos = goodPhotos(src);
     const QString out = freshDir("faults-full");
     // A small filesystem where the test may mount one, else a file size limit.
-    const bool mounted =
-        testsupport::runProgram("mount", {"-t", "tmpfs", "-o", "size=160k", "tmpfs", out}) == 0;
+    const bool mounted = runProgram("mount", {"-t", "tmpfs", "-o", "size=160k", "tmpfs", out}) == 0;
     const QString reason = mounted ? "No space left on device" : "File too large";
     QString stdOut, err;
     const QString limit = mounted ? "unlimited" : "40";
-    EXPECT_EQ(testsupport::runProgram(
-                  "bash",
-                  {"-c", "trap '' XFSZ; ulimit -f " + limit + "; exec \"$@\"", "orvella",
-                   ORVELLA_BINARY, "generate", "gallery", "--threads", "2", "--out", out, src},
-                  &stdOut, &err),
-              1);
+    EXPECT_EQ(
+        runProgram("bash",
+                   {"-c", "trap '' XFSZ; ulimit -f " + limit + "; exec \"$@\"", "orvella",
+                    ORVELLA_BINARY, "generate", "gallery", "--threads", "2", "--out", out, src},
+                   &stdOut, &err),
+        1);
     const QStringList lines = err.split('\n', Qt::SkipEmptyParts);
     int failures = 0;
     for (const QString& line : lines) {
@@ -149,16 +161,15 @@ TEST(Faults, FullDiskMessagesAreEachTheirOwn) {
         EXPECT_FALSE(QFile::exists(line.section(": ", 1, 1))) << qPrintable(line);
     }
     EXPECT_GT(failures, 0) << qPrintable(err);
-    expectNoTemporaryFiles(out);
+    expectWholeFiles(out);
     const QString printed = stdOut.trimmed();
     EXPECT_TRUE(printed.isEmpty() || QFile::exists(printed)) << qPrintable(printed);
-    if (mounted) testsupport::runProgram("umount", {out});
+    if (mounted) runProgram("umount", {out});
 }
 
 // SIGTERM and SIGINT at several points of a run (counted from when it holds its folder): the run
-// stops after the files being written,
-// leaves no temporary file, writes no page once stopped, and says so with 143 or 130; a signal
-// after the last photo stops nothing.
+// stops after the files being written, leaves no temporary file, writes no page once stopped, and
+// says so with 143 or 130; a signal after the last photo stops nothing.
 TEST(Faults, SignalsStopARunCleanly) {
     const QString src = freshDir("faults-signal-src");
     const QString photo = goodPhotos(src).first();
@@ -175,7 +186,7 @@ TEST(Faults, SignalsStopARunCleanly) {
         ::kill(pid_t(run.processId()), signal);
         ASSERT_TRUE(run.waitForFinished(120000));
         const QString err = QString::fromUtf8(run.readAllStandardError());
-        expectNoTemporaryFiles(out);
+        expectWholeFiles(out);
         // The run had finished its photos: it ended whole, or the signal came once it was done.
         if (run.exitStatus() == QProcess::NormalExit && run.exitCode() == 0) {
             EXPECT_TRUE(QFile::exists(out + "index.html"));
@@ -220,4 +231,71 @@ TEST(Faults, OneWriterPerFolder) {
     EXPECT_TRUE(QFile::exists(out + "KLovImages/" + base + ".jpeg"));
     EXPECT_EQ(kindsRecorded(out), QStringList({"gallery", "grid"}));
     EXPECT_FALSE(QFile::exists(out + ".orvella-lock"));
+}
+
+// Temporary files a killed run left in the output are removed by the next run; others stay.
+TEST(FileSafety, LeftoversOfAKilledRunAreRemoved) {
+    const QString src = freshDir("safety-leftovers-src");
+    const QString out = freshDir("safety-leftovers");
+    for (const QString name : {"KLimages_b/.orvella-tmp-1f2e-a.jpeg",
+                               ".orvella-tmp-99-myIndex.html", "KLimages_b/mine.jpeg"})
+        testsupport::writeFile(out + name, "half");
+    orvellaOut(0, {"generate", "gallery", "--out", out, testsupport::makePhoto(src + "a.jpg")});
+    EXPECT_FALSE(QFile::exists(out + "KLimages_b/.orvella-tmp-1f2e-a.jpeg"));
+    EXPECT_FALSE(QFile::exists(out + ".orvella-tmp-99-myIndex.html"));
+    EXPECT_TRUE(QFile::remove(out + "KLimages_b/mine.jpeg"));  // the user's own file stayed
+    expectWholeFiles(out);
+}
+
+// A file where an image folder goes, or a folder where an image goes: those images fail and are
+// named, the exit code says so, the user's file or folder stays, and no page links the photo.
+TEST(FileSafety, UnwritableImagesGiveNamedFailures) {
+    const QString photo = testsupport::makePhoto(freshDir("safety-blocked-src") + "a.png");
+    for (const auto& [kind, blocker, page] :
+         {std::tuple{"gallery", "KLimages_b", "myIndex.html"},
+          std::tuple{"slideshow", "KLSsImages", "slideshow.html"},
+          std::tuple{"grid", "KLovImages", "index.html"},
+          std::tuple{"slideshow", "KLSsImages/a.jpeg/", "slideshow.html"}}) {
+        SCOPED_TRACE(blocker);
+        const QString out = freshDir("safety-blocked");
+        const bool folder = QString(blocker).endsWith('/');
+        if (folder)
+            QDir().mkpath(out + blocker);
+        else
+            testsupport::writeFile(out + blocker, "mine");
+        QString err;
+        EXPECT_EQ(orvellaOut(1, {"generate", kind, "--out", out, photo}, &err), "");
+        EXPECT_TRUE(err.contains("orvella generate: " + out + QString(blocker).chopped(folder)))
+            << qPrintable(err);
+        EXPECT_FALSE(QFile::exists(out + page));
+        EXPECT_TRUE(folder ? QFileInfo(out + blocker).isDir() : readFile(out + blocker) == "mine");
+    }
+}
+
+// The comment writer refuses a truncated TIFF and an oversized comment, leaving the file as it
+// was; a hard-linked JPEG keeps its links and mode, and the comment reads back through exiftool.
+TEST(FileSafety, CommentWriterChecksItsWork) {
+    const QString dir = freshDir("safety-comment");
+    const QByteArray tiff = readFile(testsupport::makePhoto(dir + "full.tif", 300, 200));
+    testsupport::writeFile(dir + "cut.tif", tiff.left(tiff.size() / 2));
+    EXPECT_EQ(orvellaOut(1, {"meta", "set-comment", dir + "cut.tif", "hello"}), "Failed\n");
+    EXPECT_EQ(readFile(dir + "cut.tif"), tiff.left(tiff.size() / 2));
+
+    const QString photo = testsupport::makePhoto(dir + "linked.jpg");
+    const QByteArray name = QFile::encodeName(photo);
+    ASSERT_EQ(::link(name.constData(), QFile::encodeName(dir + "other.jpg").constData()), 0);
+    ASSERT_EQ(::chmod(name.constData(), 0640), 0);
+    const QByteArray before = readFile(photo);
+    QString err;
+    orvellaOut(1, {"meta", "set-comment", photo, QString(70000, 'x')}, &err);
+    EXPECT_TRUE(err.contains("too long")) << qPrintable(err);
+    EXPECT_EQ(readFile(photo), before);
+
+    orvellaOut(0, {"meta", "set-comment", photo, "Harbour at dusk"});
+    struct stat status {};
+    ASSERT_EQ(::stat(name.constData(), &status), 0);
+    EXPECT_EQ(status.st_nlink, 2u);
+    EXPECT_EQ(status.st_mode & 0777, 0640u);
+    EXPECT_EQ(testsupport::exiftool(dir + "other.jpg", "UserComment"), "Harbour at dusk");
+    EXPECT_TRUE(QDir(dir).entryList({".orvella-tmp-*"}, QDir::Files | QDir::Hidden).isEmpty());
 }
