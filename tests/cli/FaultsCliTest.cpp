@@ -60,26 +60,6 @@ void writeClaimingPng(const QString& path, quint32 w, quint32 h) {
                                      chunk("IEND", {}));
 }
 
-// Three small camera photos copied into `dir`.
-QStringList goodPhotos(const QString& dir) {
-    QStringList copies;
-    for (const QString& jpeg : testsupport::mateBackgroundJpegs())
-        if (QFileInfo(jpeg).size() < 400000 && copies.size() < 3) {
-            copies.append(dir + QFileInfo(jpeg).fileName());
-            QFile::copy(jpeg, copies.last());
-        }
-    EXPECT_EQ(copies.size(), 3);
-    return copies;
-}
-
-// The pages and stylesheets of a site, by relative path.
-QMap<QString, QByteArray> pagesOf(const QString& dir) {
-    QMap<QString, QByteArray> pages;
-    for (const QString& f : filesUnder(dir))
-        if (f.endsWith(".html") || f.endsWith(".css")) pages.insert(f, readFile(dir + f));
-    return pages;
-}
-
 // Every file under `dir` is whole: no temporary file, nothing empty, every image readable.
 void expectWholeFiles(const QString& dir) {
     const auto files = testsupport::contentsUnder(dir);
@@ -110,7 +90,7 @@ QStringList kindsRecorded(const QString& dir) {
 TEST(Faults, BadAndHugePhotosAreLeftOutOfThePages) {
     const QString src = freshDir("faults-bad-src");
     const QString good = freshDir("faults-good-src");
-    const QStringList photos = goodPhotos(good);
+    const QStringList photos = testsupport::cameraPhotos(3, good);
     for (const QString& p : photos) QFile::copy(p, src + QFileInfo(p).fileName());
     testsupport::writeFile(src + "Cut.jpg", readFile(photos[0]).left(20000));
     writeClaimingPng(src + "Claims.png", 60000, 60000);
@@ -129,7 +109,8 @@ TEST(Faults, BadAndHugePhotosAreLeftOutOfThePages) {
             EXPECT_TRUE(err.contains("orvella generate: " + reason + "\n"))
                 << kind.toStdString() << qPrintable(err);
         ASSERT_EQ(orvella({"generate", kind, "--out", clean, good}), 0);
-        EXPECT_EQ(pagesOf(out), pagesOf(clean)) << kind.toStdString();
+        EXPECT_EQ(testsupport::pagesUnder(out), testsupport::pagesUnder(clean))
+            << kind.toStdString();
         EXPECT_TRUE(QFile::exists(stdOut.trimmed().section('\n', -1)));
     }
 }
@@ -139,7 +120,7 @@ TEST(Faults, BadAndHugePhotosAreLeftOutOfThePages) {
 // temporary name is left, and no page path is printed when no page was written.
 TEST(Faults, FullDiskMessagesAreEachTheirOwn) {
     const QString src = freshDir("faults-full-src");
-    const QStringList photos = goodPhotos(src);
+    const QStringList photos = testsupport::cameraPhotos(3, src);
     const QString out = freshDir("faults-full");
     // A small filesystem where the test may mount one, else a file size limit.
     const bool mounted = runProgram("mount", {"-t", "tmpfs", "-o", "size=160k", "tmpfs", out}) == 0;
@@ -172,7 +153,7 @@ TEST(Faults, FullDiskMessagesAreEachTheirOwn) {
 // says so with 143 or 130; a signal after the last photo stops nothing.
 TEST(Faults, SignalsStopARunCleanly) {
     const QString src = freshDir("faults-signal-src");
-    const QString photo = goodPhotos(src).first();
+    const QString photo = testsupport::cameraPhotos(3, src).first();
     for (int i = 0; i < 40; ++i) QFile::link(photo, src + QStringLiteral("p%1.jpg").arg(i));
     for (const auto& [signal, afterMs] :
          std::vector<std::pair<int, int>>{{SIGTERM, 0}, {SIGINT, 500}, {SIGTERM, 2000}}) {
@@ -208,7 +189,7 @@ TEST(Faults, SignalsStopARunCleanly) {
 // keeps both kinds, so --clean of each finds its own files; --no-wait refuses, naming the other.
 TEST(Faults, OneWriterPerFolder) {
     const QString src = freshDir("faults-lock-src");
-    const QStringList photos = goodPhotos(src);
+    const QStringList photos = testsupport::cameraPhotos(3, src);
     const QString out = freshDir("faults-lock");
     QProcess first;
     first.start(ORVELLA_BINARY, {"generate", "gallery", "--out", out, src});

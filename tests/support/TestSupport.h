@@ -88,5 +88,10 @@ QString exiftool(const QString& file, const QString& tag);
 
 // Real camera photos shipped by Debian's mate-backgrounds package (JPEGs), sorted by name.
 QStringList mateBackgroundJpegs();
+// The first `count` small ones of them; copied into `dir` under their own names when it is given.
+QStringList cameraPhotos(int count, const QString& dir = {});
+
+// The pages and stylesheets below `dir` (which ends with "/"), by relative path, with their bytes.
+QMap<QString, QByteArray> pagesUnder(const QString& dir);
 
 }  // namespace testsupport
