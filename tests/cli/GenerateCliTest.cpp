@@ -38,49 +38,40 @@ TEST(GenerateCli, WritesWhatTheOptionsSay) {
     const QString same = freshDir("cli-generate-same");
     const QStringList shared = {makePhoto(same + "x/small.jpg"), makePhoto(same + "y/small.jpg"),
                                 makePhoto(same + "y/small.png"), makePhoto(same + "y/other.png")};
+    const QString sameName =
+        "warning: Photos make images of the same name: %1 and %2 both make the "
+        "images named \"small\".\n%1 and %3 both make the images named "
+        "\"small\".\nThe images of the later photo replace those of the "
+        "earlier one.\n";
+    // clang-format off
     const struct {
         const char* kind;
         QStringList args;
-        QString page;
-        QString err;         // all of standard error
+        QString page, err;   // the page written; all of standard error
         QStringList order;   // found in this order in the pages and stylesheets
         QStringList absent;  // neither a file written nor in a page
     } cases[] = {
-        {"gallery",
-         withSets({"--unpublish", "d.png", src},
-                  kSmall + QStringList{"ifNumberOfColumns=2", "tfNumberOfRows=1"}),
-         "myIndex.html",
-         "",
-         {"KLimages_s/a.jpeg", "KLimages_s/b.jpeg", "KLimages_s/c.jpeg"},
+        {"gallery", withSets({"--unpublish", "d.png", src},
+                             kSmall + QStringList{"ifNumberOfColumns=2", "tfNumberOfRows=1"}),
+         "myIndex.html", "", {"KLimages_s/a.jpeg", "KLimages_s/b.jpeg", "KLimages_s/c.jpeg"},
          {"d.jpeg", "notes"}},
-        {"gallery",
-         withSets(shared, kSmall),
-         "myIndex.html",
-         "warning: Photos make images of the same name: " + shared[0] + " and " + shared[1] +
-             " both make the images named \"small\".\n" + shared[0] + " and " + shared[2] +
-             " both make the images named \"small\".\nThe images of the later photo replace "
-             "those of the earlier one.\n",
-         {"KLimages_s/other.jpeg"},
-         {}},
-        {"slideshow",
-         withSets({"--sort", "za", "--unpublish", "b.JPG", "--threads", "1", src},
-                  {"cbSsAutorun=0", "cbSsShowNavigationBtn=0", "tfSsPageName=index",
-                   "tfSsImageWidth=60", "tfSsImageHeight=40"}),
-         "index.html",
-         "warning: The slides do not change by themselves: Autorun and the previous and next "
-         "buttons are off: only the dots move between the slides.\n",
-         {"KLSsImages/d.jpeg", "KLSsImages/c.jpeg", "KLSsImages/a.jpeg"},
-         {"b.jpeg"}},
-        {"grid",
-         withSets({"--highlight", "a.png", "--highlight", "b.JPG", "--unpublish", "c.tif", src},
-                  {"tfPageName=photos", "tfRGMaxColumns=3"}),
-         "photos.html",
-         "",
+        {"gallery", withSets(shared, kSmall), "myIndex.html",
+         sameName.arg(shared[0], shared[1], shared[2]), {"KLimages_s/other.jpeg"}, {}},
+        {"slideshow", withSets({"--sort", "za", "--unpublish", "b.JPG", "--threads", "1", src},
+                               {"cbSsAutorun=0", "cbSsShowNavigationBtn=0", "tfSsPageName=index",
+                                "tfSsImageWidth=60", "tfSsImageHeight=40"}),
+         "index.html", "warning: The slides do not change by themselves: Autorun and the previous "
+                       "and next buttons are off: only the dots move between the slides.\n",
+         {"KLSsImages/d.jpeg", "KLSsImages/c.jpeg", "KLSsImages/a.jpeg"}, {"b.jpeg"}},
+        {"grid", withSets({"--highlight", "a.png", "--highlight", "b.JPG", "--unpublish", "c.tif",
+                           src}, {"tfPageName=photos", "tfRGMaxColumns=3"}),
+         "photos.html", "",
          {"minmax(400px, 1fr));", "<div class=\"klovlImage4\"> \n<a href=\"KLovImages/a.jpeg\"",
           "<div class=\"klovlImage klovlImageVertical\"> \n<a href=\"KLovImages/b.jpeg\"",
           "<div class=\"klovlImage\"> \n<a href=\"KLovImages/d.jpeg\""},
          {"c.jpeg"}},
     };
+    // clang-format on
     int n = 0;
     for (const auto& c : cases) {
         const QString dir = freshDir(QString("cli-generate-%1").arg(++n));
