@@ -47,7 +47,7 @@ TEST(ToolsCli, ImageEffectsWriteCopiesOfEveryPhotoOfAFolder) {
 }
 
 // get prints one line per name (one reader for all: "IPTC Description" repeats the value before
-// it), tree indents two spaces per level, set-comment prints OK (Failed is in FileSafetyTest.cpp),
+// it), tree indents two spaces per level, set-comment prints OK (Failed is in FaultsCliTest.cpp),
 // complete "Keldra", batch a log line per success with its time and the failures on stderr.
 TEST(ToolsCli, MetaReadsAndWritesComments) {
     const QString dir = testsupport::freshDir("cli-meta");

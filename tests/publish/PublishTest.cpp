@@ -5,9 +5,7 @@
 
 #include <QCryptographicHash>
 #include <QDir>
-#include <QDirIterator>
 #include <QFile>
-#include <QImage>
 #include <QMap>
 #include <QProcess>
 #include <QSet>
@@ -33,11 +31,9 @@ std::string digest(const QByteArray& bytes) {
 // Every file below `dir` (hidden ones too).
 Files filesIn(const QString& dir) {
     Files files;
-    for (QDirIterator it(dir, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
-         it.hasNext();) {
-        const QString path = it.next();
-        files.insert(path.mid(dir.size()), digest(readFile(path)));
-    }
+    const QMap<QString, QByteArray> contents = testsupport::contentsUnder(dir);
+    for (auto it = contents.cbegin(); it != contents.cend(); ++it)
+        files.insert(it.key(), digest(it.value()));
     return files;
 }
 
@@ -96,19 +92,8 @@ Outcome publish(const QStringList& args, const QString& home, const QByteArray& 
     return run;
 }
 
-void makePhoto(const QString& path, Qt::GlobalColor color) {
-    QImage image(160, 100, QImage::Format_RGB32);
-    image.fill(color);
-    ASSERT_TRUE(image.save(path));
-}
-
 void generate(const QString& site, const QString& photos, const QStringList& extra = {}) {
-    QString err;
-    ASSERT_EQ(testsupport::orvella(
-                  QStringList{"generate", "gallery", "--out", site} + extra + QStringList{photos},
-                  nullptr, &err),
-              0)
-        << err.toStdString();
+    testsupport::orvellaOut(0, QStringList{"generate", "gallery", "--out", site} + extra << photos);
 }
 
 // The course of a site's life on a server: first publish, nothing changed, one photo changed, one
@@ -116,10 +101,7 @@ void generate(const QString& site, const QString& photos, const QStringList& ext
 void publishesIncrementally(const QString& dir, const QString& destination, const QString& server,
                             const QString& home) {
     const QString site = dir + "site/", photos = dir + "photos/";
-    QDir().mkpath(photos);
-    makePhoto(photos + "a.png", Qt::darkRed);
-    makePhoto(photos + "b.png", Qt::darkGreen);
-    makePhoto(photos + "c.png", Qt::darkBlue);
+    for (const char* name : {"a.png", "b.png", "c.png"}) testsupport::makePhoto(photos + name);
     generate(site, photos);
     const QStringList verbose{site, destination, "--verbose"};
 
@@ -145,7 +127,7 @@ void publishesIncrementally(const QString& dir, const QString& destination, cons
     EXPECT_TRUE(run.out.contains("\tcomplete\t")) << run.out.toStdString();
 
     Files before = published(site);
-    makePhoto(photos + "b.png", Qt::yellow);
+    testsupport::makePhoto(photos + "b.png", 50, 40);
     generate(site, photos);
     const Paths changed = changedBetween(before, published(site));
     EXPECT_FALSE(changed.isEmpty());
