@@ -159,17 +159,13 @@ TEST(GenerateCli, CleanRemovesWhatTheRunNoLongerWrites) {
         int secondPhotos;       // the first photos the later runs take
         QString imageFolder;    // where the user's own image sits
     } cases[] = {
-        {"gallery",
-         kSmall + QStringList{"ifNumberOfColumns=2", "ifNumberOfRows=1"},
-         {},
-         1,
+        // clang-format off
+        {"gallery", kSmall + QStringList{"ifNumberOfColumns=2", "ifNumberOfRows=1"}, {}, 1,
          "KLimages_b/"},
-        {"slideshow",
-         {"tfSsImageWidth=60", "tfSsImageHeight=40"},
-         {"tfSsPageName=renamed"},
-         2,
+        {"slideshow", {"tfSsImageWidth=60", "tfSsImageHeight=40"}, {"tfSsPageName=renamed"}, 2,
          "KLSsImages/"},
         {"grid", {}, {"tfRgPageName=renamed"}, 2, "KLovImages/"},
+        // clang-format on
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.kind);
