@@ -11,11 +11,6 @@
 #include "imaging/ImagingFixtures.h"
 #include "support/TestSupport.h"
 
-// Test messages and gtest's values show texts as they are.
-inline std::ostream& operator<<(std::ostream& os, const QString& s) {
-    return os << '"' << s.toStdString() << '"';
-}
-
 // Whole texts are compared as standard strings, so that a failure shows where they differ.
 #define EXPECT_TEXT(actual, expected) \
     EXPECT_EQ(QString(actual).toStdString(), QString(expected).toStdString())

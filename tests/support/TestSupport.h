@@ -4,11 +4,17 @@
 #include <QProcessEnvironment>
 #include <QString>
 #include <QStringList>
+#include <ostream>
 #include <utility>
 #include <vector>
 
 #include "presets/SettingsStore.h"
 #include "services/UserInterface.h"
+
+// Test messages and gtest's values show texts as they are.
+inline std::ostream& operator<<(std::ostream& os, const QString& s) {
+    return os << '"' << s.toStdString() << '"';
+}
 
 // A UserInterface that records what the user would have seen.
 class RecordingUserInterface : public UserInterface {
