@@ -1,7 +1,10 @@
 // Runs that meet real faults, through the command line as a user meets them: bad and huge photos,
-// a full disk, a signal, two runs into one folder. What the visitor sees (pages linking only
-// images that exist) and what the user reads (each file with its own reason) are checked.
+// a full disk, a signal, two runs into one folder, leftovers, blocked folders, a comment writer
+// that checks its work. What the visitor sees (pages linking only images that exist), what the
+// user reads (each file with its own reason) and the files themselves (inputs untouched, whole or
+// absent) are checked. Refusals, which write nothing, are in RefusalCliTest.cpp.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <QDir>
 #include <QFile>
@@ -20,65 +23,33 @@
 using testsupport::filesUnder;
 using testsupport::freshDir;
 using testsupport::orvella;
+using testsupport::orvellaOut;
 using testsupport::readFile;
+using testsupport::runProgram;
 
 namespace {
 
 const QStringList kKinds = {"gallery", "slideshow", "grid"};
 
-quint32 crc32Of(const QByteArray& bytes) {
-    quint32 crc = 0xFFFFFFFF;
-    for (const char byte : bytes) {
-        crc ^= quint8(byte);
-        for (int bit = 0; bit < 8; ++bit) crc = (crc >> 1) ^ (0xEDB88320 & (0 - (crc & 1)));
-    }
-    return ~crc;
-}
+// A PNG whose header claims W x H pixels (its data is one pixel): no decoder gets that far.
+const char* const kClaimingPng = R"(import struct, sys, zlib
+def chunk(t, d): return struct.pack(">I", len(d)) + t + d + struct.pack(">I", zlib.crc32(t + d))
+head = struct.pack(">IIBBBBB", int(sys.argv[2]), int(sys.argv[3]), 8, 2, 0, 0, 0)
+open(sys.argv[1], "wb").write(b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", head) +
+                              chunk(b"IDAT", zlib.compress(bytes(4))) + chunk(b"IEND", b""))
+)";
 
-// A PNG whose header claims w x h pixels (its data is one pixel): no decoder gets that far.
-void writeClaimingPng(const QString& path, quint32 w, quint32 h) {
-    const auto chunk = [](const QByteArray& type, const QByteArray& data) {
-        QByteArray c;
-        for (int shift = 24; shift >= 0; shift -= 8) c += char(quint32(data.size()) >> shift);
-        const QByteArray body = type + data;
-        const quint32 crc = crc32Of(body);
-        c += body;
-        for (int shift = 24; shift >= 0; shift -= 8) c += char(crc >> shift);
-        return c;
-    };
-    QByteArray ihdr;
-    for (const quint32 v : {w, h})
-        for (int shift = 24; shift >= 0; shift -= 8) ihdr += char(v >> shift);
-    ihdr += QByteArray("\x08\x02\x00\x00\x00", 5);
-    testsupport::writeFile(path, QByteArray("\x89PNG\r\n\x1a\n", 8) + chunk("IHDR", ihdr) +
-                                     chunk("IDAT", qCompress(QByteArray(4, 0)).mid(4)) +
-                                     chunk("IEND", {}));
-}
-
-// Three small camera photos copied into `dir`.
-QStringList goodPhotos(const QString& dir) {
-    QStringList copies;
-    for (const QString& jpeg : testsupport::mateBackgroundJpegs())
-        if (QFileInfo(jpeg).size() < 400000 && copies.size() < 3) {
-            copies.append(dir + QFileInfo(jpeg).fileName());
-            QFile::copy(jpeg, copies.last());
+// Every file under `dir` is whole: no temporary file, nothing empty, every image readable.
+void expectWholeFiles(const QString& dir) {
+    const auto files = testsupport::contentsUnder(dir);
+    for (auto it = files.cbegin(); it != files.cend(); ++it) {
+        EXPECT_FALSE(AtomicFile::isTemporaryName(QFileInfo(it.key()).fileName()))
+            << qPrintable(it.key());
+        EXPECT_GT(it.value().size(), 0) << qPrintable(it.key());
+        if (it.key().startsWith("KLimages_")) {
+            EXPECT_EQ(runProgram("vips", {"avg", dir + it.key()}), 0) << qPrintable(it.key());
         }
-    EXPECT_EQ(copies.size(), 3);
-    return copies;
-}
-
-// The pages and stylesheets of a site, by relative path.
-QMap<QString, QByteArray> pagesOf(const QString& dir) {
-    QMap<QString, QByteArray> pages;
-    for (const QString& f : filesUnder(dir))
-        if (f.endsWith(".html") || f.endsWith(".css")) pages.insert(f, readFile(dir + f));
-    return pages;
-}
-
-// No temporary file of a run anywhere under `dir`.
-void expectNoTemporaryFiles(const QString& dir) {
-    for (const QString& f : filesUnder(dir))
-        EXPECT_FALSE(AtomicFile::isTemporaryName(QFileInfo(f).fileName())) << f.toStdString();
+    }
 }
 
 QStringList kindsRecorded(const QString& dir) {
@@ -98,11 +69,11 @@ QStringList kindsRecorded(const QString& dir) {
 TEST(Faults, BadAndHugePhotosAreLeftOutOfThePages) {
     const QString src = freshDir("faults-bad-src");
     const QString good = freshDir("faults-good-src");
-    const QStringList photos = goodPhotos(good);
+    const QStringList photos = testsupport::cameraPhotos(3, good);
     for (const QString& p : photos) QFile::copy(p, src + QFileInfo(p).fileName());
     testsupport::writeFile(src + "Cut.jpg", readFile(photos[0]).left(20000));
-    writeClaimingPng(src + "Claims.png", 60000, 60000);
-    writeClaimingPng(src + "Huge.png", 30000, 30000);
+    runProgram("python3", {"-c", kClaimingPng, src + "Claims.png", "60000", "60000"});
+    runProgram("python3", {"-c", kClaimingPng, src + "Huge.png", "30000", "30000"});
     testsupport::writeFile(src + "Noise.png", QByteArray(5000, 'x'));
     const QStringList reasons = {src + "Claims.png: too large (3600 megapixels; the limit is 250)",
                                  src + "Cut.jpg: truncated",
@@ -117,29 +88,30 @@ TEST(Faults, BadAndHugePhotosAreLeftOutOfThePages) {
             EXPECT_TRUE(err.contains("orvella generate: " + reason + "\n"))
                 << kind.toStdString() << qPrintable(err);
         ASSERT_EQ(orvella({"generate", kind, "--out", clean, good}), 0);
-        EXPECT_EQ(pagesOf(out), pagesOf(clean)) << kind.toStdString();
+        EXPECT_EQ(testsupport::pagesUnder(out), testsupport::pagesUnder(clean))
+            << kind.toStdString();
         EXPECT_TRUE(QFile::exists(stdOut.trimmed().section('\n', -1)));
     }
 }
 
-// A full disk: every failure names its own file and its own reason, nothing half written is
-// left, and no page path is printed when no page was written.
+// A full disk (or, where no filesystem can be mounted, a file size limit): every failure names its
+// own file and its own reason, the run finishes what fits, nothing half written, empty or under a
+// temporary name is left, and no page path is printed when no page was written.
 TEST(Faults, FullDiskMessagesAreEachTheirOwn) {
     const QString src = freshDir("faults-full-src");
-    const QStringList photos = goodPhotos(src);
+    const QStringList photos = testsupport::cameraPhotos(3, src);
     const QString out = freshDir("faults-full");
     // A small filesystem where the test may mount one, else a file size limit.
-    const bool mounted =
-        testsupport::runProgram("mount", {"-t", "tmpfs", "-o", "size=160k", "tmpfs", out}) == 0;
+    const bool mounted = runProgram("mount", {"-t", "tmpfs", "-o", "size=160k", "tmpfs", out}) == 0;
     const QString reason = mounted ? "No space left on device" : "File too large";
     QString stdOut, err;
     const QString limit = mounted ? "unlimited" : "40";
-    EXPECT_EQ(testsupport::runProgram(
-                  "bash",
-                  {"-c", "trap '' XFSZ; ulimit -f " + limit + "; exec \"$@\"", "orvella",
-                   ORVELLA_BINARY, "generate", "gallery", "--threads", "2", "--out", out, src},
-                  &stdOut, &err),
-              1);
+    EXPECT_EQ(
+        runProgram("bash",
+                   {"-c", "trap '' XFSZ; ulimit -f " + limit + "; exec \"$@\"", "orvella",
+                    ORVELLA_BINARY, "generate", "gallery", "--threads", "2", "--out", out, src},
+                   &stdOut, &err),
+        1);
     const QStringList lines = err.split('\n', Qt::SkipEmptyParts);
     int failures = 0;
     for (const QString& line : lines) {
@@ -149,19 +121,18 @@ TEST(Faults, FullDiskMessagesAreEachTheirOwn) {
         EXPECT_FALSE(QFile::exists(line.section(": ", 1, 1))) << qPrintable(line);
     }
     EXPECT_GT(failures, 0) << qPrintable(err);
-    expectNoTemporaryFiles(out);
+    expectWholeFiles(out);
     const QString printed = stdOut.trimmed();
     EXPECT_TRUE(printed.isEmpty() || QFile::exists(printed)) << qPrintable(printed);
-    if (mounted) testsupport::runProgram("umount", {out});
+    if (mounted) runProgram("umount", {out});
 }
 
 // SIGTERM and SIGINT at several points of a run (counted from when it holds its folder): the run
-// stops after the files being written,
-// leaves no temporary file, writes no page once stopped, and says so with 143 or 130; a signal
-// after the last photo stops nothing.
+// stops after the files being written, leaves no temporary file, writes no page once stopped, and
+// says so with 143 or 130; a signal after the last photo stops nothing.
 TEST(Faults, SignalsStopARunCleanly) {
     const QString src = freshDir("faults-signal-src");
-    const QString photo = goodPhotos(src).first();
+    const QString photo = testsupport::cameraPhotos(3, src).first();
     for (int i = 0; i < 40; ++i) QFile::link(photo, src + QStringLiteral("p%1.jpg").arg(i));
     for (const auto& [signal, afterMs] :
          std::vector<std::pair<int, int>>{{SIGTERM, 0}, {SIGINT, 500}, {SIGTERM, 2000}}) {
@@ -175,7 +146,7 @@ TEST(Faults, SignalsStopARunCleanly) {
         ::kill(pid_t(run.processId()), signal);
         ASSERT_TRUE(run.waitForFinished(120000));
         const QString err = QString::fromUtf8(run.readAllStandardError());
-        expectNoTemporaryFiles(out);
+        expectWholeFiles(out);
         // The run had finished its photos: it ended whole, or the signal came once it was done.
         if (run.exitStatus() == QProcess::NormalExit && run.exitCode() == 0) {
             EXPECT_TRUE(QFile::exists(out + "index.html"));
@@ -197,7 +168,7 @@ TEST(Faults, SignalsStopARunCleanly) {
 // keeps both kinds, so --clean of each finds its own files; --no-wait refuses, naming the other.
 TEST(Faults, OneWriterPerFolder) {
     const QString src = freshDir("faults-lock-src");
-    const QStringList photos = goodPhotos(src);
+    const QStringList photos = testsupport::cameraPhotos(3, src);
     const QString out = freshDir("faults-lock");
     QProcess first;
     first.start(ORVELLA_BINARY, {"generate", "gallery", "--out", out, src});
@@ -220,4 +191,71 @@ TEST(Faults, OneWriterPerFolder) {
     EXPECT_TRUE(QFile::exists(out + "KLovImages/" + base + ".jpeg"));
     EXPECT_EQ(kindsRecorded(out), QStringList({"gallery", "grid"}));
     EXPECT_FALSE(QFile::exists(out + ".orvella-lock"));
+}
+
+// Temporary files a killed run left in the output are removed by the next run; others stay.
+TEST(FileSafety, LeftoversOfAKilledRunAreRemoved) {
+    const QString src = freshDir("safety-leftovers-src");
+    const QString out = freshDir("safety-leftovers");
+    for (const QString name : {"KLimages_b/.orvella-tmp-1f2e-a.jpeg",
+                               ".orvella-tmp-99-myIndex.html", "KLimages_b/mine.jpeg"})
+        testsupport::writeFile(out + name, "half");
+    orvellaOut(0, {"generate", "gallery", "--out", out, testsupport::makePhoto(src + "a.jpg")});
+    EXPECT_FALSE(QFile::exists(out + "KLimages_b/.orvella-tmp-1f2e-a.jpeg"));
+    EXPECT_FALSE(QFile::exists(out + ".orvella-tmp-99-myIndex.html"));
+    EXPECT_TRUE(QFile::remove(out + "KLimages_b/mine.jpeg"));  // the user's own file stayed
+    expectWholeFiles(out);
+}
+
+// A file where an image folder goes, or a folder where an image goes: those images fail and are
+// named, the exit code says so, the user's file or folder stays, and no page links the photo.
+TEST(FileSafety, UnwritableImagesGiveNamedFailures) {
+    const QString photo = testsupport::makePhoto(freshDir("safety-blocked-src") + "a.png");
+    for (const auto& [kind, blocker, page] :
+         {std::tuple{"gallery", "KLimages_b", "myIndex.html"},
+          std::tuple{"slideshow", "KLSsImages", "slideshow.html"},
+          std::tuple{"grid", "KLovImages", "index.html"},
+          std::tuple{"slideshow", "KLSsImages/a.jpeg/", "slideshow.html"}}) {
+        SCOPED_TRACE(blocker);
+        const QString out = freshDir("safety-blocked");
+        const bool folder = QString(blocker).endsWith('/');
+        if (folder)
+            QDir().mkpath(out + blocker);
+        else
+            testsupport::writeFile(out + blocker, "mine");
+        QString err;
+        EXPECT_EQ(orvellaOut(1, {"generate", kind, "--out", out, photo}, &err), "");
+        EXPECT_TRUE(err.contains("orvella generate: " + out + QString(blocker).chopped(folder)))
+            << qPrintable(err);
+        EXPECT_FALSE(QFile::exists(out + page));
+        EXPECT_TRUE(folder ? QFileInfo(out + blocker).isDir() : readFile(out + blocker) == "mine");
+    }
+}
+
+// The comment writer refuses a truncated TIFF and an oversized comment, leaving the file as it
+// was; a hard-linked JPEG keeps its links and mode, and the comment reads back through exiftool.
+TEST(FileSafety, CommentWriterChecksItsWork) {
+    const QString dir = freshDir("safety-comment");
+    const QByteArray tiff = readFile(testsupport::makePhoto(dir + "full.tif", 300, 200));
+    testsupport::writeFile(dir + "cut.tif", tiff.left(tiff.size() / 2));
+    EXPECT_EQ(orvellaOut(1, {"meta", "set-comment", dir + "cut.tif", "hello"}), "Failed\n");
+    EXPECT_EQ(readFile(dir + "cut.tif"), tiff.left(tiff.size() / 2));
+
+    const QString photo = testsupport::makePhoto(dir + "linked.jpg");
+    const QByteArray name = QFile::encodeName(photo);
+    ASSERT_EQ(::link(name.constData(), QFile::encodeName(dir + "other.jpg").constData()), 0);
+    ASSERT_EQ(::chmod(name.constData(), 0640), 0);
+    const QByteArray before = readFile(photo);
+    QString err;
+    orvellaOut(1, {"meta", "set-comment", photo, QString(70000, 'x')}, &err);
+    EXPECT_TRUE(err.contains("too long")) << qPrintable(err);
+    EXPECT_EQ(readFile(photo), before);
+
+    orvellaOut(0, {"meta", "set-comment", photo, "Harbour at dusk"});
+    struct stat status {};
+    ASSERT_EQ(::stat(name.constData(), &status), 0);
+    EXPECT_EQ(status.st_nlink, 2u);
+    EXPECT_EQ(status.st_mode & 0777, 0640u);
+    EXPECT_EQ(testsupport::exiftool(dir + "other.jpg", "UserComment"), "Harbour at dusk");
+    EXPECT_TRUE(QDir(dir).entryList({".orvella-tmp-*"}, QDir::Files | QDir::Hidden).isEmpty());
 }

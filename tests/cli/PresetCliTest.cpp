@@ -25,67 +25,35 @@ struct Home {
     QString run(const QStringList& args, int code = 0, QString* err = nullptr) const {
         return testsupport::orvellaOut(code, args, err, &env);
     }
+    // The standard outputs of these runs, one after the other.
+    QString runAll(const std::vector<QStringList>& runs) const {
+        QString out;
+        for (const QStringList& args : runs) out += run(args);
+        return out;
+    }
 };
 
 }  // namespace
 
+// The names each command prints, --preset and --set together on an export, and an import read
+// back with sqlite3; names and values with a quote are the presets database's tests.
 TEST(PresetCli, SaveListExportImportRemove) {
     const Home home("cli-preset-flow");
-    EXPECT_EQ(home.run({"preset", "save", "gallery", "Summer"}), "Summer\n");
-    EXPECT_EQ(home.run({"preset", "save", "gallery", "Summer", "--set", "tfPageTitle=Two"}),
-              "Summer_[x]\n");
-    EXPECT_EQ(home.run({"preset", "save", "slideshow", "Summer"}), "Summer\n");
-    EXPECT_EQ(home.run({"preset", "list", "gallery"}), "Summer\nSummer_[x]\n");
-
+    EXPECT_EQ(home.runAll({{"preset", "save", "gallery", "Summer"},
+                           {"preset", "save", "gallery", "Summer", "--set", "tfPageTitle=Two"},
+                           {"preset", "save", "slideshow", "Summer"}}),
+              "Summer\nSummer_[x]\nSummer\n");
     const QString file = home.root + "look.orvpreset";
     EXPECT_EQ(home.run({"preset", "export", "gallery", "--out", file, "--preset", "Summer_[x]",
                         "--set", "tfNumberOfRows=5"}),
               file + "\n");
-    const QString text = QString::fromUtf8(readFile(file));
-    EXPECT_TRUE(text.contains("<key>mySqlVal3</key>\n\t\t<string>Two</string>"))
-        << text.toStdString();
-    EXPECT_TRUE(text.contains("<key>mySqlVal9</key>\n\t\t<string>5</string>"));
-    EXPECT_TRUE(text.contains("<string>PhotoGallery</string>"));
     EXPECT_EQ(home.run({"preset", "import", file, "Winter"}), "Winter\n");
-    const auto rows = presetfixtures::sqliteRows(
+    const auto row = presetfixtures::sqliteRows(
         home.db(), "SELECT StrField3, StrField9 FROM Presets WHERE NameOfPreset = 'Winter'");
-    ASSERT_EQ(rows.size(), 1);
-    EXPECT_EQ(rows[0]["StrField3"], "Two");
-    EXPECT_EQ(rows[0]["StrField9"], "5");
-
+    EXPECT_EQ(row.value(0)["StrField3"] + row.value(0)["StrField9"], "Two5");
     EXPECT_EQ(home.run({"preset", "remove", "Summer"}), "");
-    EXPECT_EQ(home.run({"preset", "list", "gallery"}), "Summer_[x]\nWinter\n");
-    EXPECT_EQ(home.run({"preset", "list", "slideshow"}), "");
-}
-
-// Names and values with a single quote, typed or from a preset file, are refused; every table
-// stays.
-TEST(PresetCli, InjectionsAreRefused) {
-    const Home home("cli-preset-injection");
-    home.run({"preset", "save", "grid", "Keep"});
-    const QString attack = "x'); DROP TABLE Presets; --";
-    const QString file = home.root + "attack.orvpreset";
-    home.run({"preset", "export", "gallery", "--out", file});
-    QByteArray bytes = readFile(file);
-    bytes.replace("<string>Photo Gallery</string>", "<string>" + attack.toUtf8() + "</string>");
-    writeFile(file, bytes);
-    QString err;
-    for (const QStringList& args :
-         {QStringList{"preset", "save", "gallery", attack},
-          QStringList{"preset", "save", "gallery", "A", "--set", "tfPageTitle=" + attack},
-          QStringList{"preset", "import", file, "Imported"}}) {
-        home.run(args, 1, &err);
-        EXPECT_TRUE(err.startsWith("orvella preset: Error updating table.\n")) << err.toStdString();
-    }
-    home.run({"preset", "remove", attack}, 2);
-    QString tables;
-    testsupport::runProgram("sqlite3", {home.db(), ".tables"}, &tables);
-    EXPECT_EQ(tables.simplified(), "AppBookmarks AppResource Presets");
-    EXPECT_EQ(home.run({"preset", "list", "grid"}), "Keep\n");
-
-    writeFile(file, "<plist><dict><key>mySqlVal1</key><integer>1</integer></dict></plist>");
-    home.run({"preset", "import", file, "Bad"}, 2, &err);
-    EXPECT_TRUE(err.contains(file + " is not a preset file")) << err.toStdString();
+    EXPECT_EQ(home.runAll({{"preset", "list", "gallery"}, {"preset", "list", "slideshow"}}),
+              "Summer_[x]\nWinter\n");
 }
 
 TEST(SupportCli, SetShowImportAndVanishedRoot) {

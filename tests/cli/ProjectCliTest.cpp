@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 
 #include "support/TestSupport.h"
 
@@ -33,15 +34,17 @@ QMap<QString, QByteArray> site(const QString& dir) {
 
 // The site a project builds alone (the photos gone from where they were), and the sites made from
 // a saved preset and from a preset file, are the site `generate` writes of the same photos and
-// settings, for every kind; later --set values override the preset.
+// settings, for every kind; later --set values override the preset; `project show` lists them.
 TEST(ProjectCli, ProjectsAndPresetsGiveTheSameSite) {
-    for (const auto& [kind, sets] :
-         {std::pair{"gallery", QStringList{"tfPageTitle=Harbour view", "tfNumberOfColumns=2",
-                                           "tfNumberOfRows=1", "tfHTMLbackgroundColor=102030",
-                                           "pbFontFamily=Raleway", "btShowFileName=1"}},
-          std::pair{"slideshow",
-                    QStringList{"tfSsWebPageTitle=Harbour view", "cbSsWebPageTitle=1"}},
-          std::pair{"grid", QStringList{"tfRgWebPageTitle=Harbour view", "tfRGMaxColumns=3"}}}) {
+    for (const auto& [kind, word, sets] :
+         {std::tuple{"gallery", "PhotoGallery",
+                     QStringList{"tfPageTitle=Harbour view", "tfNumberOfColumns=2",
+                                 "tfNumberOfRows=1", "tfHTMLbackgroundColor=102030",
+                                 "pbFontFamily=Raleway", "btShowFileName=1"}},
+          std::tuple{"slideshow", "SlideShow",
+                     QStringList{"tfSsWebPageTitle=Harbour view", "cbSsWebPageTitle=1"}},
+          std::tuple{"grid", "ResponsiveGrid",
+                     QStringList{"tfRgWebPageTitle=Harbour view", "tfRGMaxColumns=3"}}}) {
         SCOPED_TRACE(kind);
         const QString dir = freshDir(QString("cli-same-site-") + kind);
         const QProcessEnvironment home = testsupport::homeIn(dir);
@@ -49,7 +52,7 @@ TEST(ProjectCli, ProjectsAndPresetsGiveTheSameSite) {
             return orvellaOut(0, args, nullptr, &home);
         };
         const QString src = dir + "src/";
-        makePhoto(src + "a.jpg", 60, 40, "Harbour at dawn");
+        makePhoto(src + "a.jpg", 60, 40, "Harbour\tat dawn");
         makePhoto(src + "b.png", 40, 60, "");
         makePhoto(src + "c.jpg", 50, 50, "Hills");
         makePhoto(src + "d.tif", 64, 48, "Left out");
@@ -77,11 +80,20 @@ TEST(ProjectCli, ProjectsAndPresetsGiveTheSameSite) {
         const QByteArray text = testsupport::readFile(changed.trimmed());
         EXPECT_TRUE(text.contains("Changed") && !text.contains("Harbour view"));
 
+        // Show lists the photos as saved, in their order.
         const QString project = dir + "project/Trip.orvprj";
         EXPECT_EQ(
             run(QStringList{"project", "save", dir + "project", "--name", "Trip", "--kind", kind} +
                 selection + settings + QStringList{src}),
             project + "\n");
+        EXPECT_EQ(run({"project", "show", project}),
+                  word + QString("\n1\td.tif\t0\t0\t64x48\tH\tLeft out\n2\tc.jpg\t1\t0\t50x50\tV"
+                                 "\tHills\n3\tb.png\t1\t0\t40x60\tV\t\n4\ta.jpg\t1\t1\t60x40\tH"
+                                 "\tHarbour\\tat dawn\n"));
+        // An empty name takes the page file name's.
+        EXPECT_EQ(run({"project", "save", dir + "named", "--name", "", "--kind", "gallery", "--set",
+                       "tfHTMLfileName=holiday", src + "a.jpg"}),
+                  dir + "named/holiday.orvprj\n");
         ASSERT_TRUE(QDir(src).removeRecursively());
         EXPECT_EQ(run({"project", "build", project, "--out", dir + "built/", "--threads", "1"}),
                   QString(page).replace(dir + "generated/", dir + "built/"));
@@ -90,20 +102,4 @@ TEST(ProjectCli, ProjectsAndPresetsGiveTheSameSite) {
         EXPECT_EQ(QDir(dir + "project/photos").entryList(QDir::Files),
                   QStringList({"a.jpg", "b.png", "c.jpg", "d.tif"}));
     }
-}
-
-TEST(ProjectCli, ShowListsKindAndPhotos) {
-    const QString dir = freshDir("cli-project-show");
-    makePhoto(dir + "a.jpg", 60, 40, "Harbour\tat dawn");
-    makePhoto(dir + "b.png", 40, 60, "");
-    // An empty name takes the page file name.
-    const QString file = dir + "p/holiday.orvprj";
-    EXPECT_EQ(orvellaOut(0, {"project", "save", dir + "p", "--name", "", "--kind", "gallery",
-                             "--set", "tfHTMLfileName=holiday", "--unpublish", "b.png",
-                             "--highlight", "b.png", dir + "a.jpg", dir + "b.png"}),
-              file + "\n");
-    EXPECT_EQ(orvellaOut(0, {"project", "show", file}),
-              "PhotoGallery\n"
-              "1\ta.jpg\t1\t0\t60x40\tH\tHarbour\\tat dawn\n"
-              "2\tb.png\t0\t1\t40x60\tV\t\n");
 }

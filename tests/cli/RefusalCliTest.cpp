@@ -1,5 +1,6 @@
 // Wrong usage and refused runs of every command: exit code 2, a message naming what is wrong, and
 // not one file written or changed, also when the photos are in the output's own image folders.
+// What each kind's plan refuses is in its own table; here one of each reaches the command line.
 #include <gtest/gtest.h>
 
 #include "support/TestSupport.h"
@@ -33,12 +34,8 @@ TEST(RefusalCli, EveryCommandRefusesWithTwoAndWritesNothing) {
         {gallery + QStringList{"--set", "tfNoSuchSetting=1", a}, "unknown setting tfNoSuchSetting"},
         {gallery + QStringList{"--set", "tfHTMLTitleColor=red", a},
          "tfHTMLTitleColor: \"red\" is not six hexadecimal digits"},
-        {gallery + QStringList{"--set", "ifNumberOfColumns=0", a},
-         "Sorry, the page layout is not possible."},
         {gallery + QStringList{"--unpublish", "a.png", a}, "Sorry, you forgot to select photos."},
         {gallery + QStringList{"--set", "tfHTMLfileName=../../escaped", a}, "page name"},
-        {gallery + QStringList{"--set", "tfHTMLfileName=..", a}, "page name"},
-        {gallery + QStringList{"--set", "tfHTMLfileName=sub/page", a}, "page name"},
         {gallery + QStringList{inside[0]}, inside[0]},
         {gallery + QStringList{inside[1]}, inside[1]},
         {gallery + QStringList{inside[2]}, inside[2]},
@@ -48,8 +45,6 @@ TEST(RefusalCli, EveryCommandRefusesWithTwoAndWritesNothing) {
          "No gallery preset is named \"NoSuchPreset\"."},
         {grid + QStringList{"--set", "tfRGMaxColumns=0", a},
          "Sorry, the grid layout is not possible."},
-        {grid + QStringList{"--set", "tfRGMaxColumns=-2", a}, "the grid layout is not possible."},
-        {grid + QStringList{"--set", "tfRGMaxColumns=many", a}, "the grid layout is not possible."},
         {grid + QStringList{"--unpublish", "a.png", a}, "Sorry, you forgot to select photos."},
         {grid + QStringList{"--highlight", "z.png", a}, "--highlight: no photo named \"z.png\""},
         {grid + QStringList{"--set", "tfHTMLTitleColor=FF0000", a},
@@ -94,14 +89,12 @@ TEST(RefusalCli, EveryCommandRefusesWithTwoAndWritesNothing) {
          "--threads takes a whole number"},
         {{"project", "build", unpublished, "--out", o}, "you forgot to select photos"},
         {{"watermark", "text", "--out", d, a}, ownFolder},
-        {{"watermark", "text", "--out", d + "../cli-refused", a}, ownFolder},
         {{"watermark", "text", "--out", o, "--set", "tfPageTitle=x", a}, "unknown setting"},
         {{"watermark", "text", "--out", o, "--set", "tfFontSize=big", a}, "not a whole number"},
         {{"watermark", "image", "--out", o, a}, "the watermark image \"\" is not a file"},
         {{"watermark", "stamp", "--out", o, a}, "text or image?"},
         {{"watermark", "text", a}, "--out DIR is required"},
         {{"meta", "tree"}, "Usage: orvella meta"},
-        {{"meta", "frobnicate"}, "Usage: orvella meta"},
         {{"meta", "batch", a}, "batch needs --comment TEXT"},
         {{"meta", "batch", "--comment", "x"}, "batch needs files or folders"},
         {{"meta", "complete", a, a}, "OUT is IN; the input is never overwritten"},

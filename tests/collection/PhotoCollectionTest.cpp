@@ -58,10 +58,10 @@ TEST(PhotoCollection, RecordsFromPhotoFiles) {
 
 TEST(PhotoCollection, BadFilesAreSkippedAndTheRestAdded) {
     const QString dir = testsupport::freshDir("collection/bad");
-    const QByteArray photo = bytes(makeImage(dir + "whole.jpg", 400, 300));
-    writeBytes(dir + "zero.jpg", {});
-    writeBytes(dir + "random.jpg", photo.mid(photo.size() / 2));  // compressed data, no header
-    writeBytes(dir + "cut.jpg", photo.left(photo.size() / 2));    // keeps its header: added
+    const QByteArray photo = readFile(makeImage(dir + "whole.jpg", 400, 300));
+    writeFile(dir + "zero.jpg", {});
+    writeFile(dir + "random.jpg", photo.mid(photo.size() / 2));  // compressed data, no header
+    writeFile(dir + "cut.jpg", photo.left(photo.size() / 2));    // keeps its header: added
     QDir().mkpath(dir + "x.jpg");
     ASSERT_TRUE(QFile::rename(makeImage(dir + "real.png", 20, 10), dir + "png-named.jpg"));
     makeImage(dir + "good.tif", 10, 20);

@@ -11,17 +11,13 @@
 #include "imaging/ImagingFixtures.h"
 #include "support/TestSupport.h"
 
-// Test messages and gtest's values show texts as they are.
-inline std::ostream& operator<<(std::ostream& os, const QString& s) {
-    return os << '"' << s.toStdString() << '"';
-}
-
 // Whole texts are compared as standard strings, so that a failure shows where they differ.
 #define EXPECT_TEXT(actual, expected) \
     EXPECT_EQ(QString(actual).toStdString(), QString(expected).toStdString())
 
 namespace gen {
 
+using testsupport::cameraPhotos;
 using testsupport::filesUnder;
 using testsupport::freshDir;
 
@@ -63,15 +59,6 @@ inline QString header(const QString& path) {
 inline bool upright(const QString& path) {
     const QString orientation = testsupport::exiftool(path, "Orientation");
     return orientation.isEmpty() || orientation == u"Horizontal (normal)";
-}
-
-// The first `count` small camera photos of Debian's mate-backgrounds.
-inline QStringList cameraPhotos(int count) {
-    QStringList photos;
-    for (const QString& jpeg : testsupport::mateBackgroundJpegs())
-        if (QFileInfo(jpeg).size() < 400000 && photos.size() < count) photos.append(jpeg);
-    EXPECT_EQ(photos.size(), count);
-    return photos;
 }
 
 // What a run's plan says before anything is written: "stops " and the title of a refusal, or a

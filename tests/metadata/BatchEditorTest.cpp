@@ -30,7 +30,7 @@ TEST(BatchEditor, LogsOnlySuccessesAndLeavesTheBarShort) {
     tag(files[1], {"-UserComment=Before"});
     ASSERT_TRUE(
         QFile::setPermissions(files[1], QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther));
-    const QByteArray locked = bytes(files[1]);
+    const QByteArray locked = readFile(files[1]);
 
     QStringList events;
     cEditMetaData editor;
@@ -45,7 +45,7 @@ TEST(BatchEditor, LogsOnlySuccessesAndLeavesTheBarShort) {
     EXPECT_LE(qAbs(row.LogDate.secsTo(QDateTime::currentDateTime())), 60);
     EXPECT_EQ(exiftool(files[0], "UserComment") + exiftool(files[2], "UserComment"),
               "Harbour at dawnHarbour at dawn");
-    EXPECT_EQ(bytes(files[1]), locked);
+    EXPECT_EQ(readFile(files[1]), locked);
     EXPECT_EQ(testsupport::contentsUnder(dir).keys(),
               (QStringList{"one.jpg", "three.tif", "two.jpg"}));
 
@@ -62,13 +62,13 @@ TEST(BatchEditor, AFolderGivesItsPhotoFilesOnly) {
     for (const QString name : {"photo.JPG", "inner/nested.jpg", "d.TIF", "scan.tiff"})
         makeImage(dir + name);
     for (const QString name : {"notes.txt", ".DS_Store", "b.Jpg", "c.png"})
-        writeBytes(dir + name, "x");
+        writeFile(dir + name, "x");
     QStringList events;
     cEditMetaData().btEMDchooseFolder(dir, "From the folder", recorder(&events));
     EXPECT_EQ(events, (QStringList{"start 3", "log d.TIF", "bar 1", "log photo.JPG", "bar 2",
                                    "log scan.tiff", "bar 3", "end"}));
     EXPECT_EQ(exiftool(dir + "photo.JPG", "UserComment"), "From the folder");
-    EXPECT_EQ(bytes(dir + "notes.txt"), "x");
+    EXPECT_EQ(readFile(dir + "notes.txt"), "x");
 }
 
 TEST(ExifCompletion, FillsEveryKeyStampsTheCommentAndGammaAndKeepsTheInput) {
@@ -76,7 +76,7 @@ TEST(ExifCompletion, FillsEveryKeyStampsTheCommentAndGammaAndKeepsTheInput) {
     const QString bare = makeImage(dir + "bare.jpg", 64, 48, "strip");
     const QString dated = makeImage(dir + "dated.jpg", 64, 48);
     tag(dated, {"-DateTimeOriginal=2021:06:05 04:03:02", "-FNumber=5.6", "-UserComment=Old"});
-    const QByteArray bareBytes = bytes(bare);
+    const QByteArray bareBytes = readFile(bare);
 
     cXif xif;
     EXPECT_EQ(xif.writeXif(bare, out + "bare.jpg"), "Failed");  // no such folder
@@ -91,7 +91,7 @@ TEST(ExifCompletion, FillsEveryKeyStampsTheCommentAndGammaAndKeepsTheInput) {
                    "FileType ImageSize"),
               "Keldra|0|0|0|0|0|0|0|0|0|0|0|0|64|48|0232|0100|JPEG|64x48");
     EXPECT_NEAR(exiftool(out + "bare.jpg", "Gamma").toDouble(), 99.999, 1e-4);
-    EXPECT_EQ(bytes(bare), bareBytes);
+    EXPECT_EQ(readFile(bare), bareBytes);
 
     // Values already there stay; the comment is stamped over.
     ASSERT_EQ(xif.writeXif(dated, out + "dated.jpg"), "Keldra");
@@ -102,7 +102,7 @@ TEST(ExifCompletion, FillsEveryKeyStampsTheCommentAndGammaAndKeepsTheInput) {
     // Never over the input, never from a file that is not an image.
     EXPECT_EQ(xif.writeXif(dated, dated), "Failed");
     EXPECT_EQ(xif.writeXif(dated, dir + "../xif/dated.jpg"), "Failed");
-    writeBytes(dir + "notes.jpg", "plain words");
+    writeFile(dir + "notes.jpg", "plain words");
     EXPECT_EQ(xif.writeXif(dir + "notes.jpg", out + "notes.jpg"), "Failed");
     EXPECT_EQ(testsupport::contentsUnder(out).keys(), (QStringList{"bare.jpg", "dated.jpg"}));
     EXPECT_EQ(exiftool(dated, "UserComment"), "Old");

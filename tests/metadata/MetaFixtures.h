@@ -43,11 +43,7 @@ inline std::string tags(const QString& file, const QString& names) {
     return out.replace(u'\n', u'|').toStdString();
 }
 
-inline QByteArray bytes(const QString& file) {
-    return testsupport::readFile(file);
-}
-inline void writeBytes(const QString& file, const QByteArray& data) {
-    testsupport::writeFile(file, data);
-}
+using testsupport::readFile;
+using testsupport::writeFile;
 
 }  // namespace metafixtures

@@ -60,19 +60,19 @@ TEST(MetaWriter, BadFilesReadEmptyAndAreNeverWritten) {
     const QString dir = testsupport::freshDir("meta/bad");
     const QString good = makeImage(dir + "good.jpg", 400, 300);
     tag(good, {"-UserComment=Present", "-IPTC:City=Lyon"});
-    const QByteArray goodBytes = bytes(good);
+    const QByteArray goodBytes = readFile(good);
     QByteArray noise(4096, '\0');
     QRandomGenerator(42).fillRange(reinterpret_cast<quint32*>(noise.data()), noise.size() / 4);
-    writeBytes(dir + "zero.jpg", {});
-    writeBytes(dir + "header-only.jpg", goodBytes.left(20));
-    writeBytes(dir + "random.jpg", noise);
-    writeBytes(dir + "half.jpg", goodBytes.left(goodBytes.size() - 40));
+    writeFile(dir + "zero.jpg", {});
+    writeFile(dir + "header-only.jpg", goodBytes.left(20));
+    writeFile(dir + "random.jpg", noise);
+    writeFile(dir + "half.jpg", goodBytes.left(goodBytes.size() - 40));
     QDir().mkpath(dir + "x.jpg");
     for (const QString name :
          {"zero.jpg", "header-only.jpg", "random.jpg", "x.jpg", "missing.jpg"}) {
         SCOPED_TRACE(name.toStdString());
         const QString file = dir + name;
-        const QByteArray before = bytes(file);
+        const QByteArray before = readFile(file);
         mMeta meta;
         for (const QString item : {"EXIF User Comment", "EXIF Creation Date", "IPTC City",
                                    "IPTC Keyword", "IPTC Creator Title", "IPTC Description"})
@@ -80,12 +80,12 @@ TEST(MetaWriter, BadFilesReadEmptyAndAreNeverWritten) {
         EXPECT_TRUE(meta.propTree(file).isEmpty());
         EXPECT_EQ(meta.hGetPixelFormat(file).join("") + meta.hGetColorProfile(file), QString());
         EXPECT_EQ(meta.hSetExifData(file, "Never"), "Failed");
-        EXPECT_EQ(bytes(file), before);
+        EXPECT_EQ(readFile(file), before);
     }
-    const QByteArray half = bytes(dir + "half.jpg");
+    const QByteArray half = readFile(dir + "half.jpg");
     EXPECT_EQ(mMeta().hGetExifUc(dir + "half.jpg", "EXIF User Comment"), "Present");
     EXPECT_EQ(mMeta().hGetPixelFormat(dir + "half.jpg"), (QStringList{"400", "300"}));
     EXPECT_EQ(mMeta().hSetExifData(dir + "half.jpg", "Never"), "Failed");
-    EXPECT_EQ(bytes(dir + "half.jpg"), half);
+    EXPECT_EQ(readFile(dir + "half.jpg"), half);
     EXPECT_EQ(testsupport::contentsUnder(dir).keys().size(), 5);
 }

@@ -75,6 +75,13 @@ TEST(PresetDatabase, QuotesAreRefusedAndInjectionsStayText) {
               Outcome::Failed);
     EXPECT_EQ(message,
               "Error updating table.\nA preset's name or settings cannot hold a single quote (').");
+    // Nor a value, typed or in a preset file.
+    ASSERT_TRUE(settings.set("tfPageTitle", attack));
+    EXPECT_EQ(manager.addPresetValuesToDB(settings, gallery, "A", nullptr, &message),
+              Outcome::Failed);
+    ASSERT_TRUE(cPresetManager::writePresetFile(
+        db + ".orvpreset", cPresetManager::addPresetValuesToPLIST(settings, gallery), &message));
+    EXPECT_EQ(manager.importPresetFile(db + ".orvpreset", "I", nullptr, &message), Outcome::Failed);
     // Reading, checking and removing with the attack as the value find nothing and drop nothing.
     dbViewController reader(db);
     EXPECT_TRUE(reader.checkForActionType("Presets", "NameOfPreset", attack).isEmpty());

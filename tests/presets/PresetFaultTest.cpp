@@ -98,20 +98,18 @@ TEST(PresetFaults, DamagedRowsAreListedAndTheOthersWork) {
         noValue, "the preset \"Binary\" cannot be read (row 3: field 3 is not text)\n",
         "a preset cannot be read (row 4: field 0 holds no value)\n",
         "the preset \"Kindless\" cannot be read (row 5: field 1 holds no value)\n"};
+    // clang-format off
     const std::vector<std::tuple<QStringList, int, QString, QString>> runs = {
-        {{"preset", "list", "gallery"},
-         1,
-         "Good\nBell\uFFFD\n",
+        {{"preset", "list", "gallery"}, 1, "Good\nBell\uFFFD\n",
          said + damaged[0] + said + damaged[1] + said + damaged[2] + said + damaged[3]},
         {{"preset", "list", "slideshow"}, 1, "", said + damaged[3]},
         {{"preset", "save", "gallery", "New", "--preset", "NoValue"}, 1, "", said + noValue},
         {{"preset", "save", "gallery", "New", "--preset", "Good"}, 0, "New\n", ""},
         {{"preset", "remove", "NoValue"}, 0, "", ""},
-        {{"preset", "list", "gallery"},
-         1,
-         "Good\nBell\uFFFD\nNew\n",
+        {{"preset", "list", "gallery"}, 1, "Good\nBell\uFFFD\nNew\n",
          said + damaged[1] + said + damaged[2] + said + damaged[3]},
     };
+    // clang-format on
     for (const auto& [args, code, out, err] : runs) {
         QString printed, told;
         EXPECT_EQ(orvellaIn(dir, args, &printed, &told), code) << args.join(' ').toStdString();

@@ -22,11 +22,6 @@
 #include "services/cNSStringHandling.h"
 #include "support/TestSupport.h"
 
-// Texts shown as text when a test fails.
-inline void PrintTo(const QString& text, std::ostream* os) {
-    *os << '"' << text.toStdString() << '"';
-}
-
 namespace presetfixtures {
 
 // Encodings: T text, N number, F "0"/"1" by value, S "0"/"1" by state, P popup title, I popup

@@ -3,17 +3,17 @@
 #include <QDir>
 #include <QFileInfo>
 
-#include "metadata/MetaFixtures.h"
+#include "support/TestSupport.h"
 #include "services/cNSFileHandling.h"
 
-using metafixtures::bytes;
-using metafixtures::writeBytes;
+using testsupport::readFile;
+using testsupport::writeFile;
 
 TEST(FileHandling, CreateDirectoryReportsExistsOkFailed) {
     const QString dir = testsupport::freshDir("files/create");
     const cNSFileHandling files;
     EXPECT_EQ(files.hCreateDirectory(dir + "a/b/c/"), "OK");
-    writeBytes(dir + "a/b/c/keep.txt", "x");
+    writeFile(dir + "a/b/c/keep.txt", "x");
     EXPECT_EQ(files.hCreateDirectory(dir + "a/b/c/"), "EXISTS");
     EXPECT_TRUE(QFileInfo::exists(dir + "a/b/c/keep.txt"));
     EXPECT_EQ(files.hCreateDirectory(dir + "a/b/c/keep.txt/sub/"), "FAILED");
@@ -22,9 +22,9 @@ TEST(FileHandling, CreateDirectoryReportsExistsOkFailed) {
 TEST(FileHandling, TextFilesAreReplacedAtomicallyInUtf8) {
     const QString dir = testsupport::freshDir("files/write");
     const cNSFileHandling files;
-    writeBytes(dir + "index.html", QByteArray(5000, 'z'));
+    writeFile(dir + "index.html", QByteArray(5000, 'z'));
     files.hWritHTMLFile(dir + "index.html", "<p>Zürich – 東京</p>\n");
-    EXPECT_EQ(bytes(dir + "index.html"),
+    EXPECT_EQ(readFile(dir + "index.html"),
               "<p>Z\xC3\xBCrich \xE2\x80\x93 \xE6\x9D\xB1\xE4\xBA\xAC</p>\n");
     files.hWriteTextFile(dir + "index.html", "");
     EXPECT_EQ(QFileInfo(dir + "index.html").size(), 0);
@@ -36,17 +36,17 @@ TEST(FileHandling, TextFilesAreReplacedAtomicallyInUtf8) {
 TEST(FileHandling, CopiesReportOkOrFailed) {
     const QString dir = testsupport::freshDir("files/copy");
     const cNSFileHandling files;
-    writeBytes(dir + "new.txt", "new");
-    writeBytes(dir + "old.txt", "old content");
+    writeFile(dir + "new.txt", "new");
+    writeFile(dir + "old.txt", "old content");
     EXPECT_EQ(files.hCopyFileTo(dir + "new.txt", dir + "old.txt"), "OK");
-    EXPECT_EQ(bytes(dir + "old.txt"), "new");
+    EXPECT_EQ(readFile(dir + "old.txt"), "new");
     EXPECT_EQ(files.hCopyFileTo(dir + "new.txt", dir + "deep/er/x.txt"), "OK");
-    EXPECT_EQ(bytes(dir + "deep/er/x.txt"), "new");
+    EXPECT_EQ(readFile(dir + "deep/er/x.txt"), "new");
     EXPECT_EQ(files.hCopyFileTo(dir + "absent.txt", dir + "y.txt"), "Failed");
     // The destination is made a folder first, so the copy onto it always fails.
     EXPECT_EQ(files.hCopyFileToDest(dir + "new.txt", dir + "b.txt"), "Failed");
     EXPECT_TRUE(QFileInfo(dir + "b.txt").isDir());
     EXPECT_EQ(files.hCopyFolderTo(dir + "deep", dir + "copy"), "Success");
-    EXPECT_EQ(bytes(dir + "copy/er/x.txt"), "new");
+    EXPECT_EQ(readFile(dir + "copy/er/x.txt"), "new");
     EXPECT_EQ(files.hCopyFolderTo(dir + "deep", dir + "copy"), "Failed");  // exists already
 }

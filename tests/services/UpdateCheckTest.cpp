@@ -56,8 +56,7 @@ void keepMessage(QtMsgType, const QMessageLogContext&, const QString& message) {
 }  // namespace
 
 // What a version file offers and what is shown of it: the announcement and version name without
-// control characters (line feeds and tabs kept), nothing else; a file too short is logged. The
-// plain cases are ToolsCliTest.cpp's.
+// control characters (line feeds and tabs kept), nothing else; a file too short is logged.
 TEST(UpdateCheck, VersionFileOffersOnlyANewerBuild) {
     const std::vector<std::tuple<QString, int, QString, QString, bool>> cases = {
         // text, build, announcement, combined text, logged as malformed
@@ -83,36 +82,45 @@ TEST(UpdateCheck, VersionFileOffersOnlyANewerBuild) {
 // The check against a real server, through the command line: the request bypasses caches; the
 // announcement alone is printed; a reply too large (declared, or endless: never read beyond the
 // limit, while one of exactly the limit is read) is exit 1, no answer within the deadline
-// (shortened here) or an error a line on stderr; nothing of a reply but the announcement printed.
+// (shortened here) or an error a line on stderr ("*": any reason); a malformed file is logged
+// with --verbose ("verbose": a reply); nothing of a reply but the announcement printed.
 TEST(UpdateCheck, CommandLineAgainstARealServer) {
     const int limit = int(cAppUpdater::kMaxReplyBytes);
-    const QString tooLarge = ": the reply is too large (the limit is 1 MB)\n";
+    const QString tooLarge =
+        "orvella update-check: URL: the reply is too large (the limit is 1 MB)\n";
     const std::vector<std::tuple<QString, QByteArray, int, int, QString, QString>> cases = {
-        // server, body, padded size, exit code, stdout, stderr after the URL ("*": any reason)
+        // server, body, padded size, exit code, stdout, stderr (URL: the version file's)
         {"reply", "2.1;215;Ring\a the bell\n", 0, 0, "Ring the bell\n", ""},
         {"reply", "2.1;1;Old news", 0, 0, "", ""},
         {"reply", "", 0, 0, "", ""},
+        {"verbose", "2.1;215", 0, 0, "",
+         "Orv throws an exception: index 2 beyond bounds [0 .. 1]\n"},
         {"reply", "2.1;215;Big;", limit, 0, "Big\n", ""},
         {"reply", "2.1;215;Big;", limit + 1, 1, "", tooLarge},
         {"endless", "2.1;215;Endless;", 0, 1, "", tooLarge},
-        {"trickle", "", 0, 0, "", ": no complete reply within 1 second\n"},
+        {"trickle", "", 0, 0, "", "orvella update-check: URL: no complete reply within 1 second\n"},
         {"missing", "2.1;999;Never shown", 0, 0, "", "*"},
         {"closed", "", 0, 0, "", "*"},
     };
     for (const auto& [mode, body, size, code, out, err] : cases) {
         SCOPED_TRACE(mode.toStdString() + " " + std::to_string(size));
-        VersionServer server(mode == u"closed" ? "reply" : mode, body, size);
+        VersionServer server(mode == u"closed" || mode == u"verbose" ? "reply" : mode, body, size);
         const QString url = server.url;
         if (mode == u"closed") server.stop();  // its port is refused from now on
         QString printed, said;
-        EXPECT_EQ(testsupport::orvella({"update-check", "--url", url, "--build", "2", "--timeout",
-                                        mode == u"trickle" ? "1" : "60"},
+        const QStringList args = {"update-check",
+                                  "--url",
+                                  url,
+                                  "--build",
+                                  "2",
+                                  "--timeout",
+                                  mode == u"trickle" ? "1" : "60"};
+        EXPECT_EQ(testsupport::orvella(args + QStringList(mode == u"verbose", "--verbose"),
                                        &printed, &said),
                   code);
         EXPECT_EQ(printed, out);
-        EXPECT_TRUE(err == u"*"
-                        ? said.startsWith("orvella update-check: " + url + ": ")
-                        : said == (err.isEmpty() ? "" : "orvella update-check: " + url + err))
+        EXPECT_TRUE(err == u"*" ? said.startsWith("orvella update-check: " + url + ": ")
+                                : said == QString(err).replace("URL", url))
             << said.toStdString();
         server.waitForReadyRead(5000);
         const QByteArray request = server.readAllStandardOutput().toLower();

@@ -124,4 +124,22 @@ QStringList mateBackgroundJpegs() {
     return files;
 }
 
+QStringList cameraPhotos(int count, const QString& dir) {
+    QStringList photos;
+    for (const QString& jpeg : mateBackgroundJpegs()) {
+        if (QFileInfo(jpeg).size() >= 400000 || photos.size() == count) continue;
+        photos.append(dir.isEmpty() ? jpeg : dir + QFileInfo(jpeg).fileName());
+        EXPECT_TRUE(dir.isEmpty() || QFile::copy(jpeg, photos.last())) << jpeg.toStdString();
+    }
+    EXPECT_EQ(photos.size(), count);
+    return photos;
+}
+
+QMap<QString, QByteArray> pagesUnder(const QString& dir) {
+    QMap<QString, QByteArray> pages;
+    for (const QString& f : filesUnder(dir))
+        if (f.endsWith(".html") || f.endsWith(".css")) pages.insert(f, readFile(dir + f));
+    return pages;
+}
+
 }  // namespace testsupport

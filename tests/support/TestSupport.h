@@ -4,11 +4,17 @@
 #include <QProcessEnvironment>
 #include <QString>
 #include <QStringList>
+#include <ostream>
 #include <utility>
 #include <vector>
 
 #include "presets/SettingsStore.h"
 #include "services/UserInterface.h"
+
+// Test messages and gtest's values show texts as they are.
+inline std::ostream& operator<<(std::ostream& os, const QString& s) {
+    return os << '"' << s.toStdString() << '"';
+}
 
 // A UserInterface that records what the user would have seen.
 class RecordingUserInterface : public UserInterface {
@@ -88,5 +94,10 @@ QString exiftool(const QString& file, const QString& tag);
 
 // Real camera photos shipped by Debian's mate-backgrounds package (JPEGs), sorted by name.
 QStringList mateBackgroundJpegs();
+// The first `count` small ones of them; copied into `dir` under their own names when it is given.
+QStringList cameraPhotos(int count, const QString& dir = {});
+
+// The pages and stylesheets below `dir` (which ends with "/"), by relative path, with their bytes.
+QMap<QString, QByteArray> pagesUnder(const QString& dir);
 
 }  // namespace testsupport
