@@ -116,22 +116,27 @@ VImage open(const QString& path, bool sequential, const ShrinkOnLoad& shrink,
     VipsRuntime::ensureStarted();
     if (!QFileInfo(path).isFile()) throw VError("not a file: " + path.toStdString());
     const QByteArray name = QFile::encodeName(path);
+    // Finding the reader asks every format whether the file is one of its own, each opening the
+    // file: done once per photo, by the header reading that names it.
+    QByteArray reader = loader.toLatin1();
+    if (reader.isEmpty()) {
+        reader = vips_foreign_find_load(name.constData());
+        if (reader.isEmpty()) {
+            vips_error_clear();
+            throw VError("not an image: " + path.toStdString());
+        }
+    }
+    VImage out;
     auto* options = VImage::option()->set("fail_on", VIPS_FAIL_ON_TRUNCATED);
     if (sequential) options->set("access", VIPS_ACCESS_SEQUENTIAL);
-    if (shrink.jpeg > 1 || shrink.webp < 1.0 || shrink.heifThumbnail) {
-        QByteArray reader = loader.toLatin1();
-        if (reader.isEmpty()) {
-            reader = vips_foreign_find_load(name.constData());
-            if (reader.isEmpty()) vips_error_clear();
-        }
-        if (shrink.jpeg > 1 && reader == "VipsForeignLoadJpegFile")
-            options->set("shrink", shrink.jpeg);
-        else if (shrink.webp < 1.0 && reader == "VipsForeignLoadWebpFile")
-            options->set("scale", shrink.webp);
-        else if (shrink.heifThumbnail && reader == "VipsForeignLoadHeifFile")
-            options->set("thumbnail", true);
-    }
-    return completed(path, VImage::new_from_file(name.constData(), options));
+    if (shrink.jpeg > 1 && reader == "VipsForeignLoadJpegFile")
+        options->set("shrink", shrink.jpeg);
+    else if (shrink.webp < 1.0 && reader == "VipsForeignLoadWebpFile")
+        options->set("scale", shrink.webp);
+    else if (shrink.heifThumbnail && reader == "VipsForeignLoadHeifFile")
+        options->set("thumbnail", true);
+    VImage::call(reader.constData(), options->set("filename", name.constData())->set("out", &out));
+    return completed(path, out);
 }
 
 VImage completed(const QString& path, const VImage& image) {
