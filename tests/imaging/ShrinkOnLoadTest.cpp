@@ -66,9 +66,6 @@ TEST(ShrinkOnLoad, JpegKeepsTwiceWhatIsAsked) {
         const PhotoHeader header{c.width, c.height, c.orientation, jpeg, {}};
         EXPECT_EQ(PhotoDecoder::shrinkOnLoad(header, c.needWidth, c.needHeight).jpeg, c.shrink);
     }
-    // Other readers are never given a JPEG shrink.
-    const PhotoHeader png{4000, 3000, 1, QStringLiteral("VipsForeignLoadPngFile"), {}};
-    EXPECT_EQ(PhotoDecoder::shrinkOnLoad(png, 200, 150).jpeg, 1);
 }
 
 // Decoded for a fraction of its size, a photo is shrunk by its reader where the format allows
@@ -101,25 +98,19 @@ TEST(ShrinkOnLoad, ReadersShrinkWhereTheyCan) {
         QString error;
         const Picture picture = PhotoDecoder::decode(path, c.scale, &error);
         ASSERT_FALSE(picture.isNull()) << error.toStdString();
-        const fixtures::Size pixels = pixelsOf(picture);
-        if (QString(c.file).endsWith(".webp")) {  // the reader rounds the other side
-            EXPECT_GE(pixels.first, c.pixels.first);
-            EXPECT_LE(pixels.first, c.pixels.first + 1);
-            EXPECT_GE(pixels.second, c.pixels.second);
-            EXPECT_LE(pixels.second, c.pixels.second + 1);
-        } else {
-            EXPECT_EQ(pixels, c.pixels);
-        }
-        int width = 0, height = 0;
-        ASSERT_TRUE(PhotoDecoder::uprightSize(path, &width, &height));
-        EXPECT_EQ(fixtures::Size(picture.width(), picture.height()), fixtures::Size(width, height));
+        const auto [w, h] = pixelsOf(picture);
+        const int rounding = QString(c.file).endsWith(".webp") ? 1 : 0;  // of the other side
+        EXPECT_TRUE(w >= c.pixels.first && w <= c.pixels.first + rounding) << w;
+        EXPECT_TRUE(h >= c.pixels.second && h <= c.pixels.second + rounding) << h;
+        const PhotoHeader header = PhotoDecoder::header(path);
+        EXPECT_EQ(fixtures::Size(picture.width(), picture.height()),
+                  fixtures::Size(header.width, header.height));
         // The derivative asked for comes out at its size, made from enough pixels.
         KLImageHandling images;
-        const Picture made = images.resized(picture, int(std::ceil(width * c.scale)), 0);
+        const Picture made = images.resized(picture, int(std::ceil(header.width * c.scale)), 0);
         ASSERT_FALSE(made.isNull());
         EXPECT_EQ(pixelsOf(made), fixtures::Size(images.newImgW, images.newImgH));
-        EXPECT_GE(pixels.first, images.newImgW);
-        EXPECT_GE(pixels.second, images.newImgH);
+        EXPECT_TRUE(w >= images.newImgW && h >= images.newImgH);
     }
 }
 
