@@ -1,4 +1,5 @@
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QProcess>
 #include <QRegularExpression>
@@ -88,6 +89,15 @@ class TerminalUserInterface : public UserInterface {
         draw();
     }
     void progressStop() override { endBar(); }
+    void progressPhotos(int done, int total) override {
+        if (done == 0) photoClock_.start();
+        photosDone_ = done;
+        photosTotal_ = total;
+        // At most ten times a second, and the last photo always.
+        if (done < total && drawnAt_.isValid() && drawnAt_.elapsed() < 100) return;
+        drawn_ = -1;
+        draw();
+    }
     bool isCancelled() const override { return InterruptGuard::received() != 0; }
     void openUrl(const QString& url) override {
         // Not through QDesktopServices: the command line runs without a GUI application.
@@ -110,15 +120,31 @@ class TerminalUserInterface : public UserInterface {
         if (percent == drawn_) return;
         drawn_ = percent;
         const int filled = percent * 30 / 100;
-        io_.err << "\r[" << QString(filled, u'#') << QString(30 - filled, u'-') << "] " << percent
-                << "%";
+        io_.err << "\r\033[K[" << QString(filled, u'#') << QString(30 - filled, u'-') << "] "
+                << percent << "%";
+        if (photosTotal_ > 0)
+            io_.err << "  " << photosDone_ << "/" << photosTotal_ << " photos" << timeLeft();
         io_.err.flush();
+        drawnAt_.start();
         barShown_ = true;
     }
+    // ", 1:23 left" from the pace of the photos made so far; nothing before there is one.
+    QString timeLeft() const {
+        if (photosDone_ <= 0 || photosDone_ >= photosTotal_ || !photoClock_.isValid()) return {};
+        const qint64 seconds =
+            photoClock_.elapsed() * (photosTotal_ - photosDone_) / photosDone_ / 1000;
+        return QStringLiteral(", %1:%2 left")
+            .arg(seconds / 60)
+            .arg(seconds % 60, 2, 10, QChar(u'0'));
+    }
     void endBar() {
-        if (barShown_) io_.err << "\n";
+        if (barShown_) {
+            io_.err << "\n";
+            io_.err.flush();  // before anything the command prints on stdout
+        }
         barShown_ = false;
         drawn_ = -1;
+        photosTotal_ = 0;
     }
 
     Io& io_;
@@ -126,6 +152,9 @@ class TerminalUserInterface : public UserInterface {
     double value_ = 0;
     int drawn_ = -1;
     bool barShown_ = false;
+    int photosDone_ = 0;
+    int photosTotal_ = 0;
+    QElapsedTimer photoClock_, drawnAt_;
 };
 
 int usage(Io& io, const QString& message) {

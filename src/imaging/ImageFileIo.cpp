@@ -111,21 +111,32 @@ bool holdsItsType(const QString& path, QString* reason) {
     return false;
 }
 
-VImage open(const QString& path, bool sequential, int shrink) {
+VImage open(const QString& path, bool sequential, const ShrinkOnLoad& shrink,
+            const QString& loader) {
     VipsRuntime::ensureStarted();
     if (!QFileInfo(path).isFile()) throw VError("not a file: " + path.toStdString());
     const QByteArray name = QFile::encodeName(path);
+    // Finding the reader asks every format whether the file is one of its own, each opening the
+    // file: done once per photo, by the header reading that names it.
+    QByteArray reader = loader.toLatin1();
+    if (reader.isEmpty()) {
+        reader = vips_foreign_find_load(name.constData());
+        if (reader.isEmpty()) {
+            vips_error_clear();
+            throw VError("not an image: " + path.toStdString());
+        }
+    }
+    VImage out;
     auto* options = VImage::option()->set("fail_on", VIPS_FAIL_ON_TRUNCATED);
     if (sequential) options->set("access", VIPS_ACCESS_SEQUENTIAL);
-    if (shrink > 1) {
-        const char* reader = vips_foreign_find_load(name.constData());
-        if (!reader) vips_error_clear();
-        if (reader && std::strcmp(reader, "VipsForeignLoadJpegFile") == 0)
-            options->set("shrink", shrink);
-        else if (reader && std::strcmp(reader, "VipsForeignLoadWebpFile") == 0)
-            options->set("scale", 1.0 / shrink);
-    }
-    return completed(path, VImage::new_from_file(name.constData(), options));
+    if (shrink.jpeg > 1 && reader == "VipsForeignLoadJpegFile")
+        options->set("shrink", shrink.jpeg);
+    else if (shrink.webp < 1.0 && reader == "VipsForeignLoadWebpFile")
+        options->set("scale", shrink.webp);
+    else if (shrink.heifThumbnail && reader == "VipsForeignLoadHeifFile")
+        options->set("thumbnail", true);
+    VImage::call(reader.constData(), options->set("filename", name.constData())->set("out", &out));
+    return completed(path, out);
 }
 
 VImage completed(const QString& path, const VImage& image) {
@@ -189,12 +200,11 @@ bool isCutShort(const QString& path) {
 
 }  // namespace
 
-bool pixelSize(const QString& path, int* width, int* height, QString* reason) {
-    *width = 0;
-    *height = 0;
+bool readHeader(const QString& path, PhotoHeader* header) {
+    *header = {};
     const auto refuse = [&](const QString& why) {
         klLog() << "image refused:" << path << why;
-        if (reason) *reason = why;
+        header->fault = why;
         return false;
     };
     // Reasons of its own for each file: the library's error text is shared by every thread.
@@ -204,32 +214,43 @@ bool pixelSize(const QString& path, int* width, int* height, QString* reason) {
     if (!info.isFile()) return refuse(QStringLiteral("not a regular file"));
     if (info.size() == 0) return refuse(QStringLiteral("an empty file"));
     VipsRuntime::ensureStarted();
-    if (!vips_foreign_find_load(QFile::encodeName(path).constData())) {
+    const char* reader = vips_foreign_find_load(QFile::encodeName(path).constData());
+    if (!reader) {
         vips_error_clear();
         return refuse(QStringLiteral("not an image"));
     }
-    if (QString why; !holdsItsType(path, &why)) return refuse(why);
+    const QString loader = QString::fromLatin1(reader);
+    if (const FileType* type = fileTypeOf(path); type && type->reader && loader != type->reader)
+        return refuse(QStringLiteral("named .%1 but holds no %2 image")
+                          .arg(info.suffix(), QLatin1String(type->format)));
     try {
-        const VImage header = open(path, true);  // lazy: reads the header only
+        const VImage image = open(path, true, {}, loader);  // lazy: reads the header only
         // Orientations 5 to 8 turn the photo a quarter: it is seen with its sides exchanged.
-        const int orientation = header.get_typeof(VIPS_META_ORIENTATION) != 0
-                                    ? header.get_int(VIPS_META_ORIENTATION)
-                                    : 1;
+        const int orientation =
+            image.get_typeof(VIPS_META_ORIENTATION) != 0 ? image.get_int(VIPS_META_ORIENTATION) : 1;
         const bool turned = orientation >= 5 && orientation <= 8;
-        const qint64 w = turned ? header.height() : header.width();
-        const qint64 h = turned ? header.width() : header.height();
+        const qint64 w = turned ? image.height() : image.width();
+        const qint64 h = turned ? image.width() : image.height();
         if (w <= 0 || h <= 0) return refuse(QStringLiteral("an image without pixels"));
         if (isCutShort(path)) return refuse(QStringLiteral("truncated"));
         if (w * h > kMaxPixels)
             return refuse(QStringLiteral("too large (%1 megapixels; the limit is %2)")
                               .arg(qRound64(double(w) * double(h) / 1e6))
                               .arg(kMaxPixels / 1'000'000));
-        *width = int(w);
-        *height = int(h);
+        *header = {int(w), int(h), orientation, loader, {}};
         return true;
     } catch (const VError&) {
         return refuse(QStringLiteral("damaged: its header cannot be read"));
     }
+}
+
+bool pixelSize(const QString& path, int* width, int* height, QString* reason) {
+    PhotoHeader header;
+    const bool read = readHeader(path, &header);
+    if (!read && reason) *reason = header.fault;
+    *width = header.width;
+    *height = header.height;
+    return read;
 }
 
 VImage toSrgb8(const VImage& image, bool keepAlpha) {

@@ -3,6 +3,8 @@
 #include <QImage>
 #include <QString>
 
+#include "imaging/Picture.h"
+
 namespace vips {
 class VImage;
 }
@@ -37,14 +39,17 @@ QString writtenFileName(const QString& path);
 // they hold, as they always have.
 bool holdsItsType(const QString& path, QString* reason = nullptr);
 
-// The pixel size as the photo is seen (EXIF orientation applied), from the header only. False (and
-// 0 x 0) when the file cannot be read, has a zero side or is larger than kMaxPixels.
+// Reads the header only. False (with the reason, also in `fault`) when the file cannot be read,
+// has a zero side or is larger than kMaxPixels.
+bool readHeader(const QString& path, PhotoHeader* header);
+// The pixel size as the photo is seen, from the header only (0 x 0 when readHeader fails).
 bool pixelSize(const QString& path, int* width, int* height, QString* reason = nullptr);
 
-// Opens a file lazily; a truncated or damaged file fails when its pixels are read. A JPEG is
-// shrunk while decoding by `shrink` (1, 2, 4 or 8), a WebP scaled by its inverse. What the
-// format's reader leaves out is added (see completed). Throws vips::VError.
-vips::VImage open(const QString& path, bool sequential, int shrink = 1);
+// Opens a file lazily; a truncated or damaged file fails when its pixels are read. `shrink` is
+// applied where the file's reader (`loader`, or the one found) offers it. What the format's
+// reader leaves out is added (see completed). Throws vips::VError.
+vips::VImage open(const QString& path, bool sequential, const ShrinkOnLoad& shrink = {},
+                  const QString& loader = {});
 // The image read from `path` with what its reader leaves out: the Display P3 profile of a HEIF
 // whose colours are given by an nclx box only (libvips takes ICC profiles alone), the EXIF block,
 // orientation and XMP of JPEG XL, the XMP of HEIF. Throws vips::VError.

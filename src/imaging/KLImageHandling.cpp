@@ -13,7 +13,6 @@
 #include "imaging/ImageFileIo.h"
 #include "imaging/PictureData.h"
 #include "imaging/VipsRuntime.h"
-#include "metadata/mMeta.h"
 #include "services/AtomicFile.h"
 #include "services/Log.h"
 #include "services/TextValues.h"
@@ -68,22 +67,6 @@ VImage minimum(const VImage& a, const VImage& b) {
     return (a < b).ifthenelse(a, b);
 }
 
-// The EXIF block with its orientation set to upright, for pixels that were turned.
-void markUpright(VImage& image) {
-    image.set(VIPS_META_ORIENTATION, 1);
-    if (image.get_typeof(VIPS_META_EXIF_NAME) == 0) return;
-    size_t length = 0;
-    const void* block = image.get_blob(VIPS_META_EXIF_NAME, &length);
-    const QByteArray upright =
-        mMeta::exifBlockUpright(QByteArray(static_cast<const char*>(block), qsizetype(length)));
-    if (upright.isEmpty()) {
-        image.remove(VIPS_META_EXIF_NAME);
-        return;
-    }
-    vips_image_set_blob_copy(image.get_image(), VIPS_META_EXIF_NAME, upright.constData(),
-                             size_t(upright.size()));
-}
-
 }  // namespace
 
 // --- Picture
@@ -109,70 +92,6 @@ Picture Picture::Data::with(const VImage& image) const {
     data->height = image.height();
     return Picture(data);
 }
-
-namespace PhotoDecoder {
-
-bool uprightSize(const QString& path, int* width, int* height, QString* error) {
-    return ImageFileIo::pixelSize(path, width, height, error);
-}
-
-bool holdsItsType(const QString& path, QString* error) {
-    return ImageFileIo::holdsItsType(path, error);
-}
-
-namespace {
-
-// Decodes the photo, shrinking a JPEG or WebP while decoding by the largest power of two (up to
-// 8) that leaves at least `margin` times the pixels `scale` asks for (HEIF and JPEG XL decode
-// whole). Without `wholeInMemory` the pixels are read from the file as they are used (once).
-Picture decodeShrunk(const QString& path, double scale, double margin, bool wholeInMemory,
-                     QString* error) {
-    int width = 0;
-    int height = 0;
-    if (!uprightSize(path, &width, &height, error)) return {};
-    try {
-        const double factor = scale > 0 ? 1.0 / (scale * margin) : 1.0;
-        const int shrink = factor >= 8 ? 8 : factor >= 4 ? 4 : factor >= 2 ? 2 : 1;
-        VImage image = ImageFileIo::open(path, true, shrink);
-        const int orientation =
-            image.get_typeof(VIPS_META_ORIENTATION) != 0 ? image.get_int(VIPS_META_ORIENTATION) : 1;
-        image = ImageFileIo::toSrgb8(image, true);
-        if (wholeInMemory || orientation != 1) image = image.copy_memory();
-        if (orientation != 1) {
-            image = image.autorot().copy_memory();
-            markUpright(image);
-        }
-        auto data = std::make_shared<Picture::Data>();
-        data->pixels = image;
-        data->width = width;
-        data->height = height;
-        data->type = ImageFileIo::typeIdentifier(path);
-        data->carriesMetadata = true;
-        return Picture(data);
-    } catch (const VError& e) {
-        const QString reason = reasonOf(e);
-        klLog() << "not decoded:" << path << reason;
-        if (error) *error = reason;
-        return {};
-    }
-}
-
-}  // namespace
-
-Picture decode(const QString& path, double scale, QString* error) {
-    // Twice the pixels for the final resampling.
-    return decodeShrunk(path, scale, 2.0, true, error);
-}
-
-Picture decodeForOneUse(const QString& path, double scale, QString* error) {
-    return decodeShrunk(path, scale, 2.0, false, error);
-}
-
-Picture decodeAtLeast(const QString& path, double scale, QString* error) {
-    return decodeShrunk(path, scale, 1.0, true, error);
-}
-
-}  // namespace PhotoDecoder
 
 // --- KLImageHandling
 
@@ -520,12 +439,15 @@ QString KLImageHandling::resizeImage(const QString& source, int size, int mode,
                                      const QString& folder) {
     const QString type = ImageFileIo::typeIdentifier(source);
     if (ImageFileIo::isRefusedType(type)) return kNotSupported;
-    int width = 0;
-    int height = 0;
-    if (!PhotoDecoder::uprightSize(source, &width, &height, &lastError)) return kFailed;
+    const PhotoHeader header = PhotoDecoder::header(source);
+    lastError = header.fault;
+    if (!header.fault.isEmpty()) return kFailed;
+    const int width = header.width;
+    const int height = header.height;
     if (!computeTargetSize(width, height, size, mode) || type.isEmpty()) return kFailed;
     const double scale = std::max(double(newImgW) / width, double(newImgH) / height);
-    const Picture result = resized(PhotoDecoder::decode(source, scale, &lastError), size, mode);
+    const Picture result =
+        resized(PhotoDecoder::decode(source, header, scale, &lastError), size, mode);
     if (result.isNull()) return kFailed;
     return hSaveToNewImageFile(folder + ImageFileIo::writtenFileName(source),
                                ImageFileIo::writtenType(type), result);
@@ -535,11 +457,8 @@ QString KLImageHandling::cropImage(const QString& source, int cropWidth, int cro
                                    const QString& folder, const QString& kind, int position) {
     const QString type = ImageFileIo::typeIdentifier(source);
     if (ImageFileIo::isRefusedType(type)) return storeResult = kNotSupported;
-    int width = 0;
-    int height = 0;
     Picture photo;
-    if (PhotoDecoder::uprightSize(source, &width, &height, &lastError) && !type.isEmpty())
-        photo = PhotoDecoder::decode(source, 1.0, &lastError);
+    if (!type.isEmpty()) photo = PhotoDecoder::decode(source, 1.0, &lastError);
     const Picture result = cropped(photo, cropWidth, cropHeight, kind, position);
     if (result.isNull()) return storeResult = kFailed;
     return storeResult = hSaveToNewImageFile(folder + ImageFileIo::writtenFileName(source),
@@ -551,13 +470,14 @@ QString KLImageHandling::hHandleImages(const QString& boxWidth, const QString& b
                                        const QString& fileName) {
     if (ImageFileIo::isRefusedType(ImageFileIo::typeIdentifier(source)))
         return storeResult = kNotSupported;
-    int width = 0;
-    int height = 0;
-    if (!PhotoDecoder::uprightSize(source, &width, &height, &lastError) ||
-        !computeSlideSize(width, height, TextValues::intValue(boxWidth),
+    const PhotoHeader header = PhotoDecoder::header(source);
+    lastError = header.fault;
+    if (!header.fault.isEmpty() ||
+        !computeSlideSize(header.width, header.height, TextValues::intValue(boxWidth),
                           TextValues::intValue(boxHeight)))
         return storeResult = kFailed;
-    const Picture photo = PhotoDecoder::decode(source, double(newImgW) / width, &lastError);
+    const Picture photo =
+        PhotoDecoder::decode(source, header, double(newImgW) / header.width, &lastError);
     const Picture result = slide(photo, boxWidth, boxHeight);
     if (result.isNull()) return storeResult = kFailed;
     return storeResult =
@@ -568,12 +488,13 @@ QString KLImageHandling::hHandleRgImages(const QString& width, const QString& so
                                          const QString& folder, const QString& fileName) {
     if (ImageFileIo::isRefusedType(ImageFileIo::typeIdentifier(source)))
         return storeResult = kNotSupported;
-    int w = 0;
-    int h = 0;
-    if (!PhotoDecoder::uprightSize(source, &w, &h, &lastError) ||
-        !computeGridSize(w, h, TextValues::intValue(width)))
+    const PhotoHeader header = PhotoDecoder::header(source);
+    lastError = header.fault;
+    if (!header.fault.isEmpty() ||
+        !computeGridSize(header.width, header.height, TextValues::intValue(width)))
         return storeResult = kFailed;
-    const Picture photo = PhotoDecoder::decode(source, double(newImgW) / w, &lastError);
+    const Picture photo =
+        PhotoDecoder::decode(source, header, double(newImgW) / header.width, &lastError);
     const Picture result = gridImage(photo, width);
     if (result.isNull()) return storeResult = kFailed;
     return storeResult =

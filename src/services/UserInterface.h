@@ -18,6 +18,12 @@ class UserInterface {
     virtual void progressStart() {}
     virtual void progressStep(double increment) { (void)increment; }
     virtual void progressStop() {}
+    // The photos of a run's image stage made so far, out of `total`: first 0, then after each
+    // photo, in order, on the thread that runs the run.
+    virtual void progressPhotos(int done, int total) {
+        (void)done;
+        (void)total;
+    }
 
     // True once the user asked to stop the run. Called from image workers: thread-safe.
     virtual bool isCancelled() const { return false; }

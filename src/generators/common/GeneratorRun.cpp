@@ -22,21 +22,17 @@ RunResult refused(UserInterface& ui, const RunAlert& alert, RunResult result) {
     return result;
 }
 
-// What a photo's header says before anything is planned: its decoded size in bytes, or why no
-// image can be made of it.
-struct Header {
-    qint64 bytes = 0;
-    QString fault;
-};
+// What a photo's header says before anything is planned, read once: the makers are answered from
+// it (PhotoDecoder::RememberedHeaders).
+PhotoHeader headerOf(const QString& path) {
+    PhotoHeader header;
+    if (!KLImageHandling::isSupportedSource(path, &header.fault)) return header;
+    return PhotoDecoder::header(path);
+}
 
-Header headerOf(const QString& path) {
-    Header header;
-    int width = 0;
-    int height = 0;
-    if (KLImageHandling::isSupportedSource(path, &header.fault) &&
-        PhotoDecoder::uprightSize(path, &width, &height, &header.fault))
-        header.bytes = qint64(width) * height * 4;  // 8-bit RGB(A), as the images are made
-    return header;
+// Decoded bytes of the photo in 8-bit RGB(A), as the images are made.
+qint64 bytesOf(const PhotoHeader& header) {
+    return qint64(header.width) * header.height * 4;
 }
 
 // The photos whose entry in `keep` is set.
@@ -69,15 +65,17 @@ RunResult runSite(const std::function<SitePlan(const QList<PhotoEntry>&)>& planO
 
     // Photos whose header shows that no image can be made of them are left out before anything
     // is planned; the headers are read on every core.
-    const QList<Header> headers = QtConcurrent::blockingMapped(
-        requested, [](const PhotoEntry& photo) { return headerOf(photo.url.toLocalFile()); });
+    QStringList requestedPaths;
+    for (const PhotoEntry& photo : requested) requestedPaths.append(photo.url.toLocalFile());
+    const QList<PhotoHeader> headers = QtConcurrent::blockingMapped(requestedPaths, headerOf);
+    const PhotoDecoder::RememberedHeaders remembered(requestedPaths, headers);
     std::vector<char> readable(size_t(requested.size()));
     std::vector<qint64> costs;
     QStringList unreadable;
     for (qsizetype i = 0; i < requested.size(); ++i) {
         readable[size_t(i)] = headers[i].fault.isEmpty();
         if (readable[size_t(i)])
-            costs.push_back(headers[i].bytes);
+            costs.push_back(bytesOf(headers[i]));
         else
             unreadable.append(requested[i].url.toLocalFile() + QStringLiteral(": ") +
                               headers[i].fault);

@@ -51,9 +51,12 @@ QStringList ImageWorkers::makeAll(const QStringList& outputKeys, const QStringLi
     {
         ImageWorkers workers(
             outputKeys, threads, [&](int i) { failures[size_t(i)] = make(i); }, ui, costs, budget);
-        for (int i = 0; i < outputKeys.size(); ++i) {
+        const int total = int(outputKeys.size());
+        ui.progressPhotos(0, total);
+        for (int i = 0; i < total; ++i) {
             if (!workers.waitFor(i)) unfinished->append(paths.value(i));
             ui.progressStep(step);
+            ui.progressPhotos(i + 1, total);
         }
     }
     QStringList all;

@@ -1,0 +1,151 @@
+#include <libheif/heif.h>
+
+#include "ImagingFixtures.h"
+#include "imaging/PictureData.h"
+
+namespace {
+
+// A HEIC of the coordinates picture with a thumbnail of `thumbnailBox` pixels on its longest side
+// (none for 0), written through libheif (libvips writes no thumbnails).
+void writeHeic(const QString& path, int width, int height, int thumbnailBox) {
+    const vips::VImage pixels = fixtures::coordinates(width, height).copy_memory();
+    heif_context* context = heif_context_alloc();
+    heif_encoder* encoder = nullptr;
+    ASSERT_EQ(heif_context_get_encoder_for_format(context, heif_compression_HEVC, &encoder).code,
+              heif_error_Ok);
+    heif_encoder_set_lossy_quality(encoder, 90);
+    heif_image* image = nullptr;
+    heif_image_create(width, height, heif_colorspace_RGB, heif_chroma_interleaved_RGB, &image);
+    heif_image_add_plane(image, heif_channel_interleaved, width, height, 8);
+    int stride = 0;
+    uint8_t* plane = heif_image_get_plane(image, heif_channel_interleaved, &stride);
+    size_t length = 0;
+    auto* data = static_cast<uint8_t*>(pixels.write_to_memory(&length));
+    for (int y = 0; y < height; ++y) memcpy(plane + y * stride, data + y * width * 3, width * 3);
+    g_free(data);
+    heif_image_handle* handle = nullptr;
+    heif_context_encode_image(context, image, encoder, nullptr, &handle);
+    if (thumbnailBox > 0) {
+        heif_image_handle* thumbnail = nullptr;
+        heif_context_encode_thumbnail(context, image, handle, encoder, nullptr, thumbnailBox,
+                                      &thumbnail);
+        heif_image_handle_release(thumbnail);
+    }
+    EXPECT_EQ(heif_context_write_to_file(context, QFile::encodeName(path).constData()).code,
+              heif_error_Ok);
+    heif_image_handle_release(handle);
+    heif_image_release(image);
+    heif_encoder_release(encoder);
+    heif_context_free(context);
+}
+
+fixtures::Size pixelsOf(const Picture& picture) {
+    return {picture.data().pixels.width(), picture.data().pixels.height()};
+}
+
+}  // namespace
+
+// The shrink a JPEG is decoded with keeps twice the pixels asked on each side; sides are those
+// the photo is seen with, whatever way the file stores them.
+TEST(ShrinkOnLoad, JpegKeepsTwiceWhatIsAsked) {
+    const QString jpeg = QStringLiteral("VipsForeignLoadJpegFile");
+    struct Case {
+        int width, height, orientation, needWidth, needHeight, shrink;
+    };
+    for (const Case& c : {
+             Case{5120, 2880, 1, 1200, 675, 2},  // 2560 x 1440 left, 1280 would be too few
+             Case{4000, 3000, 1, 200, 150, 8},
+             Case{2560, 1600, 1, 1200, 750, 1},
+             Case{3000, 4000, 6, 750, 1000, 2},  // stored 4000 x 3000, seen turned
+             Case{3000, 4000, 8, 300, 400, 4},
+             Case{1000, 1000, 1, 1000, 1000, 1},
+             Case{1000, 1000, 1, 0, 0, 1},
+         }) {
+        SCOPED_TRACE(testing::Message() << c.width << "x" << c.height << " o" << c.orientation
+                                        << " need " << c.needWidth << "x" << c.needHeight);
+        const PhotoHeader header{c.width, c.height, c.orientation, jpeg, {}};
+        EXPECT_EQ(PhotoDecoder::shrinkOnLoad(header, c.needWidth, c.needHeight).jpeg, c.shrink);
+    }
+}
+
+// Decoded for a fraction of its size, a photo is shrunk by its reader where the format allows
+// (JPEG by a power of two, WebP to the size asked, HEIF to its thumbnail when large enough), never
+// below what was asked; the picture still reports the photo's own size.
+TEST(ShrinkOnLoad, ReadersShrinkWhereTheyCan) {
+    const QString dir = testsupport::freshDir(QStringLiteral("shrink-on-load"));
+    fixtures::save(fixtures::coordinates(800, 600), dir + "photo.jpg");
+    fixtures::save(fixtures::coordinates(800, 600), dir + "photo.png");
+    fixtures::save(fixtures::coordinates(1001, 751), dir + "odd.webp");
+    writeHeic(dir + "thumb.heic", 800, 600, 160);
+    writeHeic(dir + "plain.heic", 800, 600, 0);
+    struct Case {
+        const char* file;
+        double scale;
+        fixtures::Size pixels;
+    };
+    for (const Case& c : {
+             Case{"photo.jpg", 0.1, {200, 150}},  // needs 80 x 60: shrink 4
+             Case{"photo.jpg", 0.5, {800, 600}},
+             Case{"photo.png", 0.1, {800, 600}},
+             Case{"odd.webp", 0.1, {101, 76}},   // needs 101 x 76 (75.1 rounded up)
+             Case{"odd.webp", 0.5, {501, 376}},  // needs 501 x 376 (375.5 rounded up)
+             Case{"thumb.heic", 0.1, {160, 120}},
+             Case{"thumb.heic", 0.25, {800, 600}},  // needs 200 x 150: the thumbnail is too small
+             Case{"plain.heic", 0.1, {800, 600}},
+         }) {
+        SCOPED_TRACE(testing::Message() << c.file << " at " << c.scale);
+        const QString path = dir + c.file;
+        QString error;
+        const Picture picture = PhotoDecoder::decode(path, c.scale, &error);
+        ASSERT_FALSE(picture.isNull()) << error.toStdString();
+        const auto [w, h] = pixelsOf(picture);
+        const int rounding = QString(c.file).endsWith(".webp") ? 1 : 0;  // of the other side
+        EXPECT_TRUE(w >= c.pixels.first && w <= c.pixels.first + rounding) << w;
+        EXPECT_TRUE(h >= c.pixels.second && h <= c.pixels.second + rounding) << h;
+        const PhotoHeader header = PhotoDecoder::header(path);
+        EXPECT_EQ(fixtures::Size(picture.width(), picture.height()),
+                  fixtures::Size(header.width, header.height));
+        // The derivative asked for comes out at its size, made from enough pixels.
+        KLImageHandling images;
+        const Picture made = images.resized(picture, int(std::ceil(header.width * c.scale)), 0);
+        ASSERT_FALSE(made.isNull());
+        EXPECT_EQ(pixelsOf(made), fixtures::Size(images.newImgW, images.newImgH));
+        EXPECT_TRUE(w >= images.newImgW && h >= images.newImgH);
+    }
+}
+
+// A JPEG stored 800 x 400 and tagged to be seen turned (400 x 800): decoded for a quarter of its
+// size it is shrunk by 2, upright, and the derivative is cut from the upright pixels.
+TEST(ShrinkOnLoad, TurnedJpegShrinksByItsUprightSides) {
+    const QString dir = testsupport::freshDir(QStringLiteral("shrink-turned"));
+    const QString path = dir + "turned.jpg";
+    fixtures::save(fixtures::coordinates(800, 400), path);
+    testsupport::runProgram("exiftool", {"-q", "-overwrite_original", "-Orientation#=6", path});
+    const PhotoHeader header = PhotoDecoder::header(path);
+    EXPECT_EQ(fixtures::Size(header.width, header.height), fixtures::Size(400, 800));
+    EXPECT_EQ(PhotoDecoder::shrinkOnLoad(header, 100, 200).jpeg, 2);
+    const Picture picture = PhotoDecoder::decode(path, 0.25);
+    ASSERT_FALSE(picture.isNull());
+    EXPECT_EQ(pixelsOf(picture), fixtures::Size(200, 400));
+    KLImageHandling images;
+    const Picture made = images.resized(picture, 200, 5);  // longest side 200: 100 x 200
+    EXPECT_EQ(pixelsOf(made), fixtures::Size(100, 200));
+}
+
+// While a run remembers the headers of its photos they are not read again: a photo replaced in
+// the meantime still answers with the header read first, until the run forgets them.
+TEST(ShrinkOnLoad, RememberedHeadersAnswerUntilForgotten) {
+    const QString dir = testsupport::freshDir(QStringLiteral("remembered-headers"));
+    const QString path = dir + "photo.jpg";
+    fixtures::save(fixtures::solid(60, 40, {10, 20, 30}), path);
+    int width = 0, height = 0;
+    {
+        const PhotoDecoder::RememberedHeaders outer({path}, {PhotoDecoder::header(path)});
+        fixtures::save(fixtures::solid(30, 90, {10, 20, 30}), path);
+        { const PhotoDecoder::RememberedHeaders inner({path}, {PhotoDecoder::header(path)}); }
+        ASSERT_TRUE(PhotoDecoder::uprightSize(path, &width, &height));
+        EXPECT_EQ(fixtures::Size(width, height), fixtures::Size(60, 40));
+    }
+    ASSERT_TRUE(PhotoDecoder::uprightSize(path, &width, &height));
+    EXPECT_EQ(fixtures::Size(width, height), fixtures::Size(30, 90));
+}
