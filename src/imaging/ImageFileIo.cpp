@@ -98,17 +98,28 @@ QString writtenFileName(const QString& path) {
                                 : info.fileName();
 }
 
+namespace {
+
+// Whether `reader` (the one libvips found for the file, or null) is the one its name promises.
+bool readerMatchesName(const QString& path, const char* reader, QString* reason) {
+    const FileType* type = fileTypeOf(path);
+    if (!type || !type->reader) return true;
+    if (reader && std::strcmp(reader, type->reader) == 0) return true;
+    if (reason)
+        *reason = QStringLiteral("named .%1 but holds no %2 image")
+                      .arg(QFileInfo(path).suffix(), QLatin1String(type->format));
+    return false;
+}
+
+}  // namespace
+
 bool holdsItsType(const QString& path, QString* reason) {
     const FileType* type = fileTypeOf(path);
     if (!type || !type->reader) return true;
     VipsRuntime::ensureStarted();
     const char* reader = vips_foreign_find_load(QFile::encodeName(path).constData());
     if (!reader) vips_error_clear();
-    if (reader && std::strcmp(reader, type->reader) == 0) return true;
-    if (reason)
-        *reason = QStringLiteral("named .%1 but holds no %2 image")
-                      .arg(QFileInfo(path).suffix(), QLatin1String(type->format));
-    return false;
+    return readerMatchesName(path, reader, reason);
 }
 
 VImage open(const QString& path, bool sequential, const ShrinkOnLoad& shrink,
@@ -219,10 +230,8 @@ bool readHeader(const QString& path, PhotoHeader* header) {
         vips_error_clear();
         return refuse(QStringLiteral("not an image"));
     }
+    if (QString why; !readerMatchesName(path, reader, &why)) return refuse(why);
     const QString loader = QString::fromLatin1(reader);
-    if (const FileType* type = fileTypeOf(path); type && type->reader && loader != type->reader)
-        return refuse(QStringLiteral("named .%1 but holds no %2 image")
-                          .arg(info.suffix(), QLatin1String(type->format)));
     try {
         const VImage image = open(path, true, {}, loader);  // lazy: reads the header only
         // Orientations 5 to 8 turn the photo a quarter: it is seen with its sides exchanged.
