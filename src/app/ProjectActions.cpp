@@ -12,6 +12,7 @@
 #include <QSettings>
 #include <QtConcurrent/QtConcurrentRun>
 
+#include "app/CellImageCache.h"
 #include "collection/PhotoCollection.h"
 #include "generators/OutputKinds.h"
 #include "presets/SettingsStore.h"
@@ -61,6 +62,7 @@ QString runFileDialog(QWidget* parent, const QString& folder) {
 
 ProjectActions::ProjectActions(const Window& window, QObject* parent)
     : QObject(parent), window_(window), ui_(window.ui) {
+    copiers_.setMaxThreadCount(1);
     saveDialog = [this] { return runSaveDialog(window_.widget); };
     chooseProjectFolder = [this] { return runFolderDialog(window_.widget); };
     chooseProjectFile = [this](const QString& folder) {
@@ -132,8 +134,10 @@ bool ProjectActions::saveProject() {
     QFutureWatcher<ProjectFile::SaveResult> copying;
     QEventLoop waiting;
     connect(&copying, &QFutureWatcherBase::finished, &waiting, &QEventLoop::quit);
-    copying.setFuture(QtConcurrent::run(
-        [&] { return ProjectFile::save(folder, name, records, settings, layout, destination); }));
+    copying.setFuture(QtConcurrent::run(&copiers_, [&] {
+        lowerThisThreadPriority();
+        return ProjectFile::save(folder, name, records, settings, layout, destination);
+    }));
     if (!copying.isFinished()) {
         QProgressDialog progress(tr("Copying the photos into the project…"), QString(), 0, 0,
                                  window_.widget);

@@ -4,6 +4,7 @@
 #include <QObject>
 #include <QPointer>
 #include <QStringList>
+#include <QThreadPool>
 #include <functional>
 #include <optional>
 #include <utility>
@@ -98,4 +99,7 @@ class ProjectActions : public QObject {
     State saved_;
     cPresetManager::PresetDictionary theDict_;
     QString publishDestination_;
+    // Copying the photos of a save: a thread of its own below the window's priority, so that a
+    // busy machine hands the window its turn first.
+    QThreadPool copiers_;
 };
