@@ -7,8 +7,8 @@ import fs from 'node:fs';
 import path from 'node:path';
 import { before, test } from 'node:test';
 import {
-    act, address, bothWays, contrastOf, distorted, freshDir, generate, lightbox, lightboxLooks, makePhotos,
-    onScreens, open, outputRoot, pageUrl, settled, waitForPhoto,
+    act, address, bothWays, expectLightbox, freshDir, generate, lightbox, makePhotos, onScreens, open,
+    openLoaded, outputRoot, pageUrl, waitForPhoto,
 } from './support.mjs';
 
 let root;
@@ -175,28 +175,12 @@ const holes = (page) => page.evaluate(() => {
 // than a cell, no column beyond the window; a lightbox of the big image, at the screen's pixels.
 onScreens((mode) => {
     test('the default grid of highlighted photos and its lightbox', async () => {
-        const page = await open(mode.browser, nature);
-        await page.waitForFunction(() => [...document.images].every((i) => i.complete));
-        await settled(page);
-        assert.deepEqual(await distorted(page, '.klovlGrid img'), []);
+        const page = await openLoaded(mode, nature, '.klovlGrid img');
         const found = await holes(page);
         assert.ok(found.empty.length <= 1, JSON.stringify(found));
         assert.ok(found.overflow <= 0 && Math.abs(found.right - found.last) < 1, JSON.stringify(found));
         await page.screenshot({ path: path.join(outputRoot, `grid-${mode.screen.name}.png`), fullPage: true });
-
-        await page.locator('.klovlGrid a[href$="Dune.jpeg"]').click();
-        await waitForPhoto(page, big('Dune'));
-        await page.waitForFunction((need) => {
-            const img = document.querySelector('.klOVlightbox img');
-            return img.naturalWidth >= Math.min(need * img.clientWidth, 1680) - 1;
-        }, Math.min(1.5, mode.screen.deviceScaleFactor), { timeout: 10000 });
-        const box = await lightboxLooks(page);
-        assert.equal(box.counter, '3 / 13');
-        if (mode.phone) assert.ok(box.width >= 0.85 * box.window.width, JSON.stringify(box));
-        for (const b of box.buttons) assert.ok(b.size >= 28 && b.opacity === '1', JSON.stringify(b));
-        assert.ok(box.captionFont >= 14, `caption ${box.captionFont}px`);
-        const contrast = await contrastOf(page, '.klOVlightbox_caption');
-        assert.ok(contrast >= 4.5, `caption contrast ${contrast}`);
+        await expectLightbox(page, mode, { link: '.klovlGrid a[href$="Dune.jpeg"]', big: big('Dune'), width: 1680, counter: '3 / 13' });
         assert.deepEqual(page.errors, []);
         await page.close();
     });

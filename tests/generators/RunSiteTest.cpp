@@ -20,10 +20,10 @@ RunResult run(const QString& kind, const QString& dir, const QStringList& paths,
                                         RunOptions{.destination = dir, .threads = threads});
 }
 
-// Every file of a run (the hidden run record aside) by relative path.
+// Every file of a run but the run record (which holds times) by relative path.
 QMap<QString, QByteArray> contents(const QString& dir) {
-    QMap<QString, QByteArray> files;
-    for (const QString& f : filesUnder(dir)) files.insert(f, testsupport::readFile(dir + f));
+    QMap<QString, QByteArray> files = testsupport::contentsUnder(dir);
+    files.remove(RunManifest::kFileName);
     return files;
 }
 

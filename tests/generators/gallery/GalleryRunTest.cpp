@@ -46,6 +46,19 @@ RunResult runGallery(const QString& dest, const QStringList& photos, const QStri
         ui, RunOptions{dest, 2, false, false, rebuild});
 }
 
+// The gallery's images of `photos`, made into a fresh folder with these settings; the folder.
+QString derive(const QStringList& photos, const QString& set,
+               GalleryImageSettings* used = nullptr) {
+    const QString dir = freshDir("gallery-derivatives");
+    const GalleryImageSettings image = cResponsiveDesign::readSettings(store(set), dir).image;
+    for (const char* folder : {"KLimages_s", "KLimages_b", "KLimages_b2x"})
+        QDir().mkpath(dir + folder);
+    for (const QString& photo : photos)
+        EXPECT_EQ(cResponsiveDesign::hScaleImageMaxValueHTML(photo, image), QStringList());
+    if (used) *used = image;
+    return dir;
+}
+
 // The images of these photos, or of all three.
 QStringList images(const QStringList& photos = {"p1", "p2", "p3"}) {
     QStringList files;
@@ -128,13 +141,7 @@ TEST(GalleryRun, Derivatives) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.set.toStdString());
-        const QString dir = freshDir("gallery-derivatives");
-        const GalleryImageSettings image =
-            cResponsiveDesign::readSettings(store(kSmall + c.set), dir).image;
-        for (const char* folder : {"KLimages_s", "KLimages_b", "KLimages_b2x"})
-            QDir().mkpath(dir + folder);
-        for (const QString& photo : photos)
-            EXPECT_EQ(cResponsiveDesign::hScaleImageMaxValueHTML(photo, image), QStringList());
+        const QString dir = derive(photos, kSmall + c.set);
         for (const auto& [folder, sizes] :
              {std::pair{"KLimages_s/", c.thumbs}, {"KLimages_b/", c.bigs}}) {
             QStringList files, expected;
@@ -169,16 +176,13 @@ TEST(GalleryRun, ThumbnailsArePlainCropsAndTheLargerBigImageDoublesTheBigOne) {
                  {"tfCropThumbXOffset=20, tfCropThumbYOffset=-5", 4, 20, -5}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.set);
-        const QString dir = freshDir("gallery-plain-crop");
-        const GalleryImageSettings image =
-            cResponsiveDesign::readSettings(store("tfSmallCropWidth=160, tfSmallCropHeight=90, "
-                                                  "tfBigCropWidth=400, tfBigCropHeight=0, " +
-                                                  QString(c.set)),
-                                            dir)
-                .image;
-        for (const char* folder : {"KLimages_s", "KLimages_b", "KLimages_b2x"})
-            QDir().mkpath(dir + folder);
-        ASSERT_EQ(cResponsiveDesign::hScaleImageMaxValueHTML(photo, image), QStringList());
+        GalleryImageSettings image;
+        const QString dir =
+            derive({photo},
+                   "tfSmallCropWidth=160, tfSmallCropHeight=90, tfBigCropWidth=400, "
+                   "tfBigCropHeight=0, " +
+                       QString(c.set),
+                   &image);
         const int cw = image.thumb.cropWidth, ch = image.thumb.cropHeight;
         const double scale = std::max(double(cw) / W, double(ch) / H);
         const int boxW = int(cw / scale), boxH = int(ch / scale);
