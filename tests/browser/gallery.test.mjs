@@ -107,21 +107,15 @@ bothWays((mode) => {
         await page.close();
     });
 
-    test('the captioned variant shows the title as text', async () => {
+    test('the captioned variant shows the titles as text, markup too', async () => {
         const page = await load(site.captioned);
-        const title = await page.locator('.klOVimg a').nth(1).getAttribute('title');
-        assert.ok(title.includes('photo02'), title);
+        await page.evaluate(() => document.querySelectorAll('.klOVimg a')[1].setAttribute('title', '<b>bold</b> & co'));
         await page.locator('.klOVimg a').nth(1).click();
         await waitForPhoto(page, big('photo02'));
-        assert.equal((await lightbox(page)).caption, title);
+        assert.equal((await lightbox(page)).caption, '<b>bold</b> & co', 'markup in a title stays text');
         await page.keyboard.press('ArrowRight');
         await waitForPhoto(page, big('photo03'));
-        assert.ok((await lightbox(page)).caption.includes('photo03'));
-        await page.keyboard.press('Escape');
-        await page.evaluate(() => document.querySelector('.klOVimg a').setAttribute('title', '<b>bold</b> & co'));
-        await page.locator('.klOVimg a').first().click();
-        await waitForPhoto(page, big('photo01'));
-        assert.equal((await lightbox(page)).caption, '<b>bold</b> & co', 'markup in a title stays text');
+        assert.equal((await lightbox(page)).caption, await page.locator('.klOVimg a').nth(2).getAttribute('title'));
         await page.close();
     });
 

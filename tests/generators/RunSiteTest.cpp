@@ -80,6 +80,7 @@ TEST(RunSite, RunsAtOnceMatchTheirSingleRunsAndNameBadPhotos) {
         SilentUserInterface ui;
         const RunResult result = run(runs[i], dir, photos, ui, 1);
         EXPECT_TRUE(result.ok && !result.cancelled && QFile::exists(result.firstPage));
+        EXPECT_TRUE(QDir(dir + "KLovPatterns").exists());  // made with every run, a pattern or not
         QStringList named;
         for (const QString& failure : result.failures)
             named.append(QFileInfo(failure.section(": ", 0, 0)).fileName());

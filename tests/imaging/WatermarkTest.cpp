@@ -79,15 +79,21 @@ TEST(Watermark, TextLandsOnTheGridAndTheOffsetsTurnWithTheAngle) {
             << position;
     }
 
-    // Turned by 30 degrees: a larger box, and dx = 10 moves it 10 down (up when turned by -30).
+    // Turned by 30 degrees: a larger box, which dx = 10 moves 10 down and dy = 10 moves 10 right
+    // (up and left when turned by -30).
     std::tie(s.position, s.xOffset, s.yOffset, s.angle) = std::tuple(4, 0, 0, 30);
     const Box turned = changedBox(changes(stamp(s, photo)));
     EXPECT_GT(turned.height(), th + 5);
-    for (const int angle : {30, -30}) {
-        std::tie(s.xOffset, s.angle) = std::tuple(10, angle);
+    const std::array<int, 5> moves[] = {// dx, dy, angle: right, down
+                                        {10, 0, 30, 0, 10},
+                                        {10, 0, -30, 0, -10},
+                                        {0, 10, 30, 10, 0},
+                                        {0, 10, -30, -10, 0}};
+    for (const auto& [dx, dy, angle, right, down] : moves) {
+        std::tie(s.xOffset, s.yOffset, s.angle) = std::tuple(dx, dy, angle);
         const Box moved = changedBox(changes(stamp(s, photo)));
-        EXPECT_NEAR(moved.left - turned.left, 0, 1) << angle;
-        EXPECT_NEAR(moved.top - turned.top, angle > 0 ? 10 : -10, 1) << angle;
+        EXPECT_NEAR(moved.left - turned.left, right, 1) << dx << " " << dy << " " << angle;
+        EXPECT_NEAR(moved.top - turned.top, down, 1) << dx << " " << dy << " " << angle;
     }
 
     for (const int outside : {9, -1}) {  // outside the grid: the copy is written, unchanged
