@@ -8,7 +8,7 @@ import path from 'node:path';
 import { before, test } from 'node:test';
 import {
     act, address, bothWays, expectLightbox, freshDir, generate, lightbox, makePhotos, onScreens, open,
-    openLoaded, outputRoot, pageUrl, waitForPhoto,
+    openLoaded, outputRoot, waitForPhoto,
 } from './support.mjs';
 
 let root;
@@ -90,13 +90,12 @@ bothWays((mode) => {
         }
     });
 
-    test('a click or a deep link opens the big image with its caption; next, previous and Escape cross both groups, the fragment following', async () => {
+    // Opening, moving, closing and deep links of the lightbox itself: gallery.test.mjs.
+    test('the lightbox crosses both groups of cells, showing each caption, the fragment following', async () => {
         const page = await open(mode.browser, grid('columns6', { tfRGMaxColumns: 6 }));
         await page.locator('.klovlImage a[href$="photo02.jpeg"]').click();
         await waitForPhoto(page, big('photo02'));
         assert.deepEqual(await lightbox(page), { open: true, blurred: true, prev: true, next: true, caption: 'photo02' });
-        const img = await page.locator('.klOVlightbox img').boundingBox();
-        assert.ok(img.width > 600 && img.x >= 40 && img.x + img.width <= 1360, JSON.stringify(img));
         // photo01 is in the klovlImage4 group, photo02 and photo03 in the klovlImage one.
         for (const [action, name] of [['ArrowLeft', 'photo01'], ['.klOVlightbox_nav_next', 'photo02'],
             ['ArrowRight', 'photo03'], ['.klOVlightbox_nav_prev', 'photo02'], ['ArrowLeft', 'photo01']]) {
@@ -106,24 +105,12 @@ bothWays((mode) => {
             assert.equal(address(page), `index.html#photo=${name}.jpeg`);
         }
         assert.equal((await lightbox(page)).prev, false, 'photo01 is the first of the page');
-        for (const name of ['photo02', 'photo03', 'photo04', 'photo05', 'photo06', 'photo07', 'photo08']) {
-            await page.keyboard.press('ArrowRight');
-            await waitForPhoto(page, big(name));
-        }
-        assert.equal((await lightbox(page)).next, false, 'photo08 is the last');
-        await page.keyboard.press('Escape');
-        assert.equal((await lightbox(page)).open, false);
-        assert.equal(page.url(), pageUrl(pages.columns6), 'closing removes the fragment');
         // Opened from the highlighted landscape cell, the lightbox goes on into the other group.
+        await page.keyboard.press('Escape');
         await page.locator('.klovlImage4 a').click();
         await waitForPhoto(page, big('photo01'));
         await page.keyboard.press('ArrowRight');
         await waitForPhoto(page, big('photo02'));
-        // A deep link opens its photo.
-        await page.goto('about:blank');
-        await page.goto(`${pageUrl(pages.columns6)}#photo=photo03.jpeg`);
-        await waitForPhoto(page, big('photo03'));
-        assert.deepEqual(await lightbox(page), { open: true, blurred: true, prev: true, next: true, caption: 'photo03' });
         assert.deepEqual(page.errors, []);
         await page.close();
     });
