@@ -90,14 +90,6 @@ inline QList<PhotoEntry> entries(const QStringList& paths, const QStringList& de
     return photos;
 }
 
-// The alerts shown, one "title|description[|stops]" line each.
-inline QString alerts(const RecordingUserInterface& ui) {
-    QString text;
-    for (const auto& a : ui.alerts)
-        text += a.title + "|" + a.description + (a.stopsRun ? "|stops\n" : "\n");
-    return text;
-}
-
 // "|" stands for a line feed and "[f]" for the font line of the family "Exo 2".
 inline QString text(QString t) {
     return t.replace('|', '\n').replace("[f]", "font-family: 'Exo 2', sans-serif;\n");
