@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
-#include <QDate>
 #include <QFile>
 #include <QLabel>
 #include <QLineEdit>
@@ -75,9 +74,10 @@ TEST(PresetsPanelTest, AddLoadRemoveExportImport) {
     EXPECT_EQ(listed(list), QStringList({"Summer_[x]"}));
 }
 
-// A damaged database is named with its fault above an empty list, never written to, and moved
-// aside by the panel's offer where that cures it; a stored preset that cannot be read is listed
-// as damaged and refused with its reason while the others load.
+// A damaged database is named with its fault above an empty list and moved aside by the panel's
+// offer where that cures it (that nothing writes to it and what moving keeps: tests/presets); a
+// stored preset that cannot be read is listed as damaged and refused with its reason while the
+// others load.
 TEST(PresetsPanelTest, DamageIsShownAndMovedAside) {
     using namespace presetfixtures;
     dbViewController::lockWaitMs = 200;
@@ -88,7 +88,6 @@ TEST(PresetsPanelTest, DamageIsShownAndMovedAside) {
         savePresets(db, {"A"});
         Damaged damaged(db, c.name);
         if (!damaged.skipped.isEmpty()) continue;  // said by the presets tests
-        const QString before = Damaged::state(db);
         RecordingUserInterface ui;
         PresetsPanel panel("gallery", settings, ui, db);
         panel.refreshList();
@@ -103,11 +102,8 @@ TEST(PresetsPanelTest, DamageIsShownAndMovedAside) {
         panel.findChild<QPushButton*>("btAddPreset")->click();
         ASSERT_EQ(ui.alerts.size(), 1u);
         EXPECT_TRUE(ui.alerts[0].description.startsWith(expected));
-        EXPECT_EQ(Damaged::state(db), before);
         if (!c.movable) continue;
         repair->click();
-        const QString movedTo = db + ".damaged-" + QDate::currentDate().toString(Qt::ISODate);
-        EXPECT_EQ(Damaged::state(movedTo), before);
         EXPECT_TRUE(problem->isHidden() && repair->isHidden());
         panel.findChild<QPushButton*>("btAddPreset")->click();
         EXPECT_EQ(listed(panel.findChild<QListWidget*>("myPresetsTableView")), QStringList{"New"});

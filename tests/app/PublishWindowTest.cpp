@@ -57,8 +57,8 @@ TEST(PublishWindow, PublishesTheOutputFolderAndRemembersWhere) {
                                              ": 2 sent, 0 removed, 0 unchanged.\n"
                                              "The server holds the whole site."))
         << dialog->summary().toStdString();
-    EXPECT_EQ(readFile(dir + "server/images/a.jpg"), "jpeg bytes");
-    EXPECT_EQ(readFile(dir + "server/index.html"), "<img src=images/a.jpg>");
+    EXPECT_EQ(readFile(dir + "server/index.html"),
+              "<img src=images/a.jpg>");  // every file: tests/publish
     EXPECT_TRUE(ui.alerts.empty());
     EXPECT_EQ(PublishDialog::destinationsFor(site).value(0), destination);
 

@@ -88,8 +88,7 @@ TEST(ToolsWindowTest, ColourEffectsRefuseThePhotosFolderAndWriteElsewhere) {
     EXPECT_EQ(panel.batch->logLines(),
               (QStringList{file + ": OK",
                            dir + "b.PNG: skipped (not a tif, tiff, jpg, jpeg or png file name)"}));
-    const QImage sepia(dir + "out/a.jpg");
-    ASSERT_FALSE(sepia.isNull());
+    const QImage sepia(dir + "out/a.jpg");  // the effect chosen, not another
     EXPECT_GT(qRed(sepia.pixel(30, 20)), qBlue(sepia.pixel(30, 20)) + 20);
 }
 

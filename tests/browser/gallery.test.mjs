@@ -7,8 +7,8 @@ import fs from 'node:fs';
 import path from 'node:path';
 import { before, test } from 'node:test';
 import {
-    act, address, bothWays, contrastOf, distorted, freshDir, generate, lightbox, lightboxLooks,
-    makePhotos, onScreens, open, outputRoot, pageUrl, settled, sourceDir, waitForPhoto,
+    act, address, bothWays, contrast, expectLightbox, freshDir, generate, lightbox, makePhotos, onScreens,
+    open, openLoaded, outputRoot, pageUrl, settled, sourceDir, waitForPhoto,
 } from './support.mjs';
 
 const ODD = ['a#b', 'what?', '100%', 'two words', 'semi;colon', 'Ünïcødé', 'amp&er', 'plain-name_1'];
@@ -49,10 +49,11 @@ const big = (name) => `KLimages_b/${name}.jpeg`;
 bothWays((mode) => {
     const load = (file, options) => open(mode.browser, file, options);
 
-    test('a click on a thumbnail opens its big image, fitted in the window; Escape or a click beside closes it', async () => {
+    test('a thumbnail opens its big image, fitted; buttons, keys and swipes move, the fragment following; the close button, Escape or a click beside close it', async () => {
         const page = await load(site.plain);
         // The page runs on the real jQuery when it loaded and on its own script when not.
         assert.equal(await page.evaluate(() => window.jQuery.fn.jquery), mode.offline ? undefined : '1.9.1');
+        const entries = await page.evaluate(() => history.length);
         await page.locator('.klOVimg a').nth(1).click();
         await waitForPhoto(page, big('photo02'));
         assert.deepEqual(await lightbox(page), shows(true, true));
@@ -61,17 +62,6 @@ bothWays((mode) => {
         await page.screenshot({ path: path.join(outputRoot, 'lightbox-open.png') });
         await page.keyboard.press('Escape');
         assert.deepEqual(await lightbox(page), { open: false, blurred: false, prev: false, next: false, caption: null });
-        await page.locator('.klOVimg a').first().click();
-        await waitForPhoto(page, big('photo01'));
-        await page.mouse.click(5, 400);
-        assert.equal((await lightbox(page)).open, false);
-        assert.deepEqual(page.errors, []);
-        await page.close();
-    });
-
-    test('buttons, arrow keys and swipes move through the photos, the fragment following', async () => {
-        const page = await load(site.plain);
-        const entries = await page.evaluate(() => history.length);
         await page.locator('.klOVimg a').first().click();
         await waitForPhoto(page, big('photo01'));
         assert.equal((await lightbox(page)).prev, false, 'no previous button on the first photo');
@@ -89,6 +79,10 @@ bothWays((mode) => {
         assert.equal((await lightbox(page)).open, false);
         assert.equal(page.url(), pageUrl(site.plain), 'closing removes the fragment, "#" too');
         assert.equal(await page.evaluate(() => history.length), entries, 'no history entry per photo');
+        await page.locator('.klOVimg a').first().click();
+        await waitForPhoto(page, big('photo01'));
+        await page.mouse.click(5, 400);
+        assert.equal((await lightbox(page)).open, false);
         assert.deepEqual(page.errors, []);
         await page.close();
     });
@@ -113,21 +107,15 @@ bothWays((mode) => {
         await page.close();
     });
 
-    test('the captioned variant shows the title as text', async () => {
+    test('the captioned variant shows the titles as text, markup too', async () => {
         const page = await load(site.captioned);
-        const title = await page.locator('.klOVimg a').nth(1).getAttribute('title');
-        assert.ok(title.includes('photo02'), title);
+        await page.evaluate(() => document.querySelectorAll('.klOVimg a')[1].setAttribute('title', '<b>bold</b> & co'));
         await page.locator('.klOVimg a').nth(1).click();
         await waitForPhoto(page, big('photo02'));
-        assert.equal((await lightbox(page)).caption, title);
+        assert.equal((await lightbox(page)).caption, '<b>bold</b> & co', 'markup in a title stays text');
         await page.keyboard.press('ArrowRight');
         await waitForPhoto(page, big('photo03'));
-        assert.ok((await lightbox(page)).caption.includes('photo03'));
-        await page.keyboard.press('Escape');
-        await page.evaluate(() => document.querySelector('.klOVimg a').setAttribute('title', '<b>bold</b> & co'));
-        await page.locator('.klOVimg a').first().click();
-        await waitForPhoto(page, big('photo01'));
-        assert.equal((await lightbox(page)).caption, '<b>bold</b> & co', 'markup in a title stays text');
+        assert.equal((await lightbox(page)).caption, await page.locator('.klOVimg a').nth(2).getAttribute('title'));
         await page.close();
     });
 
@@ -240,10 +228,7 @@ bothWays((mode) => {
 // an image with the pixels the screen has.
 onScreens((mode) => {
     test('the default gallery and its lightbox', async () => {
-        const page = await open(mode.browser, site.looks);
-        await page.waitForFunction(() => [...document.images].every((i) => i.complete));
-        await settled(page);
-        assert.deepEqual(await distorted(page, '.klOVimg img'), []);
+        const page = await openLoaded(mode, site.looks, '.klOVimg img');
         const m = await page.evaluate(() => {
             const imgs = [...document.querySelectorAll('.klOVimg img')];
             const boxes = imgs.map((i) => i.getBoundingClientRect());
@@ -259,26 +244,13 @@ onScreens((mode) => {
         assert.ok(Math.abs(m.left - m.right) <= 24, `margins ${m.left} and ${m.right}`);
         assert.ok(m.headingTop >= 16, `heading at ${m.headingTop}`);
         assert.ok(m.sharpness >= Math.min(1.5, mode.screen.deviceScaleFactor), `thumbnails: ${m.sharpness} px a CSS px`);
-        const contrast = await contrastOf(page, '.klOVdescription');
-        assert.ok(contrast >= 4.5, `caption contrast ${contrast}`);
+        const ratio = await contrast(page, '.klOVdescription');
+        assert.ok(ratio >= 4.5, `caption contrast ${ratio}`);
         await page.screenshot({ path: path.join(outputRoot, `looks-${mode.screen.name}.png`), fullPage: true });
 
         const requested = [];
         page.on('request', (r) => requested.push(decodeURIComponent(r.url())));
-        await page.locator('.klOVimg a').nth(2).click();
-        await waitForPhoto(page, big('Dune'));
-        // As many image pixels a CSS pixel as the screen has, up to 1.5 and the photo's own size.
-        await page.waitForFunction(([need, width]) => {
-            const img = document.querySelector('.klOVlightbox img');
-            return img.naturalWidth >= Math.min(need * img.clientWidth, width) - 1;
-        }, [Math.min(1.5, mode.screen.deviceScaleFactor), own.Dune], { timeout: 10000 });
-        const box = await lightboxLooks(page);
-        assert.equal(box.counter, '3 / 12');
-        if (mode.phone) assert.ok(box.width >= 0.85 * box.window.width, JSON.stringify(box));
-        else assert.ok(box.width >= 0.8 * box.window.width || box.height >= 0.8 * box.window.height, JSON.stringify(box));
-        assert.equal(box.buttons.length, 3);
-        for (const b of box.buttons) assert.ok(b.size >= 28 && b.opacity === '1', JSON.stringify(b));
-        assert.ok(box.captionFont >= 14, `caption ${box.captionFont}px`);
+        await expectLightbox(page, mode, { link: '.klOVimg a >> nth=2', big: big('Dune'), width: own.Dune, counter: '3 / 12' });
         for (const name of ['Blinds', 'FreshFlower']) {  // the photos before and after
             assert.ok(requested.some((url) => new RegExp(`KLimages_b(2x)?/${name}\\.jpeg$`).test(url)), name);
         }

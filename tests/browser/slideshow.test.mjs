@@ -7,7 +7,7 @@ import fs from 'node:fs';
 import path from 'node:path';
 import { after, before, test } from 'node:test';
 import { chromium } from 'playwright-core';
-import { act, freshDir, generate, makePhotos, outputRoot, pageUrl } from './support.mjs';
+import { act, contrast, freshDir, generate, makePhotos, outputRoot, pageUrl } from './support.mjs';
 
 const box = { tfSsImageWidth: 400, tfSsImageHeight: 300, cbSsExifUC: 1, tfSsMetaDataToShow: 'Show Filename' };
 const shows = {};  // page files
@@ -146,35 +146,6 @@ test('offline at both sizes: every image from the output folder, slides at their
         await page.context().close();
     }
 });
-
-// The lowest WCAG contrast between the text of `element` and each pixel behind it: a screenshot
-// of the text's box with the text made transparent.
-async function contrast(page, element) {
-    const [colour, clip] = await element.evaluate((el) => {
-        const range = document.createRange();
-        range.selectNodeContents(el);
-        const { x, y, width, height } = range.getBoundingClientRect();
-        const colour = getComputedStyle(el).color;
-        Object.assign(el.style, { color: 'transparent', textShadow: 'none' });
-        return [colour, { x, y, width, height }];
-    });
-    const png = (await page.screenshot({ clip, scale: 'css' })).toString('base64');
-    return page.evaluate(async ([colour, png]) => {
-        const luminance = (rgb) => rgb.map((v) => v / 255).map((v) => (v <= 0.03928 ? v / 12.92 : ((v + 0.055) / 1.055) ** 2.4))
-            .reduce((sum, v, i) => sum + v * [0.2126, 0.7152, 0.0722][i], 0);
-        const image = await createImageBitmap(await (await fetch(`data:image/png;base64,${png}`)).blob());
-        const context = new OffscreenCanvas(image.width, image.height).getContext('2d');
-        context.drawImage(image, 0, 0);
-        const pixels = context.getImageData(0, 0, image.width, image.height).data;
-        const text = luminance(colour.match(/\d+/g).slice(0, 3).map(Number));
-        let lowest = Infinity;
-        for (let i = 0; i < pixels.length; i += 4) {
-            const l = luminance([pixels[i], pixels[i + 1], pixels[i + 2]]);
-            lowest = Math.min(lowest, (Math.max(l, text) + 0.05) / (Math.min(l, text) + 0.05));
-        }
-        return lowest;
-    }, [colour, png]);
-}
 
 test('captions and the counter keep a contrast of 3:1 over a white and a black photo, light or dark', async () => {
     for (const device of Object.keys(devices)) {

@@ -1,6 +1,7 @@
 // Shared helpers of the browser tests: synthetic photos, generation through the program, and a
 // Chromium that sees the files on disk and either nothing else or the two CDNs the pages use
 // (served locally), with what a user sees of the lightbox.
+import assert from 'node:assert/strict';
 import { execFileSync } from 'node:child_process';
 import fs from 'node:fs';
 import os from 'node:os';
@@ -107,64 +108,36 @@ export function onScreens(body) {
     }
 }
 
-// Photos whose drawn shape is more than 6 % off their own, unless cut by object-fit.
-export const distorted = (page, selector) => page.$$eval(selector, (imgs) => imgs.map((img) => {
-    const r = img.getBoundingClientRect();
-    const fit = getComputedStyle(img).objectFit;
-    const off = Math.abs((r.width / r.height) / (img.naturalWidth / img.naturalHeight) - 1);
-    return { src: img.getAttribute('src'), off, fit };
-}).filter((d) => d.off > 0.06 && d.fit !== 'cover' && d.fit !== 'contain'));
-
-// What the open lightbox shows, measured: the photo's box and image pixels, the buttons, the
-// counter and the caption's font size.
-export const lightboxLooks = (page) => page.evaluate(() => {
-    const box = document.querySelector('.klOVlightbox');
-    const img = box.querySelector('img');
-    const r = img.getBoundingClientRect();
-    const buttons = [...box.querySelectorAll('.klOVlightbox_button')]
-        .filter((b) => getComputedStyle(b).display !== 'none')
-        .map((b) => ({ size: Math.min(b.offsetWidth, b.offsetHeight), opacity: getComputedStyle(b).opacity }));
-    const caption = box.querySelector('.klOVlightbox_caption p');
-    return {
-        width: r.width, height: r.height, natural: img.naturalWidth, src: img.getAttribute('src'),
-        window: { width: innerWidth, height: innerHeight }, buttons,
-        counter: box.querySelector('.klOVlightbox_counter')?.textContent,
-        captionFont: caption && getComputedStyle(caption.parentNode).display !== 'none'
-            ? parseFloat(getComputedStyle(caption).fontSize) : null,
-    };
-});
-
-// The WCAG contrast between the text of an element and what lies behind it, from a screenshot:
-// the commonest colour of its box is the background, the pixel farthest from it the text.
-export async function contrastOf(page, selector) {
-    const shot = await page.locator(selector).first().screenshot();
-    return page.evaluate(async (data) => {
-        const image = new Image();
-        image.src = `data:image/png;base64,${data}`;
-        await image.decode();
-        const canvas = Object.assign(document.createElement('canvas'), { width: image.width, height: image.height });
-        const context = canvas.getContext('2d');
+// The lowest WCAG contrast between the text of an element (a selector's first, or a locator) and
+// any pixel behind it: a screenshot of the text's box with the text made transparent.
+export async function contrast(page, element) {
+    if (typeof element === 'string') element = page.locator(element).first();
+    const [colour, clip] = await element.evaluate((el) => {
+        const range = document.createRange();
+        range.selectNodeContents(el);
+        const { x, y, width, height } = range.getBoundingClientRect();
+        const all = [el, ...el.querySelectorAll('*')];
+        const text = all.find((e) => [...e.childNodes].some((n) => n.nodeType === 3 && n.textContent.trim())) || el;
+        const colour = getComputedStyle(text).color;
+        for (const e of all) Object.assign(e.style, { color: 'transparent', textShadow: 'none' });
+        return [colour, { x, y, width, height }];
+    });
+    const png = (await page.screenshot({ clip, scale: 'css' })).toString('base64');
+    return page.evaluate(async ([colour, png]) => {
+        const luminance = (rgb) => rgb.map((v) => v / 255).map((v) => (v <= 0.03928 ? v / 12.92 : ((v + 0.055) / 1.055) ** 2.4))
+            .reduce((sum, v, i) => sum + v * [0.2126, 0.7152, 0.0722][i], 0);
+        const image = await createImageBitmap(await (await fetch(`data:image/png;base64,${png}`)).blob());
+        const context = new OffscreenCanvas(image.width, image.height).getContext('2d');
         context.drawImage(image, 0, 0);
-        const px = context.getImageData(0, 0, image.width, image.height).data;
-        const lum = (i) => [0, 1, 2].map((k) => px[i + k] / 255)
-            .map((c) => (c <= 0.03928 ? c / 12.92 : ((c + 0.055) / 1.055) ** 2.4))
-            .reduce((sum, c, k) => sum + c * [0.2126, 0.7152, 0.0722][k], 0);
-        const counts = new Map();
-        for (let i = 0; i < px.length; i += 4) {
-            const key = (px[i] << 16) | (px[i + 1] << 8) | px[i + 2];
-            counts.set(key, (counts.get(key) || 0) + 1);
+        const pixels = context.getImageData(0, 0, image.width, image.height).data;
+        const text = luminance(colour.match(/\d+/g).slice(0, 3).map(Number));
+        let lowest = Infinity;
+        for (let i = 0; i < pixels.length; i += 4) {
+            const l = luminance([pixels[i], pixels[i + 1], pixels[i + 2]]);
+            lowest = Math.min(lowest, (Math.max(l, text) + 0.05) / (Math.min(l, text) + 0.05));
         }
-        const commonest = [...counts.entries()].sort((a, b) => b[1] - a[1])[0][0];
-        const back = [commonest >> 16, (commonest >> 8) & 255, commonest & 255].map((c) => c / 255)
-            .map((c) => (c <= 0.03928 ? c / 12.92 : ((c + 0.055) / 1.055) ** 2.4))
-            .reduce((sum, c, k) => sum + c * [0.2126, 0.7152, 0.0722][k], 0);
-        let best = 1;
-        for (let i = 0; i < px.length; i += 4) {
-            const l = lum(i);
-            best = Math.max(best, (Math.max(l, back) + 0.05) / (Math.min(l, back) + 0.05));
-        }
-        return best;
-    }, shot.toString('base64'));
+        return lowest;
+    }, [colour, png]);
 }
 
 // Opens a page (with `hash` in its address) once its lightbox script is ready, unless it has
@@ -216,3 +189,54 @@ export const act = (page, action) => {
         fire('touchend', [], [touch(500 + d)]);
     }, action);
 };
+
+// Opens a page on a screen of onScreens once its images have loaded, and checks that none of
+// `images` is drawn more than 6 % off its photo's shape (unless cut to fit by object-fit).
+export async function openLoaded(mode, file, images) {
+    const page = await open(mode.browser, file);
+    await page.waitForFunction(() => [...document.images].every((i) => i.complete));
+    await settled(page);
+    const distorted = await page.$$eval(images, (imgs) => imgs.map((img) => {
+        const r = img.getBoundingClientRect();
+        const fit = getComputedStyle(img).objectFit;
+        const off = Math.abs((r.width / r.height) / (img.naturalWidth / img.naturalHeight) - 1);
+        return { src: img.getAttribute('src'), off, fit };
+    }).filter((d) => d.off > 0.06 && d.fit !== 'cover' && d.fit !== 'contain'));
+    assert.deepEqual(distorted, []);
+    return page;
+}
+
+// Opens the lightbox from the link `link` to the big image `big` (of a photo `width` pixels wide)
+// and checks what the user of the screen sees: as many image pixels a CSS pixel as the screen has
+// (up to 1.5 and the photo's own), the image taking the screen, three buttons of at least 28 px
+// at full opacity, the counter, and a caption of at least 14 px at a contrast of 4.5:1.
+export async function expectLightbox(page, mode, { link, big, width, counter }) {
+    await page.locator(link).click();
+    await waitForPhoto(page, big);
+    await page.waitForFunction(([need, own]) => {
+        const img = document.querySelector('.klOVlightbox img');
+        return img.naturalWidth >= Math.min(need * img.clientWidth, own) - 1;
+    }, [Math.min(1.5, mode.screen.deviceScaleFactor), width], { timeout: 10000 });
+    const box = await page.evaluate(() => {
+        const lightbox = document.querySelector('.klOVlightbox');
+        const r = lightbox.querySelector('img').getBoundingClientRect();
+        const caption = lightbox.querySelector('.klOVlightbox_caption p');
+        return {
+            width: r.width, height: r.height, window: { width: innerWidth, height: innerHeight },
+            buttons: [...lightbox.querySelectorAll('.klOVlightbox_button')]
+                .filter((b) => getComputedStyle(b).display !== 'none')
+                .map((b) => ({ size: Math.min(b.offsetWidth, b.offsetHeight), opacity: getComputedStyle(b).opacity })),
+            counter: lightbox.querySelector('.klOVlightbox_counter')?.textContent,
+            captionFont: caption && getComputedStyle(caption.parentNode).display !== 'none'
+                ? parseFloat(getComputedStyle(caption).fontSize) : null,
+        };
+    });
+    assert.equal(box.counter, counter);
+    if (mode.phone) assert.ok(box.width >= 0.85 * box.window.width, JSON.stringify(box));
+    else assert.ok(box.width >= 0.8 * box.window.width || box.height >= 0.8 * box.window.height, JSON.stringify(box));
+    assert.equal(box.buttons.length, 3);
+    for (const b of box.buttons) assert.ok(b.size >= 28 && b.opacity === '1', JSON.stringify(b));
+    assert.ok(box.captionFont >= 14, `caption ${box.captionFont}px`);
+    const ratio = await contrast(page, '.klOVlightbox_caption');
+    assert.ok(ratio >= 4.5, `caption contrast ${ratio}`);
+}

@@ -13,7 +13,7 @@ TEST(ToolsCli, WatermarkPrintsOneStatusLinePerFile) {
     fixtures::save(fixtures::solid(200, 100, {128, 128, 128}), dir + "a.png");
     fixtures::save(fixtures::solid(200, 100, {128, 128, 128}), dir + "b.jpg");
     fixtures::save(fixtures::solid(20, 10, {255, 0, 0}), dir + "mark.png");
-    fixtures::writeBytes(dir + "notes.jpg", "plain words");
+    testsupport::writeFile(dir + "notes.jpg", "plain words");
     EXPECT_EQ(
         orvellaOut(1, {"watermark", "text", "--out", dir + "out", "--set", "tfFontSize=30", "--set",
                        "tvWaterMarkText=Orvella", dir + "a.png", dir + "b.jpg", dir + "notes.jpg"}),
@@ -53,7 +53,7 @@ TEST(ToolsCli, MetaReadsAndWritesComments) {
     const QString dir = testsupport::freshDir("cli-meta");
     const QString photo = metafixtures::makeImage(dir + "harbour.jpg");
     metafixtures::tag(photo, {"-UserComment= Sunset", "-IPTC:City=Lyon"});
-    fixtures::writeBytes(dir + "notes.jpg", "plain words");
+    testsupport::writeFile(dir + "notes.jpg", "plain words");
     EXPECT_EQ(orvellaOut(0, {"meta", "get", photo, "IPTC Description", "IPTC City",
                              "IPTC Description", "Show Filename", "EXIF User Comment"}),
               "\nLyon\nLyon\nharbour.jpg\n Sunset\n");

@@ -29,20 +29,6 @@ inline QString makePhoto(const QString& dir, const QString& name, int w, int h) 
     return dir + name;
 }
 
-// A photo stored w x h, red on the left and blue on the right, whose EXIF orientation turns it a
-// quarter clockwise for viewing: upright it is h x w, red on top.
-inline QString turnedPhoto(const QString& dir, const QString& name, int w, int h) {
-    QDir().mkpath(dir);
-    const vips::VImage x = vips::VImage::xyz(w, h)[0];
-    fixtures::save(fixtures::srgb((x < w / 2).ifthenelse(fixtures::Pixel{220, 0, 0},
-                                                         fixtures::Pixel{0, 0, 220})),
-                   dir + name);
-    testsupport::runProgram("exiftool",
-                            {"-q", "-overwrite_original", "-n", "-Orientation=6", dir + name});
-    EXPECT_EQ(testsupport::exiftool(dir + name, "Orientation"), "Rotate 90 CW");
-    return dir + name;
-}
-
 // The strongest of red, green and blue at a point of an image file: "r", "g" or "b".
 inline QString colourAt(const QString& path, int x, int y) {
     const fixtures::Pixel p = fixtures::pixel(path, x, y);
@@ -53,12 +39,6 @@ inline QString colourAt(const QString& path, int x, int y) {
 inline QString header(const QString& path) {
     const auto [w, h] = fixtures::sizeOf(path);
     return QStringLiteral("%1x%2 ").arg(w).arg(h) + QString::fromStdString(fixtures::loader(path));
-}
-
-// Whether an image no longer says it is turned.
-inline bool upright(const QString& path) {
-    const QString orientation = testsupport::exiftool(path, "Orientation");
-    return orientation.isEmpty() || orientation == u"Horizontal (normal)";
 }
 
 // What a run's plan says before anything is written: "stops " and the title of a refusal, or a
@@ -88,14 +68,6 @@ inline QList<PhotoEntry> entries(const QStringList& paths, const QStringList& de
     for (int i = 0; i < paths.size(); ++i)
         photos.append({QUrl::fromLocalFile(paths[i]), descriptions.value(i), "H", 1});
     return photos;
-}
-
-// The alerts shown, one "title|description[|stops]" line each.
-inline QString alerts(const RecordingUserInterface& ui) {
-    QString text;
-    for (const auto& a : ui.alerts)
-        text += a.title + "|" + a.description + (a.stopsRun ? "|stops\n" : "\n");
-    return text;
 }
 
 // "|" stands for a line feed and "[f]" for the font line of the family "Exo 2".

@@ -20,10 +20,10 @@ RunResult run(const QString& kind, const QString& dir, const QStringList& paths,
                                         RunOptions{.destination = dir, .threads = threads});
 }
 
-// Every file of a run (the hidden run record aside) by relative path.
+// Every file of a run but the run record (which holds times) by relative path.
 QMap<QString, QByteArray> contents(const QString& dir) {
-    QMap<QString, QByteArray> files;
-    for (const QString& f : filesUnder(dir)) files.insert(f, testsupport::readFile(dir + f));
+    QMap<QString, QByteArray> files = testsupport::contentsUnder(dir);
+    files.remove(RunManifest::kFileName);
     return files;
 }
 
@@ -80,6 +80,7 @@ TEST(RunSite, RunsAtOnceMatchTheirSingleRunsAndNameBadPhotos) {
         SilentUserInterface ui;
         const RunResult result = run(runs[i], dir, photos, ui, 1);
         EXPECT_TRUE(result.ok && !result.cancelled && QFile::exists(result.firstPage));
+        EXPECT_TRUE(QDir(dir + "KLovPatterns").exists());  // made with every run, a pattern or not
         QStringList named;
         for (const QString& failure : result.failures)
             named.append(QFileInfo(failure.section(": ", 0, 0)).fileName());

@@ -6,19 +6,19 @@
 // operation: the failure result, nothing written, nothing changed, no crash.
 TEST(BadInput, EveryOperationFailsQuietlyAndWritesNothing) {
     const QString dir = testsupport::freshDir(QStringLiteral("bad-input"));
-    fixtures::writeBytes(dir + "zero.jpg", {});
+    testsupport::writeFile(dir + "zero.jpg", {});
     QByteArray noise(20000, '\0');
     QRandomGenerator random(7);
     for (char& c : noise) c = char(random.bounded(256));
-    fixtures::writeBytes(dir + "noise.jpg", noise);
-    fixtures::writeBytes(dir + "text.png", "this is not a picture\n");
+    testsupport::writeFile(dir + "noise.jpg", noise);
+    testsupport::writeFile(dir + "text.png", "this is not a picture\n");
     fixtures::save(fixtures::coordinates(600, 400), dir + "truncated.jpg");
     QFile::resize(dir + "truncated.jpg", QFileInfo(dir + "truncated.jpg").size() / 3);
     QDir().mkpath(dir + "folder.jpg");
     fixtures::save(vips::VImage::black(20000, 20000), dir + "huge.png[bitdepth=1]");  // 400 MP
-    fixtures::writeBytes(dir + "zerosided.gif", QByteArray("GIF89a\0\0\x64\0\0\0\0;", 14));
-    fixtures::writeBytes(dir + "a.psd", "never read");
-    fixtures::writeBytes(dir + "b.PDF", "never read");
+    testsupport::writeFile(dir + "zerosided.gif", QByteArray("GIF89a\0\0\x64\0\0\0\0;", 14));
+    testsupport::writeFile(dir + "a.psd", "never read");
+    testsupport::writeFile(dir + "b.PDF", "never read");
     const std::pair<QString, QString> cases[] = {
         {"zero.jpg", "Failed"},      {"noise.jpg", "Failed"},     {"text.png", "Failed"},
         {"truncated.jpg", "Failed"}, {"folder.jpg", "Failed"},    {"missing.jpg", "Failed"},
@@ -39,9 +39,10 @@ TEST(BadInput, EveryOperationFailsQuietlyAndWritesNothing) {
         EXPECT_EQ(colours.convertColorTo(source, out, "4"), "OK");
         EXPECT_EQ(colours.enhanceColorTo(source, out, "1", 0.5f), "OK");
         EXPECT_EQ(colours.hApplyGaussianBlur(source, 3.0f), "OK");
-        const QByteArray bytes = fixtures::bytesOf(source);  // a frame leaves the file as it was
+        const QByteArray bytes =
+            testsupport::readFile(source);  // a frame leaves the file as it was
         EXPECT_EQ(images.addBorderToImage2(source, Qt::red, 10), result);
-        EXPECT_EQ(fixtures::bytesOf(source), bytes);
+        EXPECT_EQ(testsupport::readFile(source), bytes);
         // a conversion writes nothing but still removes the working file
         const QString work = dir + "work." + QFileInfo(source).suffix();
         for (const QString format : {"png", "tiff", "bmp", "gif", "jpeg", "jp2", "pdf"}) {

@@ -89,9 +89,9 @@ TEST(Effects, UnknownCodeRunsThePreviousFilterOnItsOldPhotoBlurWritesNothing) {
         EXPECT_EQ(KLColorConversions().convertColorTo(dir + "a.png", out, code), "OK");
         EXPECT_EQ(KLColorConversions().enhanceColorTo(dir + "a.png", out, code, 1), "OK");
     }
-    const QByteArray bytes = fixtures::bytesOf(dir + "a.png");
+    const QByteArray bytes = testsupport::readFile(dir + "a.png");
     EXPECT_EQ(colours.hApplyGaussianBlur(dir + "a.png", 5.0f), "OK");
-    EXPECT_EQ(fixtures::bytesOf(dir + "a.png"), bytes);
+    EXPECT_EQ(testsupport::readFile(dir + "a.png"), bytes);
     EXPECT_EQ(QDir(dir).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
               (QStringList{"a.png", "b.png", "out"}));
     EXPECT_TRUE(QDir(out).isEmpty());

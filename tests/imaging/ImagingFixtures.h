@@ -65,14 +65,6 @@ inline std::string loader(const QString& path) {
     return load(path).get_string("vips-loader");
 }
 
-inline void writeBytes(const QString& path, const QByteArray& bytes) {
-    testsupport::writeFile(path, bytes);
-}
-
-inline QByteArray bytesOf(const QString& path) {
-    return testsupport::readFile(path);
-}
-
 inline bool isEmptyDir(const QString& dir) {
     return QDir(dir).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
 }

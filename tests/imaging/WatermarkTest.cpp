@@ -55,27 +55,6 @@ Box changedBox(const vips::VImage& change, double threshold = 8) {
 
 }  // namespace
 
-// The canvas's y axis points up: row 0 is at the top (y = H - th); the offsets turn with the
-// sign of the angle.
-TEST(Watermark, OpacityRuleAndAnchorFormulas) {
-    for (const auto& [percent, opacity] : std::vector<std::pair<int, double>>{
-             {0, 1.0}, {40, 0.4}, {100, 1.0}, {101, 1.0}, {150, 1.0}, {-5, 0.1}, {1, 0.01}})
-        EXPECT_DOUBLE_EQ(KLWatermark::opacity(percent), opacity) << percent;
-    int x = 0, y = 0;
-    EXPECT_FALSE(KLWatermark::anchor(9, 400, 300, 40, 20, 0, 0, 0, &x, &y));
-    EXPECT_FALSE(KLWatermark::anchor(-1, 400, 300, 40, 20, 0, 0, 0, &x, &y));
-    const std::array<int, 6> cases[] = {// position, dx, dy, angle: x, y
-                                        {0, 0, 0, 0, 0, 280},      {2, 0, 0, 0, 359, 280},
-                                        {4, 10, 0, 0, 189, 140},   {4, 10, 0, 30, 179, 130},
-                                        {4, 10, 0, -30, 179, 150}, {4, 3, 7, 45, 186, 137},
-                                        {6, 0, 0, 0, 0, 0},        {7, 5, 5, 0, 184, 5},
-                                        {8, -7, 0, 0, 352, 0},     {3, -1, 0, 0, -1, 140}};
-    for (const auto& [position, dx, dy, angle, ex, ey] : cases) {
-        ASSERT_TRUE(KLWatermark::anchor(position, 400, 300, 41, 20, dx, dy, angle, &x, &y));
-        EXPECT_EQ(std::pair(x, y), std::pair(ex, ey)) << position << " " << angle;
-    }
-}
-
 // The text lands where the grid says, turned about its centre, with its offsets.
 TEST(Watermark, TextLandsOnTheGridAndTheOffsetsTurnWithTheAngle) {
     const QString photo = greyPhoto(testsupport::freshDir("watermark/place"));
@@ -88,7 +67,9 @@ TEST(Watermark, TextLandsOnTheGridAndTheOffsetsTurnWithTheAngle) {
     ASSERT_GT(th, 20);
     const std::array<int, 5> cases[] = {// position, dx, dy: left, top
                                         {8, 0, 0, W - tw, H - th},
+                                        {2, 0, 0, W - tw, 0},
                                         {4, 10, 0, int((W - tw) * 0.5 + 10), H - (H - th) / 2 - th},
+                                        {7, 5, 5, int((W - tw) * 0.5 + 5), H - th - 5},
                                         {6, 15, 20, 15, H - th - 20}};
     for (const auto& [position, dx, dy, left, top] : cases) {
         std::tie(s.position, s.xOffset, s.yOffset) = std::tuple(position, dx, dy);
@@ -98,24 +79,36 @@ TEST(Watermark, TextLandsOnTheGridAndTheOffsetsTurnWithTheAngle) {
             << position;
     }
 
-    // Turned by 30 degrees: a larger box, and dx = 10 moves it 10 down (up when turned by -30).
+    // Turned by 30 degrees: a larger box, which dx = 10 moves 10 down and dy = 10 moves 10 right
+    // (up and left when turned by -30).
     std::tie(s.position, s.xOffset, s.yOffset, s.angle) = std::tuple(4, 0, 0, 30);
     const Box turned = changedBox(changes(stamp(s, photo)));
     EXPECT_GT(turned.height(), th + 5);
-    for (const int angle : {30, -30}) {
-        std::tie(s.xOffset, s.angle) = std::tuple(10, angle);
+    const std::array<int, 5> moves[] = {// dx, dy, angle: right, down
+                                        {10, 0, 30, 0, 10},
+                                        {10, 0, -30, 0, -10},
+                                        {0, 10, 30, 10, 0},
+                                        {0, 10, -30, -10, 0}};
+    for (const auto& [dx, dy, angle, right, down] : moves) {
+        std::tie(s.xOffset, s.yOffset, s.angle) = std::tuple(dx, dy, angle);
         const Box moved = changedBox(changes(stamp(s, photo)));
-        EXPECT_NEAR(moved.left - turned.left, 0, 1) << angle;
-        EXPECT_NEAR(moved.top - turned.top, angle > 0 ? 10 : -10, 1) << angle;
+        EXPECT_NEAR(moved.left - turned.left, right, 1) << dx << " " << dy << " " << angle;
+        EXPECT_NEAR(moved.top - turned.top, down, 1) << dx << " " << dy << " " << angle;
     }
 
-    s.position = 9;  // outside the grid: the copy is written, unchanged
-    EXPECT_EQ(changedBox(changes(stamp(s, photo))).right, -1);
+    for (const int outside : {9, -1}) {  // outside the grid: the copy is written, unchanged
+        s.position = outside;
+        EXPECT_EQ(changedBox(changes(stamp(s, photo))).right, -1) << outside;
+    }
 }
 
 // The opacity is the alpha of the stamped colour and of its shadow: black at the default offsets
-// (2 right, 2 up on the canvas) and blur.
+// (2 right, 2 up on the canvas) and blur. Kept on purpose: 0 and over 100 are opaque, below 0 is
+// 0.1.
 TEST(Watermark, OpacityOfTheTextAndItsShadow) {
+    for (const auto& [percent, opacity] : std::vector<std::pair<int, double>>{
+             {0, 1.0}, {40, 0.4}, {100, 1.0}, {101, 1.0}, {-5, 0.1}, {1, 0.01}})
+        EXPECT_DOUBLE_EQ(KLWatermark::opacity(percent), opacity) << percent;
     const QString photo = greyPhoto(testsupport::freshDir("watermark/opacity"));
     WatermarkSettings s = blockText(60);
     s.fontTransparency = 40;
@@ -137,7 +130,7 @@ TEST(Watermark, SizeZeroIsTwentyFourAndNoChosenFontIsTheSecondOfTheList) {
     const QString photo = greyPhoto(testsupport::freshDir("watermark/fonts"));
     WatermarkSettings s = blockText(0);
     s.text = QStringLiteral("Orvella Qg");
-    auto stamped = [&] { return fixtures::bytesOf(stamp(s, photo)); };
+    auto stamped = [&] { return testsupport::readFile(stamp(s, photo)); };
     const QByteArray zero = stamped();
     s.fontSize = 24;
     EXPECT_EQ(stamped(), zero);
@@ -191,14 +184,14 @@ TEST(Watermark, StatusesFormatsMetadataAndOriginals) {
                                "p3.jpg[profile=p3]", "layers.png"})
         greyPhoto(dir, name);
     QFile::rename(dir + "layers.png", dir + "layers.psd");
-    fixtures::writeBytes(dir + "notes.jpg", "not an image at all");
+    testsupport::writeFile(dir + "notes.jpg", "not an image at all");
     testsupport::runProgram("exiftool", {"-q", "-overwrite_original", "-UserComment=Kept",
                                          dir + "a.jpg", dir + "b.tif", dir + "p3.jpg"});
     testsupport::runProgram("exiftool",
                             {"-q", "-overwrite_original", "-Orientation#=6", dir + "turned.jpg"});
     QHash<QString, QByteArray> before;
     for (const QString& name : QDir(dir).entryList(QDir::Files))
-        before[name] = fixtures::bytesOf(dir + name);
+        before[name] = testsupport::readFile(dir + name);
 
     const std::tuple<QString, QString, std::string> cases[] = {
         // name, status, output's reader
@@ -229,6 +222,6 @@ TEST(Watermark, StatusesFormatsMetadataAndOriginals) {
     // The photos' own folder is refused: nothing is written over an original.
     EXPECT_EQ(KLWatermark(blockText()).setWatermarkText(dir + "a.jpg", dir), "Failed");
     for (auto it = before.cbegin(); it != before.cend(); ++it)
-        EXPECT_EQ(fixtures::bytesOf(dir + it.key()), it.value()) << it.key().toStdString();
+        EXPECT_EQ(testsupport::readFile(dir + it.key()), it.value()) << it.key().toStdString();
     EXPECT_EQ(QDir(dir).entryList(QDir::Files | QDir::Hidden).size(), before.size());
 }

@@ -5,7 +5,6 @@
 // it). The support files are compiled into the program.
 #include <QDateTime>
 #include <QImage>
-#include <functional>
 
 #include "generators/GeneratorFixtures.h"
 #include "generators/common/RunManifest.h"
@@ -44,6 +43,19 @@ RunResult runGallery(const QString& dest, const QStringList& photos, const QStri
               "tfBigCropHeight=0, ifNumberOfColumns=2, ifNumberOfRows=1, " +
               set),
         ui, RunOptions{dest, 2, false, false, rebuild});
+}
+
+// The gallery's images of `photos`, made into a fresh folder with these settings; the folder.
+QString derive(const QStringList& photos, const QString& set,
+               GalleryImageSettings* used = nullptr) {
+    const QString dir = freshDir("gallery-derivatives");
+    const GalleryImageSettings image = cResponsiveDesign::readSettings(store(set), dir).image;
+    for (const char* folder : {"KLimages_s", "KLimages_b", "KLimages_b2x"})
+        QDir().mkpath(dir + folder);
+    for (const QString& photo : photos)
+        EXPECT_EQ(cResponsiveDesign::hScaleImageMaxValueHTML(photo, image), QStringList());
+    if (used) *used = image;
+    return dir;
 }
 
 // The images of these photos, or of all three.
@@ -128,13 +140,7 @@ TEST(GalleryRun, Derivatives) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.set.toStdString());
-        const QString dir = freshDir("gallery-derivatives");
-        const GalleryImageSettings image =
-            cResponsiveDesign::readSettings(store(kSmall + c.set), dir).image;
-        for (const char* folder : {"KLimages_s", "KLimages_b", "KLimages_b2x"})
-            QDir().mkpath(dir + folder);
-        for (const QString& photo : photos)
-            EXPECT_EQ(cResponsiveDesign::hScaleImageMaxValueHTML(photo, image), QStringList());
+        const QString dir = derive(photos, kSmall + c.set);
         for (const auto& [folder, sizes] :
              {std::pair{"KLimages_s/", c.thumbs}, {"KLimages_b/", c.bigs}}) {
             QStringList files, expected;
@@ -169,16 +175,13 @@ TEST(GalleryRun, ThumbnailsArePlainCropsAndTheLargerBigImageDoublesTheBigOne) {
                  {"tfCropThumbXOffset=20, tfCropThumbYOffset=-5", 4, 20, -5}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.set);
-        const QString dir = freshDir("gallery-plain-crop");
-        const GalleryImageSettings image =
-            cResponsiveDesign::readSettings(store("tfSmallCropWidth=160, tfSmallCropHeight=90, "
-                                                  "tfBigCropWidth=400, tfBigCropHeight=0, " +
-                                                  QString(c.set)),
-                                            dir)
-                .image;
-        for (const char* folder : {"KLimages_s", "KLimages_b", "KLimages_b2x"})
-            QDir().mkpath(dir + folder);
-        ASSERT_EQ(cResponsiveDesign::hScaleImageMaxValueHTML(photo, image), QStringList());
+        GalleryImageSettings image;
+        const QString dir =
+            derive({photo},
+                   "tfSmallCropWidth=160, tfSmallCropHeight=90, tfBigCropWidth=400, "
+                   "tfBigCropHeight=0, " +
+                       QString(c.set),
+                   &image);
         const int cw = image.thumb.cropWidth, ch = image.thumb.cropHeight;
         const double scale = std::max(double(cw) / W, double(ch) / H);
         const int boxW = int(cw / scale), boxH = int(ch / scale);
@@ -210,49 +213,21 @@ TEST(GalleryRun, ThumbnailsArePlainCropsAndTheLargerBigImageDoublesTheBigOne) {
 }
 
 TEST(GalleryRerun, KeepsWhatIsUnchangedAndEndsAsAFullRun) {
-    using Change = std::function<void(const QString& dest, const QStringList& photos)>;
-    const Change none = [](const QString&, const QStringList&) {};
     const struct {
-        const char* name;
-        Change change;
+        std::string name;  // what changes between the runs
         QString set;
         QStringList remade;  // images made again; every other file keeps its identity
         size_t alerts = 0;
         bool rebuild = false;
     } cases[] = {
-        {"identical second run", none, "", {}},
-        {"one photo replaced",
-         [](const QString&, const QStringList& p) {
-             QFile::remove(p[1]);
-             QFile::copy(p[3], p[1]);
-         },
-         "", images({"p2"})},
-        {"photo's time changed",
-         [](const QString&, const QStringList& p) {
-             QFile file(p[0]);
-             ASSERT_TRUE(file.open(QIODevice::ReadWrite) &&
-                         file.setFileTime(QDateTime::currentDateTime().addDays(-1),
-                                          QFileDevice::FileModificationTime));
-         },
-         "", images({"p1"})},
-        {"rebuild", none, "", images(), 0, true},
-        {"big image size changed", none, "tfBigCropWidth=100", images()},
-        {"big image deleted",
-         [](const QString& d, const QStringList&) { QFile::remove(d + "KLimages_b/p3.jpeg"); }, "",
-         images({"p3"})},
-        {"thumbnail altered",
-         [](const QString& d, const QStringList&) {
-             QFile file(d + "KLimages_s/p1.jpeg");
-             ASSERT_TRUE(file.open(QIODevice::Append));
-             file.write("x");
-         },
-         "", images({"p1"})},
-        {"record damaged",
-         [](const QString& d, const QStringList&) {
-             testsupport::writeFile(d + RunManifest::kFileName,
-                                    R"({"format": 1, "files": [{"path": "KLimages_b/p1.jpeg")");
-         },
-         "", images(), 1},
+        {"identical second run", "", {}},
+        {"one photo replaced", "", images({"p2"})},
+        {"photo's time changed", "", images({"p1"})},
+        {"rebuild", "", images(), 0, true},
+        {"big image size changed", "tfBigCropWidth=100", images()},
+        {"big image deleted", "", images({"p3"})},
+        {"thumbnail altered", "", images({"p1"})},
+        {"record damaged", "", images(), 1},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
@@ -262,7 +237,23 @@ TEST(GalleryRerun, KeepsWhatIsUnchangedAndEndsAsAFullRun) {
         const RunResult first = runGallery(dest, photos, "", ui);
         ASSERT_TRUE(first.ok && first.failures.isEmpty());
         ASSERT_TRUE(QFile::exists(dest + RunManifest::kFileName));
-        c.change(dest, photos);
+        if (c.name == "one photo replaced") {
+            QFile::remove(photos[1]);
+            QFile::copy(photos[3], photos[1]);
+        } else if (c.name == "photo's time changed") {
+            QFile file(photos[0]);
+            ASSERT_TRUE(file.open(QIODevice::ReadWrite) &&
+                        file.setFileTime(QDateTime::currentDateTime().addDays(-1),
+                                         QFileDevice::FileModificationTime));
+        } else if (c.name == "big image deleted") {
+            QFile::remove(dest + "KLimages_b/p3.jpeg");
+        } else if (c.name == "thumbnail altered") {
+            QFile file(dest + "KLimages_s/p1.jpeg");
+            ASSERT_TRUE(file.open(QIODevice::Append) && file.write("x") == 1);
+        } else if (c.name == "record damaged") {
+            testsupport::writeFile(dest + RunManifest::kFileName,
+                                   R"({"format": 1, "files": [{"path": "KLimages_b/p1.jpeg")");
+        }
         const QMap<QString, RunManifest::FileState> before = identities(dest);
 
         const RunResult second = runGallery(dest, photos, c.set, ui, c.rebuild);

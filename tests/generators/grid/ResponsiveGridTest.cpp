@@ -1,8 +1,6 @@
 // The Responsive Grid, written out here from the rules of the format: the whole stylesheet for each
 // pattern/hover combination and the values computed from the settings, the page, the runs it
-// refuses; then its grid images and a whole run on photos made here, read back with libvips.
-#include <QRegularExpression>
-
+// refuses; then its grid images, read back with libvips. (Whole runs: tests/cli and tests/browser.)
 #include "generators/GeneratorFixtures.h"
 #include "generators/grid/cResponsiveGrid.h"
 
@@ -244,51 +242,4 @@ TEST(GridImages, CellShapeAndLightboxSizes) {
         const auto [lw, lh] = fixtures::sizeOf(out + "KLovImages_b2x/" + output);
         EXPECT_EQ(QStringLiteral("%1x%2 %3x%4").arg(bw).arg(bh).arg(lw).arg(lh), sizes) << name;
     }
-}
-
-// A run of the published photos of a collection: the unpublished photo is absent, highlighted as
-// it is; a photo stored on its side with an EXIF orientation has the cell of its upright shape and
-// an upright grid image (its left half, red, on top); captions come from the photos' metadata.
-TEST(GridRun, FilesCellsAndImages) {
-    const QString src = freshDir("grid-run-src"), dir = freshDir("grid-run");
-    PhotoCollection collection;
-    collection.setCellImageSize(0);
-    const QStringList paths = {
-        makePhoto(src, "wide.png", 400, 300),     makePhoto(src, "tall.png", 300, 400),
-        makePhoto(src, "square.png", 200, 200),   makePhoto(src, "hidden.png", 400, 300),
-        turnedPhoto(src, "turned.jpg", 300, 200), makePhoto(src, "plain.png", 400, 300)};
-    ASSERT_EQ(collection.appendPhotos(paths), paths.size());
-    for (const int row : {0, 1, 2, 3, 4}) collection.setHighlight(row, true);
-    collection.setSelect(3, false);
-    collection.setDescription(0, "<i>");
-    RecordingUserInterface ui;
-    const RunResult result = cResponsiveGrid::hCreateResponsiveGrid(
-        collection.hGetPhotosFromArrayController(),
-        store("cbRgShowMetaData=1, tfRgMetaDataToShow=Show Filename;EXIF User Comment, "
-              "tfRgMetaDataValueSep= / "),
-        ui, {dir, 2, true});
-    ASSERT_TRUE(result.ok && result.failures.isEmpty() && ui.alerts.empty());
-    EXPECT_EQ(result.firstPage, dir + "index.html");
-    EXPECT_EQ(ui.opened, QStringList{"file:///" + dir + "index.html"});
-    EXPECT_TRUE(readText(dir + "index.html")
-                    .contains(text(cells("klovlImage4|wide.jpeg|wide / &lt;i&gt;, "
-                                         "klovlImage klovlImageVertical|tall.jpeg|tall, "
-                                         "klovlImage klovlImageVertical|square.jpeg|square, "
-                                         "klovlImage klovlImageVertical|turned.jpeg|turned, "
-                                         "klovlImage|plain.jpeg|plain"))));
-    QStringList expected = {"KLResponsiveGridCss/klovlResponsiveGrid.css", "index.html"};
-    for (const char* name : {"wide", "tall", "square", "turned", "plain"})
-        for (const char* folder : {"KLovImages", "KLovImages_b", "KLovImages_b2x"})
-            expected << QStringLiteral("%1/%2.jpeg").arg(folder, name);
-    expected.sort();
-    const QStringList files = filesUnder(dir);  // and the nine lightbox files
-    EXPECT_EQ(files.filter(QRegularExpression("^(?!KLovlightbox/)")), expected);
-    EXPECT_EQ(files.filter(QRegularExpression("^KLovlightbox/[^/]+$")).size(), 9);
-    EXPECT_TRUE(QDir(dir + "KLovPatterns").exists());
-    const QString image = dir + "KLovImages/turned.jpeg";
-    EXPECT_EQ(header(dir + "KLovImages/tall.jpeg") + ", " + header(dir + "KLovImages/square.jpeg") +
-                  ", " + header(image),
-              "960x720 jpegload, 960x720 jpegload, 960x720 jpegload");
-    EXPECT_EQ(colourAt(image, 480, 100) + colourAt(image, 480, 620), "rb");
-    EXPECT_TRUE(upright(image));
 }
