@@ -253,6 +253,7 @@ void PublishDialog::start(bool test, bool acceptHostKey, const QString& password
         if (remember && work.result.connected &&
             !PublishPasswords::store(destination.key(), options.credentials.password, &reason))
             work.result.warnings.append(tr("The password was not remembered: %1").arg(reason));
+        ServerConnection::releaseThread();
         return work;
     }));
 }

@@ -2,6 +2,7 @@
 
 #include <curl/curl.h>
 #include <fcntl.h>
+#include <openssl/crypto.h>
 #include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -118,6 +119,10 @@ struct ServerConnection::Private {
     void configure(const QByteArray& url);
     Outcome perform(bool forFile);
 };
+
+void ServerConnection::releaseThread() {
+    OPENSSL_thread_stop();
+}
 
 ServerConnection::ServerConnection(const PublishDestination& destination,
                                    const Credentials& credentials)

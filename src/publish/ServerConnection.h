@@ -59,6 +59,11 @@ class ServerConnection {
     static QString temporaryName(const QString& fileName);
     static QString replacedName(const QString& fileName);
 
+    // Frees what the transfer libraries keep for the calling thread. A pooled worker thread that
+    // made connections calls it when done: left to the thread's end, that freeing can race the
+    // libraries' own clean-up when the process exits.
+    static void releaseThread();
+
   private:
     struct Private;
     std::unique_ptr<Private> d;
