@@ -23,13 +23,12 @@ void quietMessages(QtMsgType type, const QMessageLogContext& context, const QStr
     std::fprintf(stderr, "%s\n", qPrintable(message));
 }
 
-// No arguments (but --verbose), or photos, folders and projects that exist: the window. A
-// command, an option or anything else: the command line, which names what it does not know.
-bool opensWindow(int argc, char** argv) {
-    int first_ = 1;
-    while (first_ < argc && std::strcmp(argv[first_], "--verbose") == 0) ++first_;
-    if (first_ >= argc) return true;
-    const QString first = QString::fromLocal8Bit(argv[first_]);
+// No arguments, or photos, folders and projects that exist: the window. A command, an option or
+// anything else: the command line, which names what it does not know. `arguments` are those after
+// the program's name, --verbose left out.
+bool opensWindow(const std::vector<char*>& arguments) {
+    if (arguments.empty()) return true;
+    const QString first = QString::fromLocal8Bit(arguments.front());
     if (first.startsWith(u'-') || first == u"help") return false;
     for (const cli::Command& command : cli::commands())
         if (command.name == first) return false;
@@ -54,7 +53,7 @@ int main(int argc, char** argv) {
             windowArguments.push_back(argv[i]);
     }
     qInstallMessageHandler(quietMessages);
-    if (opensWindow(argc, argv)) {
+    if (opensWindow({windowArguments.begin() + 1, windowArguments.end()})) {
         windowArguments.push_back(nullptr);
         return runApp(int(windowArguments.size()) - 1, windowArguments.data());
     }

@@ -187,10 +187,6 @@ Picture decode(const QString& path, const PhotoHeader& header, double scale, QSt
     return decodeShrunk(path, header, scale, true, error);
 }
 
-Picture decodeAtLeast(const QString& path, double scale, QString* error) {
-    return decodeShrunk(path, header(path), scale, true, error);
-}
-
 Picture decodeForOneUse(const QString& path, double scale, QString* error) {
     return decodeShrunk(path, header(path), scale, false, error);
 }

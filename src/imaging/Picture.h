@@ -87,8 +87,6 @@ Picture decode(const QString& path, double scale, QString* error = nullptr);
 // The same with the header already read.
 Picture decode(const QString& path, const PhotoHeader& header, double scale,
                QString* error = nullptr);
-// The same; kept for the makers that call it by this name.
-Picture decodeAtLeast(const QString& path, double scale, QString* error = nullptr);
 
 // The same for a photo that makes one derivative only: its pixels are read from the file while
 // that derivative is written, so no copy of the whole photo is held (a photo that must be turned

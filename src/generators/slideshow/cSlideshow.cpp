@@ -35,6 +35,11 @@ QString reference(bool first) {
            QStringLiteral("</div>\n");
 }
 
+// Whether a classic page shows the maker's reference, and so loads the controls' script.
+bool showsReference(const SlideshowSettings& p) {
+    return p.dots || p.buttons;
+}
+
 // From the document start to the opening of the slideshow container; both page kinds share it.
 QString pageStart(const SlideshowSettings& p) {
     QString html = PageText::headPrologue();
@@ -62,7 +67,7 @@ QString classicSlide(const SlideshowSettings& p, int n, int count, const QString
     if (p.photoCount)
         s += "<div class=\"klSsNumbertext\">" + QString::number(n) + " / " +
              QString::number(count) + "</div>\n";
-    if (p.dots || p.buttons) s += reference(n == 1);
+    if (showsReference(p)) s += reference(n == 1);
     s += "<img src=\"KLSsImages/" + PageText::urlSegment(image);
     s += p.responsive
              ? QStringLiteral("\" style=\"width:100%\">\n")
@@ -318,8 +323,8 @@ SitePlan cSlideshow::plan(const SettingsStore& snapshot, const QList<PhotoEntry>
                 return slider ? sliderTexts(p, shown) : classicTexts(p, shown, captions);
             },
         .support = {folders(), QString(), p.patternSource, "KLovPatterns/" + p.patternFileName,
-                    !slider && (p.buttons || p.dots) ? kControlFiles
-                                                     : QList<std::pair<QString, QString>>()},
+                    !slider && showsReference(p) ? kControlFiles
+                                                 : QList<std::pair<QString, QString>>()},
         // Photos with one base name share one slide, the last one made.
         .images =
             [](const QString& photoPath) {
