@@ -39,11 +39,13 @@ Files filesIn(const QString& dir) {
     return files;
 }
 
-// What the server should hold of the site: all but the records.
+// What the server should hold of the site: all but the records, and but the temporary file of a
+// record write that a killed publish left behind.
 Files published(const QString& site) {
     Files files = filesIn(site);
     files.remove(".orvella-manifest");
     files.remove(".orvella-publish");
+    files.removeIf([](const auto& file) { return file.key().startsWith(".orvella-tmp-"); });
     return files;
 }
 
