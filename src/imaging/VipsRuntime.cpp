@@ -1,9 +1,39 @@
 #include "imaging/VipsRuntime.h"
 
+#include <dlfcn.h>
+
 #include <mutex>
 #include <vips/vips8>
 
 #include "services/Log.h"
+
+// liborc up to 0.4.33 frees the code of a compiled program without the lock under which it
+// hands out code memory to a new one. A libvips pipeline dropped on one thread while another
+// builds one (every run does this, one photo per core) can then corrupt orc's list of code memory
+// and crash. libvips asks orc for both through these two calls; defining them here puts every
+// compile and every free under one lock of ours, and forwards to orc's own.
+namespace {
+
+std::mutex orcCodeLock;
+
+template <typename Function>
+Function orcFunction(const char* name) {
+    return reinterpret_cast<Function>(::dlsym(RTLD_NEXT, name));
+}
+
+}  // namespace
+
+extern "C" int orc_program_compile(void* program) {
+    static const auto compile = orcFunction<int (*)(void*)>("orc_program_compile");
+    const std::lock_guard lock(orcCodeLock);
+    return compile(program);
+}
+
+extern "C" void orc_program_free(void* program) {
+    static const auto release = orcFunction<void (*)(void*)>("orc_program_free");
+    const std::lock_guard lock(orcCodeLock);
+    release(program);
+}
 
 namespace VipsRuntime {
 
