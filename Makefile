@@ -17,7 +17,8 @@ DEB_PACKAGES := cmake g++ ninja-build pkg-config qt6-base-dev libvips-dev libvip
 	libfontconfig-dev fonts-dejavu-core \
 	libexiv2-dev libheif-dev libsqlite3-dev sqlite3 libgtest-dev libimage-exiftool-perl \
 	mate-backgrounds chromium time python3 desktop-file-utils man-db groff-base dpkg-dev file \
-	shared-mime-info libcurl4-openssl-dev libssl-dev libsecret-1-dev openssh-server openssh-client vsftpd
+	shared-mime-info libcurl4-openssl-dev libssl-dev libsecret-1-dev openssh-server openssh-client vsftpd \
+	xvfb xauth
 
 .PHONY: all test demo screenshots bench deps npm-deps build-test build-release clean format install uninstall \
 	package
