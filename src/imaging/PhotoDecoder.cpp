@@ -89,6 +89,10 @@ Picture decodeShrunk(const QString& path, const PhotoHeader& known, double scale
             image.get_typeof(VIPS_META_ORIENTATION) != 0 ? image.get_int(VIPS_META_ORIENTATION) : 1;
         image = ImageFileIo::toSrgb8(image, true);
         if (wholeInMemory || orientation != 1) image = image.copy_memory();
+        // An alpha opaque everywhere says nothing: without it the images are made in 8 bits
+        // rather than premultiplied in floating point.
+        if (wholeInMemory && image.bands() == 4 && image.extract_band(3).min() == 255)
+            image = image.extract_band(0, VImage::option()->set("n", 3));
         if (orientation != 1) {
             image = image.autorot().copy_memory();
             markUpright(image);

@@ -6,8 +6,9 @@
 #include <memory>
 
 // A photo or one of its derivatives, decoded in memory: upright (its EXIF orientation applied),
-// 8-bit sRGB with alpha only when the photo has it, carrying the metadata its source type lets it
-// keep. Copies share the pixels. Made by PhotoDecoder and the operations of KLImageHandling.
+// 8-bit sRGB with alpha only when the photo has some transparency, carrying the metadata its source
+// type lets it keep. Copies share the pixels. Made by PhotoDecoder and the operations of
+// KLImageHandling.
 class Picture {
   public:
     struct Data;  // defined for the imaging sources only
