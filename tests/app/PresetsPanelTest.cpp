@@ -94,6 +94,7 @@ TEST(PresetsPanelTest, DamageIsShownAndMovedAside) {
             problem->text().startsWith("Presets Db failed to open.\n" + db + ": " + c.reason))
             << problem->text().toStdString();
         EXPECT_EQ(repair->isHidden(), !c.movable);
+        EXPECT_EQ(panel.findChild<QListWidget*>("myPresetsTableView")->count(), 0);
         if (!c.movable) continue;
         repair->click();
         EXPECT_TRUE(problem->isHidden() && repair->isHidden());
