@@ -1,20 +1,25 @@
 // Projects in the window: the unsaved-changes flag, the question before quitting or opening
-// (answered through the user-interface interface), the kind tab an opened project selects, and
-// the recent projects.
+// (answered through the user-interface interface), the kind tab an opened project selects, the
+// recent projects, and publishing.
 #include <gtest/gtest.h>
 
-#include <QApplication>
 #include <QDir>
+#include <QEventLoop>
 #include <QImage>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QTabWidget>
+#include <QTimer>
 
 #include "app/MainWindow.h"
 #include "app/ProjectActions.h"
+#include "app/PublishDialog.h"
 #include "collection/PhotoCollection.h"
+#include "support/LocalServers.h"
 #include "support/TestSupport.h"
 
 using testsupport::freshDir;
+using testsupport::readFile;
 using Answer = UserInterface::SaveAnswer;
 
 namespace {
@@ -106,15 +111,14 @@ TEST(ProjectWindow, QuittingWithChangesAsks) {
         std::vector<Answer> answers;
         bool saveDialogGivesFolder;
         bool closes;
-        int questions;
         bool written;
     };
     for (const Case& c :
-         std::vector<Case>{{"no changes", false, {}, true, true, 0, false},
-                           {"cancel", true, {Answer::Cancel}, true, false, 1, false},
-                           {"don't save", true, {Answer::DontSave}, true, true, 1, false},
-                           {"save, dialog cancelled", true, {Answer::Save}, false, false, 1, false},
-                           {"save", true, {Answer::Save}, true, true, 1, true}}) {
+         std::vector<Case>{{"no changes", false, {}, true, true, false},
+                           {"cancel", true, {Answer::Cancel}, true, false, false},
+                           {"don't save", true, {Answer::DontSave}, true, true, false},
+                           {"save, dialog cancelled", true, {Answer::Save}, false, false, false},
+                           {"save", true, {Answer::Save}, true, true, true}}) {
         SCOPED_TRACE(c.what);
         const QString folder = dir + c.what;
         Window w;
@@ -123,11 +127,9 @@ TEST(ProjectWindow, QuittingWithChangesAsks) {
         w.ui.answers = c.answers;
         w.saveFolder = c.saveDialogGivesFolder ? folder : QString();
         EXPECT_EQ(w.window.close(), c.closes);
-        EXPECT_EQ(w.ui.questions.size(), c.questions);
-        EXPECT_TRUE(c.questions == 0 ||
-                    w.ui.questions[0].startsWith("Save changes to the project?\n"));
+        EXPECT_EQ(w.ui.questions.size(), c.changed ? 1 : 0);
+        EXPECT_TRUE(!c.changed || w.ui.questions[0].startsWith("Save changes to the project?\n"));
         EXPECT_EQ(QFileInfo::exists(folder + "/Project.orvprj"), c.written);
-        EXPECT_EQ(QFileInfo::exists(folder + "/photos/a.png"), c.written);
     }
 
     // Open Project… asks first; Cancel ends it before any dialog.
@@ -209,4 +211,65 @@ TEST(ProjectWindow, RecentProjects) {
     EXPECT_EQ(ProjectActions::recentProjects().first(), expected[2]);
     EXPECT_EQ(w.ui.alerts.size(), 1u);
     ProjectActions::setRecentProjects({});
+}
+
+// Publish… against OpenSSH's sshd on 127.0.0.1: the dialog opens on the output folder of the last
+// run, an unknown host key is trusted through the window's question, the summary tells what was
+// sent, and the folder's settings and the project remember where.
+TEST(PublishWindow, PublishesTheOutputFolderAndRemembersWhere) {
+    const QString dir = freshDir("app-publish");
+    testsupport::SshServer ssh(dir);
+    ASSERT_EQ(ssh.error(), "");
+    const QByteArray home = qgetenv("HOME");
+    qputenv("HOME", ssh.home().toUtf8());
+    testsupport::writeFile(ssh.home() + "/.ssh/known_hosts", "");  // the server is not known yet
+    const QString site = dir + "site/";
+    testsupport::writeFile(site + "images/a.jpg", "jpeg bytes");
+    testsupport::writeFile(site + "index.html", "<img src=images/a.jpg>");
+
+    MainWindow window;
+    auto* row = window.findChild<QWidget*>("tfHTMLdestinationFolder");
+    ASSERT_TRUE(row);
+    auto* folder = row->findChild<QLineEdit*>();
+    folder->setText(site);  // as Create leaves it
+    Q_EMIT folder->editingFinished();
+    window.findChild<QPushButton*>("publishButton")->click();
+    auto* dialog = window.findChild<PublishDialog*>();
+    ASSERT_TRUE(dialog);
+    RecordingUserInterface ui;
+    dialog->setUserInterface(&ui);
+    QStringList asked;
+    dialog->confirmHostKey = [&](const QString& key) {
+        asked.append(key);
+        return true;
+    };
+    const QString destination = ssh.destination(dir + "server");
+    dialog->setDestination(destination);
+    QEventLoop waiting;
+    QObject::connect(dialog, &PublishDialog::done, &waiting, &QEventLoop::quit);
+    QTimer::singleShot(120000, &waiting, &QEventLoop::quit);  // only if something hangs
+    dialog->findChild<QPushButton*>("publishStart")->click();
+    waiting.exec();
+
+    EXPECT_EQ(asked, QStringList{"ssh-ed25519 " + ssh.fingerprint()});
+    EXPECT_TRUE(dialog->summary().startsWith("Published to " + destination +
+                                             ": 2 sent, 0 removed, 0 unchanged.\n"
+                                             "The server holds the whole site."))
+        << dialog->summary().toStdString();
+    EXPECT_EQ(readFile(dir + "server/index.html"),
+              "<img src=images/a.jpg>");  // every file: tests/publish
+    EXPECT_TRUE(ui.alerts.empty());
+    EXPECT_EQ(PublishDialog::destinationsFor(site).value(0), destination);
+
+    // The project keeps the destination, and gets it back when opened.
+    ProjectActions* projects = window.projectActions();
+    EXPECT_EQ(projects->publishDestination(), destination);
+    projects->saveDialog = [&] { return std::optional(std::pair{dir + "project", QString("P")}); };
+    ASSERT_TRUE(projects->saveProject());
+    const QByteArray saved = readFile(dir + "project/P.orvprj");
+    EXPECT_TRUE(saved.contains("<key>publishDestination</key>")) << saved.toStdString();
+    projects->setPublishDestination({});
+    ASSERT_TRUE(projects->openProjectFile(dir + "project", dir + "project/P.orvprj"));
+    EXPECT_EQ(projects->publishDestination(), destination);
+    qputenv("HOME", home);
 }

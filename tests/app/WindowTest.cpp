@@ -1,4 +1,4 @@
-// The main window's tabs, one per output kind, and its About box.
+// The main window: its tabs, one per output kind, its About box, its grid and its cells.
 #include <gtest/gtest.h>
 
 #include <QAbstractItemView>
@@ -19,8 +19,21 @@
 #include "app/MainWindow.h"
 #include "app/PhotoGridView.h"
 #include "app/SupportDialogs.h"
+#include "collection/PhotoCollection.h"
 #include "services/SupportFolders.h"
+#include "support/FormatFixtures.h"
 #include "support/TestSupport.h"
+
+namespace {
+
+// Lets the window work until `done` says so or `ms` have passed.
+void waitUntil(const std::function<bool()>& done, int ms = 20000) {
+    QElapsedTimer timer;
+    timer.start();
+    while (!done() && timer.elapsed() < ms) QApplication::processEvents(QEventLoop::AllEvents, 50);
+}
+
+}  // namespace
 
 // Each tab shows every control of its kind under a label of its own and its buttons; the
 // Highlight box can be used on the grid's tab only; whichever tab is shown, the window fits a
@@ -31,10 +44,7 @@ TEST(Window, EveryKindHasItsTab) {
     window.addPhotos({testsupport::makePhoto(dir + "a.png")});
     QAbstractItemView* view = window.findChild<PhotoGridView*>();
     ASSERT_TRUE(view);
-    QElapsedTimer timer;
-    timer.start();
-    while (view->model()->rowCount() == 0 && timer.elapsed() < 20000)
-        QApplication::processEvents(QEventLoop::AllEvents, 50);
+    waitUntil([&] { return view->model()->rowCount() > 0; });
     ASSERT_EQ(view->model()->rowCount(), 1);
     view->setCurrentIndex(view->model()->index(0, 0));
     QCheckBox* highlight = nullptr;
@@ -116,11 +126,7 @@ TEST(Window, TenThousandPhotosAreRowsNotWidgets) {
     ASSERT_TRUE(model && cells);
     const qsizetype widgets = window.findChildren<QWidget*>().size();
     model->appendRecords(records);
-    QElapsedTimer timer;
-    timer.start();
-    while (model->index(0).data(Qt::DecorationRole).value<QImage>().isNull() &&
-           timer.elapsed() < 20000)
-        QApplication::processEvents(QEventLoop::AllEvents, 50);
+    waitUntil([&] { return !model->index(0).data(Qt::DecorationRole).value<QImage>().isNull(); });
     EXPECT_EQ(model->rowCount(), 10000);
     EXPECT_EQ(model->index(9999).data().toString(), "p09999.png");
     EXPECT_EQ(model->index(9999).data(PhotoCollection::PathRole).toString(), "/gone/p09999.png");
@@ -143,4 +149,36 @@ TEST(Window, SupportRootDefaultsToTheUsersDataFolder) {
     EXPECT_FALSE(QDir(SupportFolders::patternsPath()).isEmpty());  // the built-in patterns
     EXPECT_TRUE(QFileInfo(SupportFolders::watermarksPath()).isDir());
     EXPECT_EQ(preferences.findChild<QLabel*>("tfLibraryFilePath")->text(), root);
+}
+
+// Photos of phones and the web added to the window: headers read (size, orientation, caption),
+// cells drawn upright in the colours of their JPEG reference.
+TEST(FormatsWindow, HeadersReadCellsUprightInTrueColours) {
+    using namespace formatfixtures;
+    const QString cells = testsupport::freshDir("app-formats");
+    MainWindow window;
+    auto* collection = window.findChild<PhotoCollection*>();
+    window.addPhotos(QStringList{folder() + "photo.jpg", folder() + "tall.jpg"} + photos());
+    waitUntil(
+        [&] {
+            for (int row = 0; row < collection->count(); ++row) {
+                // Asking for a cell's image is what drawing it does: it is made, then answered.
+                const QModelIndex cell = collection->index(row);
+                const QImage image = cell.data(Qt::DecorationRole).value<QImage>();
+                if (!image.isNull()) image.save(cells + cell.data().toString() + ".png");
+            }
+            return QDir(cells).entryList(QDir::Files).size() == 14;
+        },
+        60000);
+    ASSERT_EQ(collection->count(), 14);
+    for (const cCollectionViewItem& record : collection->arrangedObjects()) {
+        const QString reference = referenceOf(record.myPhotoName);
+        EXPECT_EQ(record.myPhotoPxSize + record.myPhotoOrientation,
+                  reference == u"tall" ? "300x480V" : "480x300H");
+        EXPECT_EQ(record.myPhotoDescription,
+                  testsupport::exiftool(folder() + record.myPhotoName, "UserComment"));
+        const QString cell = cells + record.myPhotoName + ".png";
+        EXPECT_EQ(QImage(cell).size(), QImage(cells + reference + ".jpg.png").size());
+        EXPECT_LT(shownDifference(cell, cells + reference + ".jpg.png"), 4.0) << qPrintable(cell);
+    }
 }

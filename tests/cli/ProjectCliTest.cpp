@@ -1,10 +1,8 @@
-// `orvella project save | show | build` and `orvella generate --preset`, run as the user runs
-// them; their refusals are in RefusalCliTest.cpp.
+// `orvella project save | show | build`, `orvella preset` and `orvella generate --preset`, run as
+// the user runs them; their refusals are in RefusalCliTest.cpp.
 #include <gtest/gtest.h>
 
 #include <QDir>
-#include <QFile>
-#include <QFileInfo>
 
 #include "support/TestSupport.h"
 
@@ -32,9 +30,8 @@ QMap<QString, QByteArray> site(const QString& dir) {
 
 }  // namespace
 
-// The site a project builds alone (the photos gone from where they were), and the sites made from
-// a saved preset and from a preset file, are the site `generate` writes of the same photos and
-// settings, for every kind; later --set values override the preset; `project show` lists them.
+// The sites a project builds alone (its photos gone from where they were) and those made from
+// saved and exported presets are the site `generate` writes of the same photos and settings.
 TEST(ProjectCli, ProjectsAndPresetsGiveTheSameSite) {
     for (const auto& [kind, word, sets] :
          {std::tuple{"gallery", "PhotoGallery",
@@ -65,9 +62,15 @@ TEST(ProjectCli, ProjectsAndPresetsGiveTheSameSite) {
         const auto expected = site(dir + "generated/");
         EXPECT_GT(expected.size(), 4);
 
+        // A second save of a name is stored as "_[x]"; an export takes --set over --preset.
         EXPECT_EQ(run(QStringList{"preset", "save", kind, "Look"} + settings), "Look\n");
-        run(QStringList{"preset", "export", kind, "--out", dir + "look.orvpreset"} + settings);
-        for (const QString& preset : {QString("Look"), dir + "look.orvpreset"}) {
+        EXPECT_EQ(run({"preset", "save", kind, "Look"}), "Look_[x]\n");
+        const QString file = dir + "look.orvpreset";
+        EXPECT_EQ(run(QStringList{"preset", "export", kind, "--out", file, "--preset", "Look_[x]"} +
+                      settings),
+                  file + "\n");
+        EXPECT_EQ(run({"preset", "import", file, "Imported"}), "Imported\n");
+        for (const QString& preset : {QString("Look"), QString("Imported"), file}) {
             QDir(dir + "preset").removeRecursively();
             run(QStringList{"generate", kind, "--out", dir + "preset/", "--preset", preset} +
                 selection + QStringList{src});
@@ -80,7 +83,6 @@ TEST(ProjectCli, ProjectsAndPresetsGiveTheSameSite) {
         const QByteArray text = testsupport::readFile(changed.trimmed());
         EXPECT_TRUE(text.contains("Changed") && !text.contains("Harbour view"));
 
-        // Show lists the photos as saved, in their order.
         const QString project = dir + "project/Trip.orvprj";
         EXPECT_EQ(
             run(QStringList{"project", "save", dir + "project", "--name", "Trip", "--kind", kind} +
@@ -98,7 +100,6 @@ TEST(ProjectCli, ProjectsAndPresetsGiveTheSameSite) {
         EXPECT_EQ(run({"project", "build", project, "--out", dir + "built/", "--threads", "1"}),
                   QString(page).replace(dir + "generated/", dir + "built/"));
         EXPECT_TRUE(site(dir + "built/") == expected);
-        // The project itself is left as it was.
         EXPECT_EQ(QDir(dir + "project/photos").entryList(QDir::Files),
                   QStringList({"a.jpg", "b.png", "c.jpg", "d.tif"}));
     }

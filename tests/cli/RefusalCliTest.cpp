@@ -43,8 +43,6 @@ TEST(RefusalCli, EveryCommandRefusesWithTwoAndWritesNothing) {
         {grid + QStringList{inside[4]}, inside[4]},
         {gallery + QStringList{"--preset", "NoSuchPreset", a},
          "No gallery preset is named \"NoSuchPreset\"."},
-        {grid + QStringList{"--set", "tfRGMaxColumns=0", a},
-         "Sorry, the grid layout is not possible."},
         {grid + QStringList{"--unpublish", "a.png", a}, "Sorry, you forgot to select photos."},
         {grid + QStringList{"--highlight", "z.png", a}, "--highlight: no photo named \"z.png\""},
         {grid + QStringList{"--set", "tfHTMLTitleColor=FF0000", a},

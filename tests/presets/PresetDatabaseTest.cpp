@@ -1,5 +1,4 @@
 // The presets database read back with the sqlite3 program, and the layouts of the three kinds.
-#include <QFileInfo>
 #include <QRegularExpression>
 
 #include "presets/PresetFixtures.h"
@@ -109,8 +108,7 @@ TEST(PresetDatabase, QuotesAreRefusedAndInjectionsStayText) {
 }
 
 // The second and third saves of a name get "_[x]", per kind; removal goes across kinds; lists
-// are oldest first, and an entry's third value is the row after name and kind, up to where that
-// text recurs.
+// are oldest first; an entry's third value is the row after name and kind, up to where it recurs.
 TEST(PresetDatabase, SuffixRemovalOrderAndListEntries) {
     const QString db = freshDir("presets-names") + "p.sql";
     cPresetManager manager(db);
@@ -157,10 +155,9 @@ TEST(PresetDatabase, SuffixRemovalOrderAndListEntries) {
     EXPECT_EQ(manager.myLogCounter, 0);
 }
 
-// Per kind, with a distinct value in every control: the stored row field by field, loading it
-// back, the export holding the same fields under their keys, and export -> import -> load ->
-// export giving the same fields (the Slideshow's heading aside, which its loader puts into the
-// Photo Gallery's).
+// Per kind, a distinct value in every control: the stored row field by field, loaded back,
+// exported under the same keys; export -> import -> load -> export gives the same fields (but the
+// Slideshow's heading, which its loader puts into the Photo Gallery's).
 TEST(PresetLayoutTest, FieldByFieldLoadExportAndImport) {
     for (const auto& [kind, rows] :
          {std::pair("gallery", galleryTable()), std::pair("slideshow", slideshowTable()),

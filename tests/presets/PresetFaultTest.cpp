@@ -20,9 +20,8 @@ int orvellaIn(const QString& dir, const QStringList& args, QString* out, QString
 }  // namespace
 
 // Every damage through every database action of the command line: each names the file and its
-// fault and fails (exit 1), nothing is listed as empty, nothing writes to the file. `preset
-// repair` moves it aside (beside an earlier one of the same day, which stays) and starts anew, or
-// leaves a locked one where it is.
+// fault, fails, and nothing writes to the file. `preset repair` moves it aside (beside an earlier
+// one of the same day, which stays), or leaves a locked one where it is.
 TEST(PresetFaults, DamagedDatabaseIsNamedNeverWrittenAndMovedAside) {
     for (const DamageCase& c : damages) {
         SCOPED_TRACE(c.name);

@@ -115,27 +115,6 @@ TEST(ProjectFile, ThreePhotosWrittenAsTheTablesSayAndOpenedAgain) {
               QStringList({"Summer.orvprj", "photos/a.jpg", "photos/b.jpg", "photos/c.png"}));
 }
 
-// Each tab's kind is written under "mySqlVal2" and chooses its loader on opening; any other tab
-// and any other word are the Responsive Grid's.
-TEST(ProjectFile, KindOfTheSelectedTabChoosesTheLoader) {
-    const QString dir = freshDir("projects-kinds");
-    const std::tuple<int, const char*, const char*> cases[] = {{0, "PhotoGallery", "gallery"},
-                                                               {1, "SlideShow", "slideshow"},
-                                                               {2, "ResponsiveGrid", "grid"},
-                                                               {7, "ResponsiveGrid", "grid"}};
-    for (const auto& [tab, word, kind] : cases) {
-        const QString folder = dir + QString::number(tab);
-        const auto saved =
-            ProjectFile::save(folder, "P", {}, settingsWith(), ProjectFile::layoutForTab(tab));
-        ASSERT_TRUE(saved.ok) << saved.error.toStdString();
-        EXPECT_EQ(plistlib(saved.projectFile)["mySqlVal2"].toString(), word);
-        const auto opened = ProjectFile::open(folder, saved.projectFile);
-        ASSERT_EQ(opened.status, Status::Opened);
-        EXPECT_EQ(opened.layout->kind, kind) << tab;
-    }
-    EXPECT_EQ(ProjectFile::layoutForKindWord("Sorting").kind, "grid");
-}
-
 TEST(ProjectFile, NameRules) {
     const SettingsStore page = settingsWith({{"tfHTMLfileName", "holiday"}});
     for (const auto& [typed, name] : std::vector<std::pair<QString, QString>>{
@@ -145,26 +124,19 @@ TEST(ProjectFile, NameRules) {
              {"Enter project name here", "Enter project name here"}})
         EXPECT_EQ(ProjectFile::projectName(typed, page), name) << qPrintable(typed);
 
-    const QString dir = freshDir("projects-names");
-    const SettingsStore settings = settingsWith();
-    const QString untouched = ProjectFile::projectName(ProjectFile::kInitialNameText, settings);
-    ASSERT_TRUE(
-        ProjectFile::save(dir + "f", untouched, {}, settings, ProjectFile::layoutForTab(0)).ok);
-    EXPECT_TRUE(QFile::exists(dir + "f/Enter project name here.orvprj"));
-
     // Names that would leave the folder, and no name at all, are refused before anything is made.
+    const QString dir = freshDir("projects-names");
     for (const QString& name :
          QStringList{"../up", "a/b", "..", ".", "", QString("a") + QChar(0) + "b"}) {
         const auto refused =
-            ProjectFile::save(dir + "g", name, {}, settings, ProjectFile::layoutForTab(0));
+            ProjectFile::save(dir + "g", name, {}, page, ProjectFile::layoutForTab(0));
         EXPECT_TRUE(!refused.ok && refused.refused && !refused.error.isEmpty()) << qPrintable(name);
     }
     EXPECT_FALSE(QFileInfo::exists(dir + "g"));
     EXPECT_FALSE(QFileInfo::exists(dir + "up.orvprj"));
 }
 
-// A photo that is gone is named; two photos of one file name keep the first copy and say so. The
-// project is written all the same.
+// A photo that is gone is named; two photos of one file name keep the first copy and say so.
 TEST(ProjectFile, CopiesThatCannotBeMadeAreReported) {
     const QString dir = freshDir("projects-copies");
     QDir().mkpath(dir + "other");
@@ -220,9 +192,8 @@ TEST(ProjectFile, CountAndLoadStatus) {
     }
 }
 
-// Photo names that would reach outside the photos folder refuse the whole project; a file nested
-// deeper than a project is opens as an empty project without settings. Nothing outside the
-// folder is changed either way.
+// Photo names that would reach outside the photos folder refuse the whole project, which opens
+// empty and without settings; nothing outside the folder changes.
 TEST(ProjectFile, HostileAndDamagedProjects) {
     const QString dir = freshDir("projects-hostile"), folder = dir + "project/";
     QDir().mkpath(folder + "photos");
