@@ -3,8 +3,8 @@
 #include <QDir>
 #include <QFileInfo>
 
-#include "support/TestSupport.h"
 #include "services/cNSFileHandling.h"
+#include "support/TestSupport.h"
 
 using testsupport::readFile;
 using testsupport::writeFile;
