@@ -72,4 +72,8 @@ inline bool isEmptyDir(const QString& dir) {
 
 using metafixtures::tag;
 
+inline void tagArtist(const QString& path) {
+    tag(path, {"-Artist=Keldra", "-XMP-dc:Creator=Keldra"});
+}
+
 }  // namespace fixtures

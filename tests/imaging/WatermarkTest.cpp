@@ -123,13 +123,13 @@ TEST(Watermark, SizeZeroIsTwentyFourAndNoChosenFontIsTheSecondOfTheList) {
     const QString photo = greyPhoto(testsupport::freshDir("watermark/fonts"));
     WatermarkSettings s = blockText();
     s.text = QStringLiteral("Orvella Qg");
+    s.fontList = {"DejaVu Serif", "DejaVu Sans Mono"};
     const auto stamped = [&](int size, const QString& font) {
         std::tie(s.fontSize, s.font) = std::tuple(size, font);
         return testsupport::readFile(stamp(s, photo));
     };
     EXPECT_EQ(stamped(0, "DejaVu Sans"), stamped(24, "DejaVu Sans"));
     EXPECT_NE(stamped(25, "DejaVu Sans"), stamped(24, "DejaVu Sans"));
-    s.fontList = {"DejaVu Serif", "DejaVu Sans Mono"};
     EXPECT_EQ(stamped(24, ""), stamped(24, "DejaVu Sans Mono"));
     EXPECT_NE(stamped(24, ""), stamped(24, "DejaVu Serif"));
 }

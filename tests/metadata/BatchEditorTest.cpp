@@ -1,5 +1,4 @@
 #include <QDir>
-#include <QFileInfo>
 
 #include "metadata/MetaFixtures.h"
 #include "metadata/cEditMetaData.h"
@@ -8,48 +7,16 @@
 using namespace metafixtures;
 using testsupport::exiftool;
 
-// What a batch reports, one line an event.
-static cEditMetaData::Progress recorder(QStringList* events) {
-    cEditMetaData::Progress p;
-    p.started = [=](int maximum) { *events << QStringLiteral("start %1").arg(maximum); };
-    p.advanced = [=](int value) { *events << QStringLiteral("bar %1").arg(value); };
-    p.logged = [=](const MetaLogRow& row) { *events << "log " + row.LogI; };
-    p.failed = [=](const QString& path, const QString& reason) {
-        *events << "failed " + QFileInfo(path).fileName() + " " + reason;
-    };
-    p.finished = [=] { *events << "end"; };
-    return p;
-}
-
-// A folder gives its JPEG and TIFF files by these exact extensions, sorted, not those of inner
-// folders. A read-only one (no write bit at all, so also for the superuser, whom the system would
-// let write it anyway) is reported, not logged, and the bar is left short before it is hidden.
-TEST(BatchEditor, LogsOnlySuccessesAndLeavesTheBarShort) {
-    const QString dir = testsupport::freshDir("meta/batch");
-    QDir().mkpath(dir + "inner");
-    for (const QString name : {"photo.JPG", "inner/nested.jpg", "d.TIF", "ro.jpg", "scan.tiff"})
-        makeImage(dir + name);
-    for (const QString name : {"notes.txt", ".DS_Store", "b.Jpg", "c.png"})
+// A batch over a folder takes its JPEG and TIFF files by these exact extensions, sorted, not those
+// of inner folders. What a batch writes, logs and reports is checked through the command line and
+// the window.
+TEST(BatchEditor, AFolderGivesItsPhotoFilesOnly) {
+    const QString dir = testsupport::freshDir("meta/batch-folder");
+    for (const QString name : {"photo.JPG", "inner/nested.jpg", "d.TIF", "scan.tiff", "notes.txt",
+                               ".DS_Store", "b.Jpg", "c.png"})
         writeFile(dir + name, "x");
-    ASSERT_TRUE(QFile::setPermissions(dir + "ro.jpg",
-                                      QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther));
-    const QMap<QString, QByteArray> before = testsupport::contentsUnder(dir);
-    QStringList events;
-    cEditMetaData editor;
-    editor.btEMDchooseFolder(dir, "Harbour at dawn", recorder(&events));
-    EXPECT_EQ(events, (QStringList{"start 4", "log d.TIF", "bar 1", "log photo.JPG", "bar 2",
-                                   "failed ro.jpg the file is read-only", "log scan.tiff", "bar 3",
-                                   "end"}));
-    EXPECT_EQ(editor.myLogTableViewController.size(), 3);
-    for (const QString name : {"d.TIF", "photo.JPG", "scan.tiff"})
-        EXPECT_EQ(exiftool(dir + name, "UserComment"), "Harbour at dawn");
-    for (const QString name : {"ro.jpg", "inner/nested.jpg", "b.Jpg"})
-        EXPECT_EQ(readFile(dir + name), before[name]) << name.toStdString();
-    EXPECT_EQ(testsupport::contentsUnder(dir).keys(), before.keys());
-
-    events.clear();  // a cancelled dialog: an empty batch, started and ended at once
-    editor.btEMDchooseFile({}, "x", recorder(&events));
-    EXPECT_EQ(events, (QStringList{"start 0", "end"}));
+    EXPECT_EQ(cEditMetaData::filesOfFolder(dir),
+              (QStringList{dir + "d.TIF", dir + "photo.JPG", dir + "scan.tiff"}));
 }
 
 TEST(ExifCompletion, FillsEveryKeyStampsTheCommentAndGammaAndKeepsTheInput) {
