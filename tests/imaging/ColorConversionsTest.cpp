@@ -79,22 +79,20 @@ TEST(Effects, UnknownCodeRunsThePreviousFilterOnItsOldPhotoBlurWritesNothing) {
     QDir().mkpath(out);
     KLColorConversions colours;
     colours.convertColorTo(dir + "a.png", out, "6");
-    colours.convertColorTo(dir + "b.png", out, "12");
-    EXPECT_EQ(fixtures::pixel(out + "b.png", 0, 0), (Pixel{245, 235, 225}));  // a, inverted
-    QFile::remove(out + "b.png");
-    colours.enhanceColorTo(dir + "b.png", out, "99", 1.0f);
-    EXPECT_EQ(fixtures::pixel(out + "b.png", 0, 0), (Pixel{245, 235, 225}));
-    for (const QString name : {"a.png", "b.png"}) QFile::remove(out + name);
-    for (const QString code : {"12", "-1", "", "x", "06"}) {
-        EXPECT_EQ(KLColorConversions().convertColorTo(dir + "a.png", out, code), "OK");
-        EXPECT_EQ(KLColorConversions().enhanceColorTo(dir + "a.png", out, code, 1), "OK");
+    for (const bool enhance : {false, true}) {
+        QFile::remove(out + "b.png");
+        enhance ? colours.enhanceColorTo(dir + "b.png", out, "99", 1.0f)
+                : colours.convertColorTo(dir + "b.png", out, "12");
+        EXPECT_EQ(fixtures::pixel(out + "b.png", 0, 0), (Pixel{245, 235, 225}));  // a, inverted
     }
-    const QByteArray bytes = testsupport::readFile(dir + "a.png");
+    const QMap<QString, QByteArray> before = testsupport::contentsUnder(dir);
+    QDir().mkpath(dir + "none");
+    for (const QString code : {"12", "-1", "", "x", "06"}) {
+        EXPECT_EQ(KLColorConversions().convertColorTo(dir + "a.png", dir + "none/", code), "OK");
+        EXPECT_EQ(KLColorConversions().enhanceColorTo(dir + "a.png", dir + "none/", code, 1), "OK");
+    }
     EXPECT_EQ(colours.hApplyGaussianBlur(dir + "a.png", 5.0f), "OK");
-    EXPECT_EQ(testsupport::readFile(dir + "a.png"), bytes);
-    EXPECT_EQ(QDir(dir).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
-              (QStringList{"a.png", "b.png", "out"}));
-    EXPECT_TRUE(QDir(out).isEmpty());
+    EXPECT_EQ(testsupport::contentsUnder(dir), before);
 }
 
 // Copies are written only for the exact extensions, in their type; JPEGs at best quality.
@@ -108,17 +106,12 @@ TEST(Effects, CopiesAreWrittenByTheExactExtension) {
         {"p7.tif", "tiffload"}, {"p8.TIFF", "tiffload"}, {"p9.Tif", ""},
         {"p10.Jpg", ""},        {"p11.gif", ""}};
     for (const auto& [name, loader] : cases) {
-        SCOPED_TRACE(name.toStdString());
-        EXPECT_EQ(KLColorConversions::writesFileNamed(name), !loader.empty());
         fixtures::save(fixtures::solid(30, 20, {128, 128, 128}), dir + name);
         EXPECT_EQ(KLColorConversions().convertColorTo(dir + name, out, "3"), "OK");
-        ASSERT_EQ(QFile::exists(out + name), !loader.empty());
-        if (loader.empty()) continue;
-        EXPECT_EQ(fixtures::loader(out + name), loader);
-        EXPECT_EQ(fixtures::sizeOf(out + name), fixtures::Size(30, 20));
-        EXPECT_GE(loader == "jpegload"
-                      ? testsupport::exiftool(out + name, "JPEGQualityEstimate").toInt()
-                      : 99,
-                  98);
+        EXPECT_EQ(QFile::exists(out + name) ? fixtures::loader(out + name) : "", loader)
+            << name.toStdString();
+        if (loader == "jpegload") {
+            EXPECT_GE(testsupport::exiftool(out + name, "JPEGQualityEstimate").toInt(), 98);
+        }
     }
 }

