@@ -8,27 +8,24 @@ import path from 'node:path';
 import { before, test } from 'node:test';
 import {
     act, address, bothWays, contrast, expectLightbox, freshDir, generate, lightbox, makePhotos, onScreens,
-    open, openLoaded, outputRoot, pageUrl, settled, sourceDir, waitForPhoto,
+    open, openLoaded, outputRoot, pageUrl, settled, waitForPhoto,
 } from './support.mjs';
 
 const ODD = ['a#b', 'what?', '100%', 'two words', 'semi;colon', 'Ünïcødé', 'amp&er', 'plain-name_1'];
-const PATTERN = path.join(sourceDir, 'resources/patterns/dots.png');
 const site = {};  // page files
 const own = {};   // the widths of the real photographs, by name
 
 before(() => {
     const root = freshDir('gallery');
-    const photos = makePhotos(path.join(root, 'photos'), 6);
-    const make = (name, settings, list = photos.slice(0, 5)) => generate(path.join(root, name), settings, list);
+    const photos = makePhotos(path.join(root, 'photos'), 5);
+    const make = (name, settings, list = photos) => generate(path.join(root, name), settings, list);
     const page = (...args) => path.join(make(...args), 'myIndex.html');
     const onePage = { ifNumberOfColumns: 3, ifNumberOfRows: 2 };  // the five photos on one page
-    const pattern = { cbTbShowPatternImage: 1, tfTbPatternPath: PATTERN };
     site.plain = page('plain', { ...onePage, cbCaptionStatus: 0 });
     site.captioned = page('captioned', {
-        ...onePage, ...pattern, cbCaptionStatus: 1, cbPgShowMetaData: 1, btShowFileName: 1, tfPgMetaDataToShow: 'Show Filename',
+        ...onePage, cbCaptionStatus: 1, cbPgShowMetaData: 1, btShowFileName: 1, tfPgMetaDataToShow: 'Show Filename',
     });
     site.paged = make('paged', { ifNumberOfColumns: 2, ifNumberOfRows: 1 });  // pages of 2, 2 and 1
-    site.grid = page('grid', { ...pattern, pubPhotoGalleryModel: 2, ifNumberOfColumns: 6, ifNumberOfRows: 2 }, photos);
     site.odd = page('odd', { ifNumberOfColumns: 4, ifNumberOfRows: 3 }, makePhotos(path.join(root, 'odd'), ODD));
     // Real photographs captioned through their EXIF comments, one caption long enough to wrap.
     const nature = '/usr/share/backgrounds/mate/nature';
@@ -166,33 +163,6 @@ bothWays((mode) => {
             assert.equal(address(page), `${file}#photo=${name}.jpeg`);
         }
         await page.close();
-    });
-
-    test('the grid model has 1 to 6 columns as the window widens', async () => {
-        const page = await load(site.grid);
-        const expected = { 390: 1, 500: 2, 800: 3, 1100: 4, 1400: 5, 1700: 6 };
-        const found = {};
-        for (const width of Object.keys(expected).map(Number)) {
-            await page.setViewportSize({ width, height: 900 });
-            found[width] = await page.$eval('.klOVimages',
-                (el) => getComputedStyle(el).gridTemplateColumns.trim().split(/\s+/).length);
-        }
-        assert.deepEqual(found, expected);
-        assert.deepEqual(page.errors, []);
-        await page.close();
-    });
-
-    test('the background pattern shows when set, in the table and the grid model', async () => {
-        for (const [file, copied] of [[site.plain, null], ...[site.captioned, site.grid].map((f) => [f,
-            path.join(path.dirname(f), 'KLovPatterns/dots.png')])]) {
-            if (copied) assert.deepEqual(fs.readFileSync(copied), fs.readFileSync(PATTERN));
-            const page = await load(file);
-            const layers = await page.$eval('.KLovTableBased-container',
-                (el) => ['::before', '::after'].map((p) => getComputedStyle(el, p).backgroundImage));
-            if (copied) assert.ok(layers.includes(`url("${pageUrl(copied)}")`), `${layers} lacks ${copied}`);
-            else assert.deepEqual(layers, ['none', 'none']);
-            await page.close();
-        }
     });
 
     test('every thumbnail and big image of an odd file name loads, and its deep link opens it again', async () => {

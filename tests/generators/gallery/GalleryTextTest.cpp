@@ -247,10 +247,11 @@ TEST(GalleryPages, WholePageOfEachModel) {
         QStringList pieces;
     } models[] = {
         {"pubPhotoGalleryModel=0, cbCaptionStatus=0, pbFontFamily=Kanit, tfGridWidth=80, "
-         "tfPageTitle=T & T, tvTitle=<b>Hi</b>, btShowFileName=1, cbPgShowMetaData=1",
+         "tfPageTitle=T & T, tvTitle=<b>Hi</b>, btShowFileName=1, cbPgShowMetaData=1, "
+         "cbTbShowPatternImage=1, tfTbPatternPath=/x/dots.png",
          "/p/a&b #1.png",
          "myIndex",
-         "(max-width: 6000px)",
+         "background-image: url(../KLovPatterns/dots.png);",
          {"T &amp; T", " - Begin", "jquery", "<!-- Keldra: responsive design - End -->|", "Kanit",
           "80", "responsive design grid",
           R"(<div class="klOVtitle"><b>Hi</b></div>|<div class="klOVresponsive">|)"
@@ -262,10 +263,10 @@ TEST(GalleryPages, WholePageOfEachModel) {
           "http", "</div>|</div><!-- Keldra: grid - End -->|"}},
         {"pubPhotoGalleryModel=2, cbCaptionStatus=1, pbFontFamily=Exo 2, tfHTMLfileName=page, "
          "tfGridWidth=90, tfPageTitle=G, tvTitle=Heading, btShowFileName=0, cbPgShowMetaData=0, "
-         "pbImageFormat=png, pbBIGImageFormat=tiff",
+         "pbImageFormat=png, pbBIGImageFormat=tiff, ifNumberOfColumns=6",
          "/p/a.png",
          "page",
-         "@media (min-width: 400px)",
+         gridBreakpoints({2, 3, 4, 5, 6}),
          {"G", "", "jquery02", "", "Exo+2", "90", "grid",
           R"(<div class="klOVtitle">Heading<br><br></div>|<div class="klOVimages">|)"
           R"(<div class="klOVimg">|<a href="KLimages_b/a.tiff" rel="klOVlightbox" title="a">|)"

@@ -133,7 +133,7 @@ TEST(GridCss, ValuesFromTheSettings) {
          "sliderLightboxRGBgColorOpacity=80",
          "300", "225", "rgba(255.000000,255.000000,255.000000,0.8);"},
         {"tfRGMaxColumns=7, tfNSColorWellObjRGLightboxBgColor=800040, "
-         "sliderLightboxRGBgColorOpacity=37",
+         "sliderLightboxRGBgColorOpacity=37, cbMagnifyHooverEffect=1",
          "171", "128", "rgba(128.000000,0.000000,64.000000,0.37);"},
         {"tfRGMaxColumns= 1 , sliderLightboxRGBgColorOpacity=100", "1200", "900",
          "rgba(30.000000,30.000000,30.000000,1);"},
@@ -148,6 +148,7 @@ TEST(GridCss, ValuesFromTheSettings) {
                                      .arg(c.columnWidth, c.rowHeight)))
             << c.set;
         EXPECT_TRUE(css.contains(QStringLiteral("background-color: ") + c.lightbox)) << c.set;
+        EXPECT_EQ(css.contains("img:hover"), c.set.contains("Hoover")) << c.set;
     }
 
     GridCssArgs args = sampleArgs(1, 0);
