@@ -46,7 +46,8 @@ const big = (name) => `KLimages_b/${name}.jpeg`;
 bothWays((mode) => {
     const load = (file, options) => open(mode.browser, file, options);
 
-    test('a thumbnail opens its big image, fitted; buttons, keys and swipes move, the fragment following; the close button, Escape or a click beside close it', async () => {
+    // Moves across pages, and none beyond the first and last photo: the navigation bar's test.
+    test('a thumbnail opens its big image, fitted; the fragment follows a move without a history entry; the close button, Escape or a click beside close it', async () => {
         const page = await load(site.plain);
         // The page runs on the real jQuery when it loaded and on its own script when not.
         assert.equal(await page.evaluate(() => window.jQuery.fn.jquery), mode.offline ? undefined : '1.9.1');
@@ -57,29 +58,19 @@ bothWays((mode) => {
         const b = await page.locator('.klOVlightbox img').boundingBox();
         assert.ok(b.x >= 40 && b.y >= 40 && b.x + b.width <= 1060 && b.y + b.height <= 760, JSON.stringify(b));
         await page.screenshot({ path: path.join(outputRoot, 'lightbox-open.png') });
-        await page.keyboard.press('Escape');
-        assert.deepEqual(await lightbox(page), { open: false, blurred: false, prev: false, next: false, caption: null });
-        await page.locator('.klOVimg a').first().click();
-        await waitForPhoto(page, big('photo01'));
-        assert.equal((await lightbox(page)).prev, false, 'no previous button on the first photo');
-        // The last ArrowRight: nothing beyond the last photo of a single page.
-        for (const [action, name] of [[null, 'photo01'], ['.klOVlightbox_nav_next', 'photo02'], ['ArrowRight', 'photo03'],
-            ['ArrowLeft', 'photo02'], ['.klOVlightbox_nav_prev', 'photo01'], [-80, 'photo02'], [80, 'photo01'],
-            [-20, 'photo01'], ['ArrowRight', 'photo02'], ['ArrowRight', 'photo03'], ['ArrowRight', 'photo04'],
-            ['ArrowRight', 'photo05'], ['ArrowRight', 'photo05']]) {
-            if (action !== null) await act(page, action);
+        for (const [action, name] of [['.klOVlightbox_nav_prev', 'photo01'], [-20, 'photo01'], ['ArrowRight', 'photo02']]) {
+            await act(page, action);
             await waitForPhoto(page, big(name));
             assert.equal(address(page), `myIndex.html#photo=${name}.jpeg`);
         }
-        assert.equal((await lightbox(page)).next, false, 'no next button on the last photo');
-        await page.locator('.klOVlightbox_close').click();
-        assert.equal((await lightbox(page)).open, false);
-        assert.equal(page.url(), pageUrl(site.plain), 'closing removes the fragment, "#" too');
+        for (const close of ['Escape', '.klOVlightbox_close', () => page.mouse.click(5, 400)]) {
+            await (typeof close === 'function' ? close() : act(page, close));
+            assert.deepEqual(await lightbox(page), { open: false, blurred: false, prev: false, next: false, caption: null });
+            assert.equal(page.url(), pageUrl(site.plain), 'closing removes the fragment, "#" too');
+            await page.locator('.klOVimg a').first().click();
+            await waitForPhoto(page, big('photo01'));
+        }
         assert.equal(await page.evaluate(() => history.length), entries, 'no history entry per photo');
-        await page.locator('.klOVimg a').first().click();
-        await waitForPhoto(page, big('photo01'));
-        await page.mouse.click(5, 400);
-        assert.equal((await lightbox(page)).open, false);
         assert.deepEqual(page.errors, []);
         await page.close();
     });
