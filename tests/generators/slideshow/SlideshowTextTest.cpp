@@ -201,6 +201,8 @@ TEST(SlideshowText, ScriptsAndReferenceForEachCombination) {
         {"cbSsAutorun=1, cbSsShowDots=0, cbSsShowNavigationBtn=1", withoutDots(kAutorunScript),
          true},
         {"cbSsAutorun=0, cbSsShowDots=1, cbSsShowNavigationBtn=0", kManualScript, true},
+        {"cbSsAutorun=1, cbSsShowDots=0, cbSsShowNavigationBtn=0", withoutDots(kAutorunScript),
+         false},
         // 2.5 seconds are written 2.5000: milliseconds by text, kept on purpose.
         {"cbSsAutorun=1, cbSsShowDots=1, cbSsShowNavigationBtn=1, tfSsInterval=2.5",
          QString(kAutorunScript).replace("3000)", "2.5000)"), true},
