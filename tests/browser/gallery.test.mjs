@@ -111,7 +111,7 @@ bothWays((mode) => {
         const page = await load(path.join(site.paged, 'index.html'));
         assert.equal(address(page), 'myIndex.html', 'sent to the first page');
         const seen = [];
-        for (const [i, name] of ['myIndex.html', 'myIndex2.html', 'myIndex3.html'].entries()) {
+        for (const [i, name] of [[1, 'myIndex2.html'], [2, 'myIndex3.html'], [0, 'myIndex.html']]) {
             const links = page.locator('#navBar a');
             assert.deepEqual((await links.allTextContents()).map((t) => t.trim()), ['1', '2', '3']);
             await links.nth(i).click();
@@ -119,10 +119,7 @@ bothWays((mode) => {
             await page.waitForFunction(() => window.jQuery && jQuery.fn.lightbox);
             seen.push(...await page.$$eval('.klOVimg a', (as) => as.map((a) => a.getAttribute('href'))));
         }
-        assert.deepEqual(seen, [1, 2, 3, 4, 5].map((n) => big(`photo0${n}`)));
-        await page.locator('#navBar a').first().click();
-        await page.waitForURL((u) => u.href.endsWith('/myIndex.html'));
-        await page.waitForFunction(() => window.jQuery && jQuery.fn.lightbox);
+        assert.deepEqual(seen, [3, 4, 5, 1, 2].map((n) => big(`photo0${n}`)));
         await page.locator('.klOVimg a').first().click();
         await waitForPhoto(page, big('photo01'));
         assert.deepEqual(await lightbox(page), shows(false, true));

@@ -3,7 +3,6 @@
 // and captions with their contrast, images and their aspect, the logo; the slider's box and timing.
 import { execFileSync } from 'node:child_process';
 import assert from 'node:assert/strict';
-import fs from 'node:fs';
 import path from 'node:path';
 import { before, test } from 'node:test';
 import { act, contrast, freshDir, generate, launch, makePhotos, open, outputRoot, SCREENS } from './support.mjs';
@@ -18,9 +17,7 @@ before(() => {
     const show = (name, settings, list = photos) => path.join(generate(path.join(root, name), settings, list,
         { kind: 'slideshow' }), 'slideshow.html');
     shows.autorun = show('autorun', { ...box, cbSsAutorun: 1, tfSsInterval: 1 });
-    const file = path.join(root, '50% off #1.jpg');  // a name that needs percent-encoding
-    fs.copyFileSync(photos[0].file, file);
-    shows.manual = show('manual', { ...box, cbSsAutorun: 0 }, [{ file }, ...photos.slice(1)]);
+    shows.manual = show('manual', { ...box, cbSsAutorun: 0 });
     shows.slider = show('slider', { ...box, pubSsTemplateChoice: 2, tfSsInterval: 1, tfSsImageWidth: 320, tfSsImageHeight: 200 });
     shows.defaults = show('defaults', {}, makePhotos(path.join(root, 'twelve'), 12));
     // The lightest and the darkest photo under light and dark captions.
@@ -89,8 +86,6 @@ test('autorun: the interval, keys, buttons and dots, a move that starts the inte
 
 test('without autorun the page stays on slide 1 and has no pause; buttons, keys and dots move', async () => {
     const page = await visit(shows.manual, laptop, true);
-    const sizes = await page.$$eval('.klSsSlides > img', (imgs) => imgs.map((i) => i.naturalWidth));
-    assert.deepEqual(sizes, [400, 400, 400, 400], 'every photo shows, the one named with "#" and "%" too');
     await page.clock.runFor(5000);
     assert.deepEqual([(await state(page)).shown, await page.locator('.klSsPause').count()], ['1', 0]);
     for (const [action, expected] of [['.klSsPrev', 4], ['ArrowRight', 1], ['.klSsNext', 2], ['.klSsDot >> nth=2', 3]]) {
