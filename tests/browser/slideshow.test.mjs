@@ -3,30 +3,21 @@
 // and captions with their contrast, images and their aspect, the logo; the slider's box and timing.
 import { execFileSync } from 'node:child_process';
 import assert from 'node:assert/strict';
-import fs from 'node:fs';
 import path from 'node:path';
-import { after, before, test } from 'node:test';
-import { chromium } from 'playwright-core';
-import { act, contrast, freshDir, generate, makePhotos, outputRoot, pageUrl } from './support.mjs';
+import { before, test } from 'node:test';
+import { act, contrast, freshDir, generate, launch, makePhotos, open, outputRoot, SCREENS } from './support.mjs';
 
 const box = { tfSsImageWidth: 400, tfSsImageHeight: 300, cbSsExifUC: 1, tfSsMetaDataToShow: 'Show Filename' };
 const shows = {};  // page files
-const devices = {
-    laptop: { viewport: { width: 1440, height: 900 } },
-    phone: { viewport: { width: 390, height: 844 }, deviceScaleFactor: 3, isMobile: true, hasTouch: true },
-};
-let browser;
+const [laptop, , phone] = SCREENS;
 
-before(async () => {
-    browser = await chromium.launch({ executablePath: '/usr/bin/chromium', args: ['--no-sandbox', '--disable-gpu'] });
+before(() => {
     const root = freshDir('slideshow');
     const photos = makePhotos(path.join(root, 'photos'), 4);
     const show = (name, settings, list = photos) => path.join(generate(path.join(root, name), settings, list,
         { kind: 'slideshow' }), 'slideshow.html');
     shows.autorun = show('autorun', { ...box, cbSsAutorun: 1, tfSsInterval: 1 });
-    const file = path.join(root, '50% off #1.jpg');  // a name that needs percent-encoding
-    fs.copyFileSync(photos[0].file, file);
-    shows.manual = show('manual', { ...box, cbSsAutorun: 0 }, [{ file }, ...photos.slice(1)]);
+    shows.manual = show('manual', { ...box, cbSsAutorun: 0 });
     shows.slider = show('slider', { ...box, pubSsTemplateChoice: 2, tfSsInterval: 1, tfSsImageWidth: 320, tfSsImageHeight: 200 });
     shows.defaults = show('defaults', {}, makePhotos(path.join(root, 'twelve'), 12));
     // The lightest and the darkest photo under light and dark captions.
@@ -36,27 +27,16 @@ before(async () => {
     shows.light = show('light', { ...box, tfSsFileNameFontColor: 'FFFFFF' }, [white, black]);
     shows.dark = show('dark', { ...box, tfSsFileNameFontColor: '222222' }, [white, black]);
 });
-after(() => browser?.close());
 
-// A page on `device`: requests off the disk are refused and kept in page.away. With `frozen`, the
-// page's timers run only when the test moves its clock.
-async function visit(file, device = 'laptop', frozen = false) {
-    const context = await browser.newContext(devices[device]);
-    const away = [];
-    await context.route('**/*', (route) => {
-        if (/^(file|data):/.test(route.request().url())) return route.continue();
-        away.push(route.request().url());
-        return route.abort('internetdisconnected');
-    });
+// A page on a screen, offline. With `frozen`, the page's timers run only when the test moves its
+// clock. page.done() closes its browser.
+async function visit(file, { name, viewport, ...screen } = laptop, frozen = false) {
+    const context = await launch(viewport, true, screen);
     if (frozen) {
         await context.clock.install({ time: 0 });
         await context.clock.pauseAt(1000);
     }
-    const page = await context.newPage();
-    Object.assign(page, { away, errors: [] });
-    page.on('pageerror', (e) => page.errors.push(String(e)));
-    await page.goto(pageUrl(file));
-    return page;
+    return Object.assign(await open(context, file, { lightbox: false }), { done: context.closeAll });
 }
 
 // The slide shown (from 1), its counter and caption, and the active dots.
@@ -73,7 +53,7 @@ const state = (page) => page.evaluate(() => {
 });
 
 test('autorun: the interval, keys, buttons and dots, a move that starts the interval again, pause', async () => {
-    const page = await visit(shows.autorun, 'laptop', true);
+    const page = await visit(shows.autorun, laptop, true);
     assert.deepEqual(await state(page), { shown: '1', counter: '1 / 4', caption: 'photo01', dots: '1' });
     const inside = await page.$eval('.klSsSlides', (slide) => {
         const [s, c] = [slide, slide.querySelector('.klSsText')].map((e) => e.getBoundingClientRect());
@@ -101,13 +81,11 @@ test('autorun: the interval, keys, buttons and dots, a move that starts the inte
         assert.deepEqual([(await state(page)).shown, await pause.getAttribute('aria-label')], [slide, label]);
     }
     assert.deepEqual(page.errors, []);
-    await page.context().close();
+    await page.done();
 });
 
 test('without autorun the page stays on slide 1 and has no pause; buttons, keys and dots move', async () => {
-    const page = await visit(shows.manual, 'laptop', true);
-    const sizes = await page.$$eval('.klSsSlides > img', (imgs) => imgs.map((i) => i.naturalWidth));
-    assert.deepEqual(sizes, [400, 400, 400, 400], 'every photo shows, the one named with "#" and "%" too');
+    const page = await visit(shows.manual, laptop, true);
     await page.clock.runFor(5000);
     assert.deepEqual([(await state(page)).shown, await page.locator('.klSsPause').count()], ['1', 0]);
     for (const [action, expected] of [['.klSsPrev', 4], ['ArrowRight', 1], ['.klSsNext', 2], ['.klSsDot >> nth=2', 3]]) {
@@ -116,11 +94,11 @@ test('without autorun the page stays on slide 1 and has no pause; buttons, keys 
         assert.deepEqual([s.shown, s.counter, s.dots], [`${expected}`, `${expected} / 4`, `${expected}`], action);
     }
     assert.deepEqual(page.errors, []);
-    await page.context().close();
+    await page.done();
 });
 
 test('offline at both sizes: every image from the output folder, slides at their own aspect, the logo clear of the dots', async () => {
-    for (const device of Object.keys(devices)) {
+    for (const device of [laptop, phone]) {
         const page = await visit(shows.defaults, device);
         const seen = await page.evaluate(() => {
             const meet = (a, b) => a.right > b.left && a.left < b.right && a.bottom > b.top && a.top < b.bottom;
@@ -139,16 +117,16 @@ test('offline at both sizes: every image from the output folder, slides at their
                     ? [...document.querySelectorAll('.klSsDot')].filter((d) => meet(d.getBoundingClientRect(), logo)).length : 'outside',
             };
         });
-        assert.deepEqual(seen, { broken: [], worstAspect: 'within 6 %', logo: 0 }, device);
+        assert.deepEqual(seen, { broken: [], worstAspect: 'within 6 %', logo: 0 }, device.name);
         // The font stylesheet the page names is the one request that would leave the machine.
-        assert.deepEqual(page.away.filter((u) => !u.startsWith('https://fonts.googleapis.com/css')), [], device);
+        assert.deepEqual(page.context().away.filter((u) => !u.startsWith('https://fonts.googleapis.com/css')), [], device.name);
         assert.deepEqual(page.errors, []);
-        await page.context().close();
+        await page.done();
     }
 });
 
 test('captions and the counter keep a contrast of 3:1 over a white and a black photo, light or dark', async () => {
-    for (const device of Object.keys(devices)) {
+    for (const device of [laptop, phone]) {
         for (const show of [shows.light, shows.dark]) {
             const page = await visit(show, device, true);
             for (const [slide, photo] of [[1, 'white'], [2, 'black']]) {
@@ -158,10 +136,10 @@ test('captions and the counter keep a contrast of 3:1 over a white and a black p
                 }, slide);
                 for (const part of ['.klSsText', '.klSsNumbertext']) {
                     const ratio = await contrast(page, page.locator(`.klSsSlides >> nth=${slide - 1} >> ${part}`));
-                    assert.ok(ratio >= 3, `${device} ${path.basename(path.dirname(show))} ${photo} ${part}: ${ratio}`);
+                    assert.ok(ratio >= 3, `${device.name} ${path.basename(path.dirname(show))} ${photo} ${part}: ${ratio}`);
                 }
             }
-            await page.context().close();
+            await page.done();
         }
     }
 });
@@ -190,5 +168,5 @@ test('the slider shows the first photo in a box of the exact size, then the late
     await page.screenshot({ path: path.join(outputRoot, 'slideshow-slider.png'), fullPage: true });
     await inView(2);
     assert.deepEqual(page.errors, []);
-    await page.context().close();
+    await page.done();
 });

@@ -13,7 +13,6 @@ import { chromium } from 'playwright-core';
 const here = path.dirname(fileURLToPath(import.meta.url));
 const jquery = fs.readFileSync(path.join(here, 'node_modules/jquery/jquery.min.js'));
 export const outputRoot = process.env.ORVELLA_TEST_OUTPUT || path.join(here, 'output');
-export const sourceDir = path.resolve(here, '../..');
 export const pageUrl = (file) => pathToFileURL(file).href;
 
 // A fresh empty folder under the test output.
@@ -49,17 +48,21 @@ export function generate(out, settings, photos, { kind = 'gallery', options = []
 }
 
 // A browser with a fresh profile; every request off the disk is answered locally or refused.
-// Offline, every one is refused, the CDN's jQuery too.
-async function launch(viewport, offline, screen = {}) {
+// Offline, every one is refused, the CDN's jQuery too, and kept in context.away.
+export async function launch(viewport, offline, screen = {}) {
     const profile = fs.mkdtempSync(path.join(os.tmpdir(), 'orvella-chromium-'));
     const context = await chromium.launchPersistentContext(profile, {
         executablePath: '/usr/bin/chromium', headless: true, viewport, ...screen,
         args: ['--no-sandbox', '--disable-gpu', '--no-first-run', '--disable-background-networking'],
     });
+    context.away = [];
     await context.route('**/*', (route) => {
         const url = new URL(route.request().url());
         if (url.protocol === 'file:' || url.protocol === 'data:') return route.continue();
-        if (offline) return route.abort('internetdisconnected');
+        if (offline) {
+            context.away.push(url.href);
+            return route.abort('internetdisconnected');
+        }
         if (url.hostname === 'ajax.googleapis.com' && url.pathname.endsWith('/jquery.min.js')) {
             return route.fulfill({ status: 200, contentType: 'application/javascript', body: jquery });
         }

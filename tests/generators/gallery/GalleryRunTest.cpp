@@ -2,9 +2,8 @@
 // files an earlier run left kept), the derivatives of each photo read back with libvips and
 // exiftool, and runs again into the same folder on real camera photos (what is unchanged is kept
 // as the same file, what changed is made again, and the folder always ends as a full run leaves
-// it). The support files are compiled into the program.
+// it).
 #include <QDateTime>
-#include <QImage>
 
 #include "generators/GeneratorFixtures.h"
 #include "generators/common/RunManifest.h"
@@ -19,14 +18,6 @@ const QString kSmall =
     "tfSmallCropWidth=40, pubPhotoRatio=0, tfSmallCropHeight=30, tfBigCropWidth=80, "
     "tfBigCropHeight=0, ";
 
-// Three small camera photos copied as p1.jpg, p2.jpg, p3.jpg, and a fourth as spare.jpg.
-QStringList copyPhotos(const QString& dir) {
-    QStringList copies = {dir + "p1.jpg", dir + "p2.jpg", dir + "p3.jpg", dir + "spare.jpg"};
-    const QStringList photos = cameraPhotos(4);
-    for (int i = 0; i < photos.size(); ++i) EXPECT_TRUE(QFile::copy(photos[i], copies[i]));
-    return copies;
-}
-
 // Every file under `dir` but the hidden record: relative path -> identity (inode and time).
 QMap<QString, RunManifest::FileState> identities(const QString& dir) {
     QMap<QString, RunManifest::FileState> files;
@@ -38,7 +29,7 @@ QMap<QString, RunManifest::FileState> identities(const QString& dir) {
 RunResult runGallery(const QString& dest, const QStringList& photos, const QString& set,
                      RecordingUserInterface& ui, bool rebuild = false) {
     return cResponsiveDesign::hCreateResponsiveHTML(
-        entries(photos.mid(0, 3)),
+        entries(photos),
         store("tfSmallCropWidth=40, pubPhotoRatio=0, tfSmallCropHeight=30, tfBigCropWidth=120, "
               "tfBigCropHeight=0, ifNumberOfColumns=2, ifNumberOfRows=1, " +
               set),
@@ -58,11 +49,13 @@ QString derive(const QStringList& photos, const QString& set,
     return dir;
 }
 
-// The images of these photos, or of all three.
-QStringList images(const QStringList& photos = {"p1", "p2", "p3"}) {
+// The images of these photos, sorted.
+QStringList images(const QStringList& photos) {
     QStringList files;
     for (const char* folder : {"KLimages_b/", "KLimages_b2x/", "KLimages_s/"})
-        for (const QString& photo : photos) files << folder + photo + ".jpeg";
+        for (const QString& photo : photos)
+            files << folder + QFileInfo(photo).completeBaseName() + ".jpeg";
+    files.sort();
     return files;
 }
 
@@ -95,8 +88,11 @@ TEST(GalleryRun, FilesOfARun) {
     EXPECT_EQ(header(dir + "KLimages_s/tall.png") + ", " + header(dir + "KLimages_b/tall.tiff"),
               "40x30 pngload, 60x80 tiffload");
 
-    const QStringList kept = {"KLovlightbox/jquery.lightbox.js", "KLovlightbox/close.gif",
-                              "KLovPatterns/dots.png"};
+    QStringList kept = {"KLovPatterns/dots.png"};
+    for (const char* name :
+         {"close.gif", "loading.gif", "klOrvella.png", "overlay.png", "jquery.lightbox.js",
+          "jquery02.lightbox.js", "next.png", "close.png", "previous.png"})
+        kept << QString("KLovlightbox/") + name;
     for (const QString& name : kept) {
         EXPECT_GT(QFile(dir + name).size(), 0) << name;
         testsupport::writeFile(dir + name, "kept");
@@ -110,7 +106,8 @@ TEST(GalleryRun, FilesOfARun) {
 // The derivatives of a landscape PNG, a portrait JPEG and a portrait TIFF (in that order), read
 // back with exiftool: the sizes of the thumbnails and of the big images, and the creator and
 // artist of both (the same in each). The metadata stays only when the photo is a JPEG or TIFF and
-// the output a PNG or TIFF; the TIFF reader brings XMP but no EXIF along. Nothing else is left.
+// the output keeps it (each format: tests/imaging); the TIFF reader brings XMP but no EXIF along.
+// Nothing else is left.
 TEST(GalleryRun, Derivatives) {
     const QString src = freshDir("gallery-derivatives-src");
     const QStringList photos = {makePhoto(src, "a.png", 400, 300),
@@ -135,8 +132,6 @@ TEST(GalleryRun, Derivatives) {
          "200x150 200x150 200x150", "200x100 150x100 150x100", none},
         {"pbImageFormat=png, pbBIGImageFormat=png", "40x30 40x30 40x30", "80x60 60x80 60x80",
          "- -|Keldra Keldra|Keldra -"},
-        {"pbImageFormat=tiff, pbBIGImageFormat=tiff", "40x30 40x30 40x30", "80x60 60x80 60x80",
-         "- -|Keldra Keldra|Keldra -"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.set.toStdString());
@@ -159,7 +154,8 @@ TEST(GalleryRun, Derivatives) {
 }
 
 // A thumbnail is the photo cut to the crop box's shape at the chosen position (with its shift) and
-// scaled to the box, nothing more: it matches a plain crop of the photo made here with libvips.
+// scaled to the box, nothing more: it matches a plain crop of the photo made here with libvips
+// (every position of the crop: tests/imaging).
 // The larger big image is twice the big one, up to the photo's own size, cut and framed alike.
 TEST(GalleryRun, ThumbnailsArePlainCropsAndTheLargerBigImageDoublesTheBigOne) {
     const QString photo = cameraPhotos(1).first();
@@ -169,8 +165,6 @@ TEST(GalleryRun, ThumbnailsArePlainCropsAndTheLargerBigImageDoublesTheBigOne) {
         const char* set;
         int position, shiftX, shiftY;
     } cases[] = {{"", 4, 0, 0},
-                 {"scImageCropThumbPos=0", 0, 0, 0},
-                 {"scImageCropThumbPos=8", 8, 0, 0},
                  {"tfSmallCropWidth=90, tfSmallCropHeight=160, scImageCropThumbPos=3", 3, 0, 0},
                  {"tfCropThumbXOffset=20, tfCropThumbYOffset=-5", 4, 20, -5}};
     for (const auto& c : cases) {
@@ -216,55 +210,42 @@ TEST(GalleryRerun, KeepsWhatIsUnchangedAndEndsAsAFullRun) {
     const struct {
         std::string name;  // what changes between the runs
         QString set;
-        QStringList remade;  // images made again; every other file keeps its identity
-        size_t alerts = 0;
+        int remade;  // the first photos whose images are made again; every other file is kept
         bool rebuild = false;
     } cases[] = {
-        {"identical second run", "", {}},
-        {"one photo replaced", "", images({"p2"})},
-        {"photo's time changed", "", images({"p1"})},
-        {"rebuild", "", images(), 0, true},
-        {"big image size changed", "tfBigCropWidth=100", images()},
-        {"big image deleted", "", images({"p3"})},
-        {"thumbnail altered", "", images({"p1"})},
-        {"record damaged", "", images(), 1},
+        {"identical second run", "", 0}, {"photo's time changed", "", 1},
+        {"rebuild", "", 3, true},        {"big image size changed", "tfBigCropWidth=100", 3},
+        {"thumbnail altered", "", 1},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
-        const QStringList photos = copyPhotos(freshDir("gallery-rerun-src"));
+        const QStringList photos = cameraPhotos(3, freshDir("gallery-rerun-src"));
         const QString dest = freshDir("gallery-rerun-out");
         RecordingUserInterface ui;
         const RunResult first = runGallery(dest, photos, "", ui);
         ASSERT_TRUE(first.ok && first.failures.isEmpty());
         ASSERT_TRUE(QFile::exists(dest + RunManifest::kFileName));
-        if (c.name == "one photo replaced") {
-            QFile::remove(photos[1]);
-            QFile::copy(photos[3], photos[1]);
-        } else if (c.name == "photo's time changed") {
+        if (c.name == "photo's time changed") {
             QFile file(photos[0]);
             ASSERT_TRUE(file.open(QIODevice::ReadWrite) &&
                         file.setFileTime(QDateTime::currentDateTime().addDays(-1),
                                          QFileDevice::FileModificationTime));
-        } else if (c.name == "big image deleted") {
-            QFile::remove(dest + "KLimages_b/p3.jpeg");
         } else if (c.name == "thumbnail altered") {
-            QFile file(dest + "KLimages_s/p1.jpeg");
+            QFile file(dest + images(photos.mid(0, 1)).last());
             ASSERT_TRUE(file.open(QIODevice::Append) && file.write("x") == 1);
-        } else if (c.name == "record damaged") {
-            testsupport::writeFile(dest + RunManifest::kFileName,
-                                   R"({"format": 1, "files": [{"path": "KLimages_b/p1.jpeg")");
         }
         const QMap<QString, RunManifest::FileState> before = identities(dest);
 
         const RunResult second = runGallery(dest, photos, c.set, ui, c.rebuild);
         EXPECT_TRUE(second.ok && second.failures.isEmpty());
-        EXPECT_EQ(ui.alerts.size(), c.alerts);
+        EXPECT_TRUE(ui.alerts.empty());
         const QMap<QString, RunManifest::FileState> after = identities(dest);
         QStringList changed;
         for (auto it = after.cbegin(); it != after.cend(); ++it)
             if (before.value(it.key()) != *it) changed.append(it.key());
         // Nothing but the images named changes identity, unless a setting changed.
-        EXPECT_EQ(c.set.isEmpty() ? changed : changed.filter("KLimages_"), c.remade);
+        EXPECT_EQ(c.set.isEmpty() ? changed : changed.filter("KLimages_"),
+                  images(photos.mid(0, c.remade)));
 
         // Byte for byte what a full run into an empty folder writes.
         const QString full = freshDir("gallery-rerun-full");
@@ -273,31 +254,5 @@ TEST(GalleryRerun, KeepsWhatIsUnchangedAndEndsAsAFullRun) {
         for (const QString& file : filesUnder(full))
             EXPECT_EQ(testsupport::readFile(dest + file), testsupport::readFile(full + file))
                 << file;
-    }
-}
-
-TEST(SupportFiles, NineLightboxFilesAreCompiledIn) {
-    const QByteArray source =
-        testsupport::readFile(ORVELLA_SOURCE_DIR "/resources/tools/lightbox.js.in");
-    ASSERT_FALSE(source.isEmpty());
-    const struct {
-        const char* name;
-        QSize size;
-        const char* showCaption;  // the scripts: generated from one source, the caption flag set
-    } cases[] = {{"close.gif", {32, 32}, nullptr},      {"loading.gif", {32, 32}, nullptr},
-                 {"klOrvella.png", {120, 32}, nullptr}, {"overlay.png", {8, 8}, nullptr},
-                 {"jquery.lightbox.js", {}, "false"},   {"jquery02.lightbox.js", {}, "true"},
-                 {"next.png", {64, 64}, nullptr},       {"close.png", {64, 64}, nullptr},
-                 {"previous.png", {64, 64}, nullptr}};
-    for (const auto& c : cases) {
-        const QByteArray bytes = testsupport::readFile(QStringLiteral(":/lightbox/") + c.name);
-        ASSERT_FALSE(bytes.isEmpty()) << c.name;
-        if (!c.showCaption) {
-            EXPECT_EQ(QImage::fromData(bytes).size(), c.size) << c.name;
-            continue;
-        }
-        EXPECT_EQ(bytes, QByteArray(source).replace("@SHOW_CAPTION@", c.showCaption)) << c.name;
-        // Titles come from photo metadata: they are set as text, never parsed as HTML.
-        EXPECT_FALSE(bytes.contains(".html(") || bytes.contains("innerHTML")) << c.name;
     }
 }

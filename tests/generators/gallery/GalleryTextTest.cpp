@@ -211,8 +211,7 @@ TEST(GalleryCss, ColumnsSetWidthsAndGridBreakpoints) {
         {{12}, "7.000000 14.000000 35.000000 49.999989 100"}};
     for (const auto& [columns, list] : widths)
         for (const int n : columns) EXPECT_EQ(cResponsiveDesign::widthList(n).join(' '), list) << n;
-    const std::pair<int, std::array<int, 5>> grids[] = {
-        {1, {1, 1, 1, 1, 1}}, {2, {2, 1, 2, 2, 2}}, {6, {2, 3, 4, 5, 6}}};
+    const std::pair<int, std::array<int, 5>> grids[] = {{1, {1, 1, 1, 1, 1}}, {2, {2, 1, 2, 2, 2}}};
     for (const auto& [columns, k] : grids)
         EXPECT_TRUE(
             GalleryCss::hCreateCssGridMod2(sampleArgs(), columns).contains(gridBreakpoints(k)))
@@ -239,18 +238,20 @@ TEST(GalleryCss, FontLinesAndWeights) {
 }
 
 // Both models, whole texts: caption and file name on in the table model (the photo's name and
-// caption escaped, its links encoded, the heading as it stands), both off in the grid model. The
-// redirect writes "/n" where a line feed is meant, kept on purpose.
+// caption escaped, its links encoded, the heading as it stands), both off in the grid model; the
+// stylesheet takes the pattern and the column count from the settings. The redirect writes "/n"
+// where a line feed is meant, kept on purpose.
 TEST(GalleryPages, WholePageOfEachModel) {
     const struct {
         QString set, photo, page, css;
         QStringList pieces;
     } models[] = {
         {"pubPhotoGalleryModel=0, cbCaptionStatus=0, pbFontFamily=Kanit, tfGridWidth=80, "
-         "tfPageTitle=T & T, tvTitle=<b>Hi</b>, btShowFileName=1, cbPgShowMetaData=1",
+         "tfPageTitle=T & T, tvTitle=<b>Hi</b>, btShowFileName=1, cbPgShowMetaData=1, "
+         "cbTbShowPatternImage=1, tfTbPatternPath=/x/dots.png",
          "/p/a&b #1.png",
          "myIndex",
-         "(max-width: 6000px)",
+         "background-image: url(../KLovPatterns/dots.png);",
          {"T &amp; T", " - Begin", "jquery", "<!-- Keldra: responsive design - End -->|", "Kanit",
           "80", "responsive design grid",
           R"(<div class="klOVtitle"><b>Hi</b></div>|<div class="klOVresponsive">|)"
@@ -262,10 +263,10 @@ TEST(GalleryPages, WholePageOfEachModel) {
           "http", "</div>|</div><!-- Keldra: grid - End -->|"}},
         {"pubPhotoGalleryModel=2, cbCaptionStatus=1, pbFontFamily=Exo 2, tfHTMLfileName=page, "
          "tfGridWidth=90, tfPageTitle=G, tvTitle=Heading, btShowFileName=0, cbPgShowMetaData=0, "
-         "pbImageFormat=png, pbBIGImageFormat=tiff",
+         "pbImageFormat=png, pbBIGImageFormat=tiff, ifNumberOfColumns=6",
          "/p/a.png",
          "page",
-         "@media (min-width: 400px)",
+         gridBreakpoints({2, 3, 4, 5, 6}),
          {"G", "", "jquery02", "", "Exo+2", "90", "grid",
           R"(<div class="klOVtitle">Heading<br><br></div>|<div class="klOVimages">|)"
           R"(<div class="klOVimg">|<a href="KLimages_b/a.tiff" rel="klOVlightbox" title="a">|)"
@@ -294,15 +295,14 @@ TEST(GalleryPages, WholePageOfEachModel) {
     }
 }
 
-// 13 and 12 photos at 12 a page, 5 at 3 x 2: the pages, their photos and navigation bars. An exact
-// multiple of the page size gives no page at all, kept on purpose.
+// 13 photos at 12 a page, 5 at 3 x 2: the pages, their photos and navigation bars. (An exact
+// multiple of the page size gives no page at all: tests/cli.)
 TEST(GalleryPages, PagesAndNavigation) {
     const struct {
         int photos;
         QString layout;
         std::vector<int> perPage;
     } cases[] = {{13, "ifNumberOfColumns=4, ifNumberOfRows=3", {12, 1}},
-                 {12, "ifNumberOfColumns=4, ifNumberOfRows=3", {}},
                  {5, "ifNumberOfColumns=3, ifNumberOfRows=2", {5}}};
     const QString nav =
         R"(<div id="navBar" class="klOVpageNav" style="width:100%;padding:6px;text-align:left;">)"
@@ -349,18 +349,14 @@ TEST(GalleryPages, RefusalsAndWarnings) {
             << set;
 }
 
-// Each ratio sets the crop height from the width by whole-number steps; index 0 and 9 leave it.
+// Each ratio sets the crop height from the width by whole-number steps (a width that shows their
+// order: 254 / 3 * 2 is 168, not 169); index 0 and 9 leave it.
 TEST(GalleryPages, CropRatioSetsTheHeightFromTheWidth) {
-    const int heights200[] = {77, 200, 132, 300, 66, 150, 264, 144, 108, 77};
-    const int heights250[] = {77, 250, 166, 375, 83, 186, 332, 180, 135, 77};
+    const int heights[] = {77, 254, 168, 381, 84, 189, 336, 189, 135, 77};
     for (int index = 0; index <= 9; ++index) {
-        for (const auto& [width, expected] :
-             {std::pair{200, heights200[index]}, std::pair{250, heights250[index]}}) {
-            SettingsStore s =
-                store("tfSmallCropHeight=77, tfSmallCropWidth=" + QString::number(width));
-            s.setText("pubPhotoRatio", QString::number(index));
-            cResponsiveDesign::settingEdited(s, "pubPhotoRatio");
-            EXPECT_EQ(s.integer("tfSmallCropHeight"), expected) << index << " " << width;
-        }
+        SettingsStore s = store("tfSmallCropHeight=77, tfSmallCropWidth=254");
+        s.setText("pubPhotoRatio", QString::number(index));
+        cResponsiveDesign::settingEdited(s, "pubPhotoRatio");
+        EXPECT_EQ(s.integer("tfSmallCropHeight"), heights[index]) << index;
     }
 }

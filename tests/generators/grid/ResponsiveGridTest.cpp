@@ -123,7 +123,8 @@ TEST(GridCss, WholeTextForEachPatternAndHover) {
 
 // The values the run computes from the settings: track sizes from the column count (the row a
 // truncated three quarters), the lightbox colour in "%f" components and its opacity as a
-// single-precision number prints, a pattern file name percent-encoded in its url.
+// single-precision number prints, the hover rules when switched on, a pattern file name
+// percent-encoded in its url.
 TEST(GridCss, ValuesFromTheSettings) {
     const struct {
         QString set;
@@ -133,7 +134,7 @@ TEST(GridCss, ValuesFromTheSettings) {
          "sliderLightboxRGBgColorOpacity=80",
          "300", "225", "rgba(255.000000,255.000000,255.000000,0.8);"},
         {"tfRGMaxColumns=7, tfNSColorWellObjRGLightboxBgColor=800040, "
-         "sliderLightboxRGBgColorOpacity=37",
+         "sliderLightboxRGBgColorOpacity=37, cbMagnifyHooverEffect=1",
          "171", "128", "rgba(128.000000,0.000000,64.000000,0.37);"},
         {"tfRGMaxColumns= 1 , sliderLightboxRGBgColorOpacity=100", "1200", "900",
          "rgba(30.000000,30.000000,30.000000,1);"},
@@ -148,6 +149,7 @@ TEST(GridCss, ValuesFromTheSettings) {
                                      .arg(c.columnWidth, c.rowHeight)))
             << c.set;
         EXPECT_TRUE(css.contains(QStringLiteral("background-color: ") + c.lightbox)) << c.set;
+        EXPECT_EQ(css.contains("img:hover"), c.set.contains("Hoover")) << c.set;
     }
 
     GridCssArgs args = sampleArgs(1, 0);
