@@ -72,7 +72,8 @@ VImage opened(const QString& path, const PhotoHeader& header, ShrinkOnLoad shrin
 }
 
 // Decodes the photo shrunk as far as shrinkOnLoad allows for `scale` of its upright size. Without
-// `wholeInMemory` the pixels are read from the file as they are used (once).
+// `wholeInMemory` the pixels of an upright photo without alpha are read from the file as they are
+// used (once).
 Picture decodeShrunk(const QString& path, const PhotoHeader& known, double scale,
                      bool wholeInMemory, QString* error) {
     if (!known.fault.isEmpty()) {
@@ -88,10 +89,11 @@ Picture decodeShrunk(const QString& path, const PhotoHeader& known, double scale
         const int orientation =
             image.get_typeof(VIPS_META_ORIENTATION) != 0 ? image.get_int(VIPS_META_ORIENTATION) : 1;
         image = ImageFileIo::toSrgb8(image, true);
-        if (wholeInMemory || orientation != 1) image = image.copy_memory();
-        // An alpha opaque everywhere says nothing: without it the images are made in 8 bits
-        // rather than premultiplied in floating point.
-        if (wholeInMemory && image.bands() == 4 && image.extract_band(3).min() == 255)
+        // A photo with alpha is held too: an alpha opaque everywhere says nothing, and without
+        // it the images are made in 8 bits rather than premultiplied in floating point.
+        const bool alpha = image.bands() == 4;
+        if (wholeInMemory || orientation != 1 || alpha) image = image.copy_memory();
+        if (alpha && image.extract_band(3).min() == 255)
             image = image.extract_band(0, VImage::option()->set("n", 3));
         if (orientation != 1) {
             image = image.autorot().copy_memory();
