@@ -1,6 +1,7 @@
 // How close the images made from a photo shrunk while decoding come to a reference made from the
 // whole photo (Lanczos3 to the same size, then the same cut), against vipsthumbnail's. Built and
-// run by bench/quality.
+// run by bench/quality. QUALITY_REFERENCE_GAP=2 makes the reference as libvips' resize does by
+// default instead: boxes averaged first down to twice the size, Lanczos3 for the rest.
 //
 //   quality OURS_DIR PHOTO...
 //
@@ -15,6 +16,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <map>
 #include <string>
@@ -90,10 +92,18 @@ VImage rgb8(VImage image) {
     return image.cast(VIPS_FORMAT_UCHAR);
 }
 
+// Lanczos3 all the way (libvips' resize with no "gap"), or with libvips' default gap of 2 (boxes
+// averaged first, down to twice the size) when QUALITY_REFERENCE_GAP says so.
+double referenceGap() {
+    const char* gap = std::getenv("QUALITY_REFERENCE_GAP");
+    return gap ? std::atof(gap) : 0.0;
+}
+
 VImage scaledAndCut(const VImage& decoded, const Geometry& g) {
-    VImage out =
-        decoded.resize(double(g.width) / decoded.width(),
-                       VImage::option()->set("vscale", double(g.height) / decoded.height()));
+    VImage out = decoded.resize(double(g.width) / decoded.width(),
+                                VImage::option()
+                                    ->set("vscale", double(g.height) / decoded.height())
+                                    ->set("gap", referenceGap()));
     if (out.width() < g.cutX + g.cutW || out.height() < g.cutY + g.cutH)
         out = out.embed(0, 0, g.cutX + g.cutW, g.cutY + g.cutH,
                         VImage::option()->set("extend", VIPS_EXTEND_COPY));

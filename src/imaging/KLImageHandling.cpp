@@ -44,13 +44,14 @@ QString reasonOf(const VError& e) {
 }
 
 // The pixels scaled to exactly width x height (stretched when the aspect differs), with alpha
-// premultiplied so that transparent edges do not darken.
+// premultiplied so that transparent edges do not darken. Lanczos all the way, with no averaging of
+// boxes first: closer to the photo, and in this library faster too.
 VImage scaledTo(const VImage& in, int width, int height) {
     const double hscale = double(width) / in.width();
     const double vscale = double(height) / in.height();
     const bool alpha = in.bands() == 4;
     VImage out = alpha ? in.premultiply() : in;
-    out = out.resize(hscale, VImage::option()->set("vscale", vscale));
+    out = out.resize(hscale, VImage::option()->set("vscale", vscale)->set("gap", 0.0));
     if (alpha) out = out.unpremultiply();
     if (out.format() != VIPS_FORMAT_UCHAR) out = out.cast(VIPS_FORMAT_UCHAR);
     // Rounding inside the resampler may leave a pixel more or less than asked for.
