@@ -87,7 +87,10 @@ Geometry geometryOf(const std::string& kind, int W, int H) {
 
 VImage rgb8(VImage image) {
     image = image.colourspace(VIPS_INTERPRETATION_sRGB);
-    if (image.bands() == 4) image = image.flatten();
+    // Onto white, as orvella writes a photo with transparency into a JPEG.
+    if (image.bands() == 4)
+        image =
+            image.flatten(VImage::option()->set("background", std::vector<double>{255, 255, 255}));
     if (image.bands() > 3) image = image.extract_band(0, VImage::option()->set("n", 3));
     return image.cast(VIPS_FORMAT_UCHAR);
 }
