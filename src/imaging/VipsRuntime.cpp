@@ -7,11 +7,11 @@
 
 #include "services/Log.h"
 
-// liborc up to 0.4.33 frees the code of a compiled program without the lock under which it
-// hands out code memory to a new one. A libvips pipeline dropped on one thread while another
-// builds one (every run does this, one photo per core) can then corrupt orc's list of code memory
-// and crash. libvips asks orc for both through these two calls; defining them here puts every
-// compile and every free under one lock of ours, and forwards to orc's own.
+// liborc 0.4.33 (the one Debian 12 ships) frees the code of a compiled program without the lock
+// under which it hands out code memory to a new one. A libvips pipeline dropped on one thread while
+// another builds one (every run does this, one photo per core) can then corrupt orc's list of code
+// memory and crash. libvips asks orc for both through these two calls; defining them here puts
+// every compile and every free under one lock of ours, and forwards to orc's own.
 namespace {
 
 std::mutex orcCodeLock;
