@@ -91,8 +91,8 @@ Picture decode(const QString& path, const PhotoHeader& header, double scale,
 
 // The same for a photo that makes one derivative only: its pixels are read from the file while
 // that derivative is written, so no copy of the whole photo is held (a photo that must be turned
-// upright is still read whole). The picture serves one operation and one write; a photo damaged
-// past its header fails at that write.
+// upright, or one with alpha, is still read whole). The picture serves one operation and one write;
+// a photo damaged past its header fails at that write.
 Picture decodeForOneUse(const QString& path, double scale, QString* error = nullptr);
 
 }  // namespace PhotoDecoder
