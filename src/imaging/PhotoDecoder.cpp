@@ -162,14 +162,11 @@ ShrinkOnLoad shrinkOnLoad(const PhotoHeader& header, int needWidth, int needHeig
         (needWidth >= header.width && needHeight >= header.height))
         return shrink;
     if (header.loader == u"VipsForeignLoadJpegFile") {
-        // The decoder shrinks the photo as the file stores it.
-        const int storedWidth = turned(header) ? header.height : header.width;
-        const int storedHeight = turned(header) ? header.width : header.height;
-        const int wideNeed = turned(header) ? needHeight : needWidth;
-        const int highNeed = turned(header) ? needWidth : needHeight;
+        // The decoder shrinks both sides by the same factor, so a photo stored turned needs the
+        // same factor as its upright form.
         for (const int k : {8, 4, 2}) {
-            if (storedWidth / k >= kJpegMargin * wideNeed &&
-                storedHeight / k >= kJpegMargin * highNeed) {
+            if (header.width / k >= kJpegMargin * needWidth &&
+                header.height / k >= kJpegMargin * needHeight) {
                 shrink.jpeg = k;
                 break;
             }

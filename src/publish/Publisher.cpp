@@ -8,6 +8,7 @@
 #include <QFileInfo>
 #include <QSet>
 #include <algorithm>
+#include <optional>
 
 #include "generators/common/RunManifest.h"
 #include "services/AtomicFile.h"
@@ -99,6 +100,20 @@ Result testConnection(const PublishDestination& destination,
 Result publish(const QString& folder, const PublishDestination& destination, const Options& options,
                const Callbacks& callbacks) {
     Result result;
+    // A site is not sent while a run writes it, nor written while it is sent: one writer per
+    // output folder, and a publish writes its record there.
+    std::optional<FolderLock> lock;
+    if (!options.dryRun) lock.emplace(folder, nullptr, nullptr);
+    if (lock && !lock->held()) {
+        result.failures.append(
+            lock->error().isEmpty()
+                ? QStringLiteral("process %1 is writing into %2: publish again when it has "
+                                 "finished")
+                      .arg(lock->holder())
+                      .arg(folder)
+                : folder + FolderLock::kFileName + QStringLiteral(": ") + lock->error());
+        return result;
+    }
     QString recordError;
     PublishRecord record = PublishRecord::read(folder, &recordError);
     if (!recordError.isEmpty())
