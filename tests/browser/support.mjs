@@ -76,19 +76,6 @@ export async function launch(viewport, offline, screen = {}) {
     return context;
 }
 
-// Declares the tests of `body` twice: with no network at all (the pages' own script stands in for
-// jQuery) and with jQuery answered from npm. `mode.browser` is the browser of the run.
-export function bothWays(body, viewport = { width: 1100, height: 800 }) {
-    for (const offline of [true, false]) {
-        describe(offline ? 'without a network' : 'with jQuery from the CDN', () => {
-            const mode = { offline };
-            before(async () => { mode.browser = await launch(viewport, offline); });
-            after(async () => mode.browser && mode.browser.closeAll());
-            body(mode);
-        });
-    }
-}
-
 // The screens the pages are measured on: a laptop at 1x and 2x, a phone at 3x.
 export const SCREENS = [
     { name: 'laptop', viewport: { width: 1440, height: 900 }, deviceScaleFactor: 1 },
@@ -96,20 +83,27 @@ export const SCREENS = [
     { name: 'phone 3x', viewport: { width: 390, height: 844 }, deviceScaleFactor: 3, isMobile: true, hasTouch: true },
 ];
 
-// Declares the tests of `body` once per screen, offline; `mode.browser` is the browser of the run.
-export function onScreens(body) {
-    for (const screen of SCREENS) {
+// Declares the tests of `body` once in a browser of each screen; `mode.browser` is the browser of the run.
+function inBrowsers(screens, body) {
+    for (const screen of screens) {
         describe(screen.name, () => {
-            const mode = { screen, phone: screen.viewport.width < 600 };
-            before(async () => {
-                const { name, viewport, ...rest } = screen;
-                mode.browser = await launch(viewport, true, rest);
-            });
+            const { name, viewport, offline, ...rest } = screen;
+            const mode = { screen, offline, phone: viewport.width < 600 };
+            before(async () => { mode.browser = await launch(viewport, offline, rest); });
             after(async () => mode.browser && mode.browser.closeAll());
             body(mode);
         });
     }
 }
+
+// Twice: with no network at all (the pages' own script stands in for jQuery) and with jQuery
+// answered from npm.
+export const bothWays = (body, viewport = { width: 1100, height: 800 }) => inBrowsers([
+    { name: 'without a network', viewport, offline: true },
+    { name: 'with jQuery from the CDN', viewport, offline: false }], body);
+
+// Once per screen, offline.
+export const onScreens = (body) => inBrowsers(SCREENS.map((screen) => ({ ...screen, offline: true })), body);
 
 // The lowest WCAG contrast between the text of an element (a selector's first, or a locator) and
 // any pixel behind it: a screenshot of the text's box with the text made transparent.

@@ -1,7 +1,6 @@
 #pragma once
 
-// What the generator test programs share: photos made with libvips, settings from "name=value"
-// lists, files read back, and the pieces of text that pages and stylesheets of every kind share.
+// What the generator test programs share.
 #include <gtest/gtest.h>
 
 #include <QUrl>

@@ -1,7 +1,4 @@
-// What every kind's run shares, through the one run driver: bad photos are named and the others
-// made; runs of different kinds, and of one kind into two folders, at once in one process with
-// all workers write byte for byte what each writes alone with one worker, also for two photos
-// whose images take one name; a cancel writes no page.
+// What every kind's run shares, through the one run driver.
 #include <QFileInfo>
 #include <atomic>
 #include <thread>
@@ -27,8 +24,6 @@ QMap<QString, QByteArray> contents(const QString& dir) {
     return files;
 }
 
-const QStringList kKinds = {"gallery", "slideshow", "grid"};
-
 // Cancels once the first photo's progress step arrives.
 struct CancellingUserInterface : RecordingUserInterface {
     void progressStep(double increment) override {
@@ -48,7 +43,7 @@ TEST(RunSite, CancelWritesNoPage) {
     QStringList photos;
     for (int i = 0; i < 6; ++i)
         photos.append(makePhoto(src, QStringLiteral("p%1.png").arg(i), 60, 40));
-    for (const QString& kind : kKinds) {
+    for (const QString kind : {"gallery", "slideshow", "grid"}) {
         SCOPED_TRACE(kind);
         const QString dir = freshDir("runsite-cancel-" + kind);
         testsupport::writeFile(dir + "mine.html", "mine");
@@ -61,6 +56,9 @@ TEST(RunSite, CancelWritesNoPage) {
     }
 }
 
+// Bad photos are named and the others made; runs of different kinds, and of one kind into two
+// folders, at once with all workers write byte for byte what each writes alone with one worker,
+// also for two photos whose images take one name.
 TEST(RunSite, RunsAtOnceMatchTheirSingleRunsAndNameBadPhotos) {
     const QString src = freshDir("runsite-src");
     testsupport::writeFile(src + "empty.jpg", "");

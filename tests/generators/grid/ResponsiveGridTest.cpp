@@ -1,6 +1,5 @@
-// The Responsive Grid, written out here from the rules of the format: the whole stylesheet for each
-// pattern/hover combination and the values computed from the settings, the page, the runs it
-// refuses; then its grid images, read back with libvips. (Whole runs: tests/cli and tests/browser.)
+// The Responsive Grid's texts, written out here from the rules of the format, and its images read
+// back with libvips. (Whole runs: tests/cli and tests/browser.)
 #include "generators/GeneratorFixtures.h"
 #include "generators/grid/cResponsiveGrid.h"
 

@@ -1,5 +1,4 @@
-// Whole slideshow runs on photos made here: the files written, the slides read back with libvips,
-// the captions from metadata, and the caption weight a panel carries from run to run.
+// Whole slideshow runs on photos made here, the slides read back with libvips.
 #include "generators/GeneratorFixtures.h"
 #include "generators/slideshow/cSlideshow.h"
 

@@ -1,6 +1,4 @@
-// The pages and stylesheets of both slideshow kinds, written out here from the rules of the
-// format: whole texts for settings that switch everything on and everything off, then the pieces
-// each remaining branch changes; the alerts and the caption weight of a run's plan.
+// The pages and stylesheets of both slideshow kinds, written out here from the rules of the format.
 #include <QRegularExpression>
 
 #include "generators/GeneratorFixtures.h"
