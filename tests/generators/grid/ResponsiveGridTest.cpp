@@ -129,9 +129,6 @@ TEST(GridCss, ValuesFromTheSettings) {
         QString set;
         const char *columnWidth, *rowHeight, *lightbox;
     } cases[] = {
-        {"tfRGMaxColumns=4, ascNSColorWellObjRGLightboxBgColor=FFFFFF, "
-         "sliderLightboxRGBgColorOpacity=80",
-         "300", "225", "rgba(255.000000,255.000000,255.000000,0.8);"},
         {"tfRGMaxColumns=7, tfNSColorWellObjRGLightboxBgColor=800040, "
          "sliderLightboxRGBgColorOpacity=37, cbMagnifyHooverEffect=1",
          "171", "128", "rgba(128.000000,0.000000,64.000000,0.37);"},
@@ -172,8 +169,7 @@ TEST(GridText, WholePages) {
         QString cells;
     } cases[] = {
         {"cbRgWebPageTitle=1, tfRgWebPageTitle=T & T, cbRgDescription=1, "
-         "tfRgDescription=<b>Hi</b>, "
-         "pubRgHTMLDescriptionFontFamily=Kanit",
+         "tfRgDescription=<b>Hi</b>, pubRgHTMLDescriptionFontFamily=Kanit",
          "<title>T &amp; T</title>|",
          "Kanit",
          R"(<div class="klovlRgDescription"><b>Hi</b></div>|)",
@@ -188,8 +184,7 @@ TEST(GridText, WholePages) {
          "",
          {},
          "klovlImage4|wide.jpeg|, klovlImage klovlImageVertical|tall.jpeg|, "
-         "klovlImage|plain.jpeg|, "
-         "klovlImage|my%20photo%231.jpeg|"},
+         "klovlImage|plain.jpeg|, klovlImage|my%20photo%231.jpeg|"},
     };
     for (const auto& c : cases) {
         const QList<PageFile> files = cResponsiveGrid::pageTexts(
@@ -224,8 +219,7 @@ TEST(GridText, Refusals) {
 // lightbox's images are 1200 and 2400 pixels on the longer side, never enlarged. Always JPEG,
 // named by the base name, whatever the source type.
 TEST(GridImages, CellShapeAndLightboxSizes) {
-    const QString src = freshDir("grid-images-src");
-    const QString out = freshDir("grid-images");
+    const QString src = freshDir("grid-images-src"), out = freshDir("grid-images");
     for (const char* folder : {"KLovImages", "KLovImages_b", "KLovImages_b2x"})
         QDir().mkpath(out + folder);
     const std::tuple<const char*, int, int, const char*> cases[] = {

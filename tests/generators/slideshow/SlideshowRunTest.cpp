@@ -1,4 +1,6 @@
 // Whole slideshow runs on photos made here, the slides read back with libvips.
+#include <QRegularExpression>
+
 #include "generators/GeneratorFixtures.h"
 #include "generators/slideshow/cSlideshow.h"
 
@@ -24,7 +26,10 @@ QString bandedPhoto(const QString& dir, const QString& name, int w, int h) {
 // 33, blue starts at 567). Slides are JPEGs named after the base name, whatever the source;
 // captions come from the photos' descriptions and names; the pattern is copied. (Turned photos:
 // tests/imaging, and through every kind tests/cli.)
-TEST(SlideshowRun, SlidesCaptionsAndFiles) {
+// The panel's next run with a "Light" caption weight keeps the weight this one carries; captions
+// off leave every caption block empty; the logo and the controls' script are written only while
+// buttons or dots show. A template index past the slider writes nothing.
+TEST(SlideshowRun, SlidesCaptionsFilesAndTheNextRuns) {
     const QString src = freshDir("slideshow-run-src"), dir = freshDir("slideshow-run");
     const QStringList photos = {bandedPhoto(src, "wide.jpg", 4000, 2000),
                                 bandedPhoto(src, "tall.png", 3000, 4000),
@@ -35,7 +40,8 @@ TEST(SlideshowRun, SlidesCaptionsAndFiles) {
         entries(photos, {"Hi <3"}),
         store("tfSsImageWidth=800, tfSsImageHeight=600, tfSsPageName=show, cbSsExifUC=1, "
               "tfSsMetaDataToShow=Show Filename;IPTC City;EXIF User Comment, "
-              "tfSsMetaDataValueSep= / , cbSsShowPatternImage=1, tfSsPatternPath=" +
+              "tfSsMetaDataValueSep= / , cbSsShowPatternImage=1, pubSsFileNameWeight=Medium, "
+              "tfSsPatternPath=" +
               pattern),
         ui, {dir, 2, true});
     ASSERT_TRUE(result.ok && result.failures.isEmpty() && ui.alerts.empty());
@@ -61,42 +67,31 @@ TEST(SlideshowRun, SlidesCaptionsAndFiles) {
             found += s.wide ? colourAt(slide, at, 300) : colourAt(slide, 400, at);
         EXPECT_EQ(found, s.colours) << s.file;
     }
-    const QString page = readText(dir + "show.html");
     QStringList captions;
-    for (qsizetype at = 0; (at = page.indexOf("<div class=\"klSsText\">", at)) >= 0;) {
-        at += 22;
-        captions << page.mid(at, page.indexOf("</div>", at) - at);
-    }
+    for (const QRegularExpressionMatch& m :
+         QRegularExpression(R"(<div class="klSsText">(.*?)</div>)")
+             .globalMatch(readText(dir + "show.html")))
+        captions << m.captured(1);
     EXPECT_EQ(captions, QStringList({"wide / Hi &lt;3", "tall", "50% off #1"}));
-}
 
-// The caption weight a run carries to the panel's next one, which a "Light" caption weight keeps;
-// captions off leave every caption block empty; the logo and the controls' script are written
-// only while buttons or dots show. A template index past the slider writes nothing.
-TEST(SlideshowRun, CarriedCaptionWeightAndOtherTemplates) {
-    const QString photo = makePhoto(freshDir("slideshow-carried-src"), "a.png", 40, 30);
-    const QString dir = freshDir("slideshow-carried");
-    RecordingUserInterface ui;
-    const RunResult result = cSlideshow::hCreateSlideShow(
-        entries({photo}), store("pubSsFileNameWeight=Medium"), ui, {freshDir("slideshow-first")});
-    ASSERT_TRUE(result.ok);
+    const QString next = freshDir("slideshow-carried");
     EXPECT_TRUE(
-        cSlideshow::hCreateSlideShow(entries({photo}, {"Hi"}),
+        cSlideshow::hCreateSlideShow(entries(photos.mid(2), {"Hi"}),
                                      store("pubSsFileNameWeight=Light, cbSsExifUC=0, "
                                            "tfSsMetaDataToShow=EXIF User Comment, cbSsAutorun=0, "
                                            "cbSsShowNavigationBtn=0, cbSsShowDots=0"),
-                                     ui, {.destination = dir, .carried = result.carried})
+                                     ui, {.destination = next, .carried = result.carried})
             .ok);
-    const QString css = readText(dir + "KLSlideShowcss/klovlSlideshow.css");
+    const QString css = readText(next + "KLSlideShowcss/klovlSlideshow.css");
     EXPECT_EQ(css.section(".klSsText {", 1).section("font-weight:", 1, 1).section(';', 0, 0),
               "500");
-    EXPECT_TRUE(readText(dir + "slideshow.html").contains("<div class=\"klSsText\"></div>"));
-    EXPECT_EQ(filesUnder(dir + "KLSlideShowcss/"), QStringList{"klovlSlideshow.css"});
+    EXPECT_TRUE(readText(next + "slideshow.html").contains("<div class=\"klSsText\"></div>"));
+    EXPECT_EQ(filesUnder(next + "KLSlideShowcss/"), QStringList{"klovlSlideshow.css"});
 
     const QString none = freshDir("slideshow-template-3");
     SettingsStore odd = store();
     odd.setText("pubSsTemplateChoice", "3");
     RecordingUserInterface quiet;
-    EXPECT_FALSE(cSlideshow::hCreateSlideShow(entries({photo}), odd, quiet, {none, 1, true}).ok);
+    EXPECT_FALSE(cSlideshow::hCreateSlideShow(entries(photos), odd, quiet, {none, 1, true}).ok);
     EXPECT_TRUE(QDir(none).isEmpty() && quiet.alerts.empty() && quiet.starts == 0);
 }
