@@ -1,6 +1,5 @@
-// Shared helpers of the browser tests: synthetic photos, generation through the program, and a
-// Chromium that sees the files on disk and either nothing else or the two CDNs the pages use
-// (served locally), with what a user sees of the lightbox.
+// Shared helpers of the browser tests: photos, generation through the program, and a Chromium
+// that sees the files on disk and either nothing else or the two CDNs the pages use (served here).
 import assert from 'node:assert/strict';
 import { execFileSync } from 'node:child_process';
 import fs from 'node:fs';
@@ -138,11 +137,15 @@ export async function contrast(page, element) {
 }
 
 // Opens a page (with `hash` in its address) once its lightbox script is ready, unless it has
-// none; script errors are collected in page.errors.
-export async function open(context, file, { hash = '', lightbox = true } = {}) {
+// none. page.done() checks that the page met no script error and closes it (or calls `closing`).
+export async function open(context, file, { hash = '', lightbox = true, closing } = {}) {
     const page = await context.newPage();
     page.errors = [];
     page.on('pageerror', (e) => page.errors.push(String(e)));
+    page.done = async () => {
+        assert.deepEqual(page.errors, []);
+        await (closing ? closing() : page.close());
+    };
     await page.goto(pageUrl(file) + hash);
     if (lightbox) await page.waitForFunction(() => window.jQuery && typeof window.jQuery.fn.lightbox === 'function');
     return page;
@@ -203,10 +206,9 @@ export async function openLoaded(mode, file, images) {
     return page;
 }
 
-// Opens the lightbox from the link `link` to the big image `big` (of a photo `width` pixels wide)
-// and checks what the user of the screen sees: as many image pixels a CSS pixel as the screen has
-// (up to 1.5 and the photo's own), the image taking the screen, three buttons of at least 28 px
-// at full opacity, the counter, and a caption of at least 14 px at a contrast of 4.5:1.
+// Opens the lightbox from `link` to the big image `big` (of a photo `width` pixels wide) and checks
+// it takes the screen with the image pixels the screen has (up to 1.5 and the photo's own), three
+// buttons of at least 28 px at full opacity, and a caption of at least 14 px at a contrast of 4.5:1.
 export async function expectLightbox(page, mode, { link, big, width, counter }) {
     await page.locator(link).click();
     await waitForPhoto(page, big);

@@ -54,9 +54,8 @@ QStringList images(const QStringList& photos) {
 
 }  // namespace
 
-// A run with thumbnails and big images in other formats than the photos, captions from metadata
-// (the file name item with its extension), and a pattern. A second run keeps the support files
-// that are there and writes the redirect again.
+// Images in other formats than the photos, captions from metadata, a pattern. A second run keeps
+// the support files that are there and writes the redirect again.
 TEST(GalleryRun, FilesOfARun) {
     const QString src = freshDir("gallery-run-src"), dir = freshDir("gallery-run");
     const QList<PhotoEntry> photos = entries(
@@ -96,11 +95,9 @@ TEST(GalleryRun, FilesOfARun) {
     EXPECT_TRUE(QFile::exists(dir + "index.html"));
 }
 
-// The derivatives of a landscape PNG, a portrait JPEG and a portrait TIFF (in that order), read
-// back with exiftool: the sizes of the thumbnails and of the big images, and the creator and
-// artist of both (the same in each). The metadata stays only when the photo is a JPEG or TIFF and
-// the output keeps it (each format: tests/imaging); the TIFF reader brings XMP but no EXIF along.
-// Nothing else is left.
+// A landscape PNG, a portrait JPEG and a portrait TIFF: sizes, creator and artist of the thumbnails
+// and big images, by exiftool. The metadata stays only when the photo is a JPEG or TIFF and the
+// output keeps it; the TIFF reader brings XMP but no EXIF along. Nothing else is left.
 TEST(GalleryRun, Derivatives) {
     const QString src = freshDir("gallery-derivatives-src");
     const QStringList photos = {makePhoto(src, "a.png", 400, 300),
@@ -146,10 +143,8 @@ TEST(GalleryRun, Derivatives) {
     }
 }
 
-// A thumbnail is the photo cut to the crop box's shape at the chosen position (with its shift) and
-// scaled to the box, nothing more: it matches a plain crop of the photo made here with libvips
-// (every position of the crop: tests/imaging).
-// The larger big image is twice the big one, up to the photo's own size, cut and framed alike.
+// A thumbnail is a plain crop of the photo at the chosen position and shift, scaled to the box
+// (every position: tests/imaging). The larger big image is twice the big one, up to the photo's own.
 TEST(GalleryRun, ThumbnailsArePlainCropsAndTheLargerBigImageDoublesTheBigOne) {
     const QString photo = cameraPhotos(1).first();
     const vips::VImage source = fixtures::load(photo);

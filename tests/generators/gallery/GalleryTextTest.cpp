@@ -234,10 +234,8 @@ TEST(GalleryCss, FontLinesAndWeights) {
     EXPECT_EQ(cResponsiveDesign::fileNameWeight("Light", "700"), "300");
 }
 
-// Both models, whole texts: caption and file name on in the table model (the photo's name and
-// caption escaped, its links encoded, the heading as it stands), both off in the grid model; the
-// stylesheet takes the pattern and the column count from the settings. The redirect writes "/n"
-// where a line feed is meant, kept on purpose.
+// Caption and file name on in the table model (escaped, links encoded, the heading as it stands),
+// both off in the grid model. The redirect writes "/n" where a line feed is meant, kept on purpose.
 TEST(GalleryPages, WholePageOfEachModel) {
     const struct {
         QString set, photo, page, css;

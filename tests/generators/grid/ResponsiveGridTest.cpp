@@ -120,10 +120,8 @@ TEST(GridCss, WholeTextForEachPatternAndHover) {
             << "pattern " << pattern << ", hover " << hover;
 }
 
-// The values the run computes from the settings: track sizes from the column count (the row a
-// truncated three quarters), the lightbox colour in "%f" components and its opacity as a
-// single-precision number prints, the hover rules when switched on, a pattern file name
-// percent-encoded in its url.
+// Track sizes from the column count (the row a truncated three quarters), the lightbox colour in
+// "%f" components and its opacity as a float prints, a pattern file name percent-encoded.
 TEST(GridCss, ValuesFromTheSettings) {
     const struct {
         QString set;

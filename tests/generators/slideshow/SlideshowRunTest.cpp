@@ -23,12 +23,8 @@ QString bandedPhoto(const QString& dir, const QString& name, int w, int h) {
 
 // Slides cover the box and keep its centre: 4000 x 2000 is scaled to 1200 x 600 and cut at x = 200
 // (red ends at 100, blue starts at 700); 3000 x 4000 to 800 x 1066 and cut at y = 233 (red ends at
-// 33, blue starts at 567). Slides are JPEGs named after the base name, whatever the source;
-// captions come from the photos' descriptions and names; the pattern is copied. (Turned photos:
-// tests/imaging, and through every kind tests/cli.)
-// The panel's next run with a "Light" caption weight keeps the weight this one carries; captions
-// off leave every caption block empty; the logo and the controls' script are written only while
-// buttons or dots show. A template index past the slider writes nothing.
+// 33, blue starts at 567). A next run with a "Light" caption weight keeps the weight this one
+// carries; the logo and the controls' script are written only while buttons or dots show.
 TEST(SlideshowRun, SlidesCaptionsFilesAndTheNextRuns) {
     const QString src = freshDir("slideshow-run-src"), dir = freshDir("slideshow-run");
     const QStringList photos = {bandedPhoto(src, "wide.jpg", 4000, 2000),

@@ -304,10 +304,8 @@ TEST(SlideshowText, RefusalsAndWarnings) {
         {"tfSsImageWidth=0", "stops Sorry, the photo box is not possible."},
         {"cbSsAutorun=1, tfSsInterval=4);alert(1", interval},
         {"pubSsTemplateChoice=2, cbSsAutorun=0, tfSsInterval=", interval},
-        {"cbSsAutorun=0, cbSsShowNavigationBtn=0, cbSsShowDots=1, tfSsInterval=x",
-         "The slides do not change by themselves|Autorun and the previous and next buttons are "
-         "off: only the dots move between the slides."},
-        {"cbSsAutorun=0, cbSsShowNavigationBtn=0, cbSsShowDots=0",
+        // With the dots on: tests/cli.
+        {"cbSsAutorun=0, cbSsShowNavigationBtn=0, cbSsShowDots=0, tfSsInterval=x",
          "The slides do not change by themselves|Autorun, the buttons and the dots are off: the "
          "show stays on its first slide."},
         {"cbSsAutorun=0, cbSsShowNavigationBtn=0, pubSsTemplateChoice=2", ""},
