@@ -7,6 +7,7 @@
 
 #include "collection/PhotoCollection.h"
 #include "generators/common/GeneratorRun.h"
+#include "generators/common/RunManifest.h"
 #include "imaging/ImagingFixtures.h"
 #include "support/TestSupport.h"
 
@@ -47,6 +48,13 @@ inline QString planAlerts(const SitePlan& plan) {
     if (plan.refusal) lines << "stops " + plan.refusal->title;
     for (const RunAlert& w : plan.warnings) lines << w.title + "|" + w.description;
     return lines.join('\n');
+}
+
+// Every file of a site but the run record (which holds times), by relative path.
+inline QMap<QString, QByteArray> siteUnder(const QString& dir) {
+    QMap<QString, QByteArray> files = testsupport::contentsUnder(dir);
+    files.remove(RunManifest::kFileName);
+    return files;
 }
 
 inline QString readText(const QString& path) {

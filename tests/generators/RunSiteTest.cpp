@@ -5,7 +5,6 @@
 
 #include "generators/GeneratorFixtures.h"
 #include "generators/OutputKinds.h"
-#include "generators/common/RunManifest.h"
 
 using namespace gen;
 
@@ -15,13 +14,6 @@ RunResult run(const QString& kind, const QString& dir, const QStringList& paths,
               int threads = 2) {
     return OutputKinds::find(kind)->run(entries(paths), store(), ui,
                                         RunOptions{.destination = dir, .threads = threads});
-}
-
-// Every file of a run but the run record (which holds times) by relative path.
-QMap<QString, QByteArray> contents(const QString& dir) {
-    QMap<QString, QByteArray> files = testsupport::contentsUnder(dir);
-    files.remove(RunManifest::kFileName);
-    return files;
 }
 
 // Cancels once the first photo's progress step arrives.
@@ -86,7 +78,7 @@ TEST(RunSite, RunsAtOnceMatchTheirSingleRunsAndNameBadPhotos) {
         for (const QString& name : bad)  // and nothing is made of them
             EXPECT_EQ(filesUnder(dir).filter(QFileInfo(name).completeBaseName() + "."),
                       QStringList());
-        alone.append(contents(dir));
+        alone.append(siteUnder(dir));
         dirs.append(freshDir(QStringLiteral("runsite-together-%1").arg(i)));
     }
     std::vector<std::thread> threads;
@@ -99,7 +91,7 @@ TEST(RunSite, RunsAtOnceMatchTheirSingleRunsAndNameBadPhotos) {
     for (std::thread& t : threads) t.join();
     for (int i = 0; i < runs.size(); ++i) {
         EXPECT_TRUE(results[size_t(i)].ok && results[size_t(i)].failures.size() == bad.size());
-        const QMap<QString, QByteArray> together = contents(dirs[i]);
+        const QMap<QString, QByteArray> together = siteUnder(dirs[i]);
         EXPECT_TRUE(together == alone[i] && !together.isEmpty()) << runs[i];
     }
 }

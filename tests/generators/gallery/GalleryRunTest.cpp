@@ -2,7 +2,6 @@
 #include <QDateTime>
 
 #include "generators/GeneratorFixtures.h"
-#include "generators/common/RunManifest.h"
 #include "generators/gallery/cResponsiveDesign.h"
 
 using namespace gen;
@@ -144,7 +143,8 @@ TEST(GalleryRun, Derivatives) {
 }
 
 // A thumbnail is a plain crop of the photo at the chosen position and shift, scaled to the box
-// (every position: tests/imaging). The larger big image is twice the big one, up to the photo's own.
+// (every position: tests/imaging). The larger big image is twice the big one, up to the photo's
+// own.
 TEST(GalleryRun, ThumbnailsArePlainCropsAndTheLargerBigImageDoublesTheBigOne) {
     const QString photo = cameraPhotos(1).first();
     const vips::VImage source = fixtures::load(photo);
@@ -233,9 +233,6 @@ TEST(GalleryRerun, KeepsWhatIsUnchangedAndEndsAsAFullRun) {
         // Byte for byte what a full run into an empty folder writes.
         const QString full = freshDir("gallery-rerun-full");
         ASSERT_TRUE(runGallery(full, photos, c.set, ui).ok);
-        EXPECT_EQ(filesUnder(dest), filesUnder(full));
-        for (const QString& file : filesUnder(full))
-            EXPECT_EQ(testsupport::readFile(dest + file), testsupport::readFile(full + file))
-                << file;
+        EXPECT_TRUE(siteUnder(dest) == siteUnder(full));
     }
 }

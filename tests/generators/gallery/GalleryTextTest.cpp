@@ -290,23 +290,20 @@ TEST(GalleryPages, WholePageOfEachModel) {
     }
 }
 
-// 13 photos at 12 a page: two pages, each with the navigation bar. (One page has none:
-// WholePageOfEachModel; an exact multiple of the page size gives no page at all: tests/cli.)
-TEST(GalleryPages, PagesAndNavigation) {
+// 13 photos at 12 a page: both pages have the navigation bar. (One page has none:
+// WholePageOfEachModel; moving between pages: tests/browser.)
+TEST(GalleryPages, NavigationBarOnEveryPage) {
     const QList<PageFile> files =
         cResponsiveDesign::pageTexts(settings("ifNumberOfColumns=4, ifNumberOfRows=3"),
                                      entries(QStringList(13, "/p/t.png")), {});
-    QStringList names;
-    for (const PageFile& f : files) names.append(f.path);
-    EXPECT_EQ(names.join(' '), "KLcss/klGScss.css myIndex.html myIndex2.html index.html");
-    for (const auto& [page, photos] : {std::pair{1, 12}, {2, 1}}) {
-        EXPECT_EQ(files.value(page).text.count(R"(<div class="klOVimg">)"), photos);
-        EXPECT_TRUE(files.value(page).text.contains(
+    ASSERT_EQ(files.size(), 4);
+    for (const int page : {1, 2})
+        EXPECT_TRUE(files[page].text.contains(
             R"(<div id="navBar" class="klOVpageNav" )"
             R"(style="width:100%;padding:6px;text-align:left;">)"
             R"(<a href="myIndex.html"> 1 </a><a href="myIndex2.html">2 </a></div>)"
-            R"(<div class="klOVtitle">)"));
-    }
+            R"(<div class="klOVtitle">)"))
+            << page;
 }
 
 // What stops a run before anything is written (the photos' own refusals are the run driver's),
