@@ -45,12 +45,15 @@ bothWays((mode) => {
             assert.equal(address(page), `index.html#photo=${name}.jpeg`);
         }
         assert.equal((await lightbox(page)).prev, false, 'photo01 is the first of the page');
-        // Opened from the highlighted landscape cell, the lightbox goes on into the other group.
+        // Opened from the highlighted landscape cell, the lightbox goes on into the other group;
+        // markup in a title stays text.
         await page.keyboard.press('Escape');
         await page.locator('.klovlImage4 a').click();
         await waitForPhoto(page, big('photo01'));
+        await page.$eval('a[href$="photo02.jpeg"]', (a) => a.setAttribute('title', '<b>bold</b> & co'));
         await page.keyboard.press('ArrowRight');
         await waitForPhoto(page, big('photo02'));
+        assert.equal((await lightbox(page)).caption, '<b>bold</b> & co');
         await page.done();
     });
 }, { width: 1400, height: 900 });

@@ -21,8 +21,7 @@ TEST(ImageWorkers, BudgetStopsAFourthLargeDecodeFromStarting) {
     for (const auto& c : cases) {
         std::mutex mutex;
         std::condition_variable changed;
-        int running = 0;
-        int most = 0;
+        int running = 0, most = 0;
         bool release = false;
         RecordingUserInterface ui;
         const int photos = int(c.costs.size());

@@ -136,8 +136,8 @@ TEST(GridCss, ValuesFromTheSettings) {
          "rgba(30.000000,30.000000,30.000000,0);"},
     };
     for (const auto& c : cases) {
-        const GridSettings g = cResponsiveGrid::readSettings(store(c.set), "/out/");
-        const QString css = GridCss::hCreateResponsiveGridCss(g.css);
+        const QString css = GridCss::hCreateResponsiveGridCss(
+            cResponsiveGrid::readSettings(store(c.set), "/out/").css);
         EXPECT_TRUE(css.contains(QStringLiteral("minmax(%1px, 1fr));\ngrid-template-rows: "
                                                 "repeat(auto-fill, minmax(%2px, 1fr));")
                                      .arg(c.columnWidth, c.rowHeight)))
