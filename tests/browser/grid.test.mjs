@@ -1,5 +1,4 @@
-// A generated Responsive Grid in Chromium: the lightbox across both of its groups of cells and its
-// deep links at a 1400-pixel window, and the default grid of highlighted photos on every screen.
+// A generated Responsive Grid in Chromium.
 import assert from 'node:assert/strict';
 import { execFileSync } from 'node:child_process';
 import fs from 'node:fs';

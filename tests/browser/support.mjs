@@ -14,7 +14,6 @@ const jquery = fs.readFileSync(path.join(here, 'node_modules/jquery/jquery.min.j
 export const outputRoot = process.env.ORVELLA_TEST_OUTPUT || path.join(here, 'output');
 export const pageUrl = (file) => pathToFileURL(file).href;
 
-// A fresh empty folder under the test output.
 export function freshDir(name) {
     const dir = path.join(outputRoot, name);
     fs.rmSync(dir, { recursive: true, force: true });
@@ -101,7 +100,6 @@ export const bothWays = (body, viewport = { width: 1100, height: 800 }) => inBro
     { name: 'without a network', viewport, offline: true },
     { name: 'with jQuery from the CDN', viewport, offline: false }], body);
 
-// Once per screen, offline.
 export const onScreens = (body) => inBrowsers(SCREENS.map((screen) => ({ ...screen, offline: true })), body);
 
 // The lowest WCAG contrast between the text of an element (a selector's first, or a locator) and

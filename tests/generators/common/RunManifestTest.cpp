@@ -1,5 +1,4 @@
-// The record of earlier runs, kept by a stand-in kind on stand-in photos. (Real galleries:
-// tests/generators/gallery.)
+// The record of earlier runs, kept by a stand-in kind on stand-in photos.
 #include <gtest/gtest.h>
 
 #include <QFile>

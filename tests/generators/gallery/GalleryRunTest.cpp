@@ -8,7 +8,6 @@ using namespace gen;
 
 namespace {
 
-// Thumbnails of 40 x 30 and big images of 80.
 const QString kSmall =
     "tfSmallCropWidth=40, pubPhotoRatio=0, tfSmallCropHeight=30, tfBigCropWidth=80, "
     "tfBigCropHeight=0, ";
@@ -41,7 +40,6 @@ QString derive(const QStringList& photos, const QString& set) {
     return dir;
 }
 
-// The images of these photos, sorted.
 QStringList images(const QStringList& photos) {
     QStringList files;
     for (const char* folder : {"KLimages_b/", "KLimages_b2x/", "KLimages_s/"})
@@ -104,9 +102,7 @@ TEST(GalleryRun, Derivatives) {
                                 makePhoto(src, "c.tif", 300, 400)};
     for (const QString& photo : photos) fixtures::tagArtist(photo);
     const QString none = "- -|- -|- -";
-    const struct {
-        QString set, thumbs, bigs, metadata;
-    } cases[] = {
+    const std::tuple<QString, QString, QString, QString> cases[] = {
         // Scale by width and by height: only the height step stays...
         {"pubThumbAction=1, tfSmallCropWidth=100, tfSmallCropHeight=120, tfBigCropWidth=160",
          "160x120 90x120 90x120", "160x120 120x160 120x160", none},
@@ -122,16 +118,16 @@ TEST(GalleryRun, Derivatives) {
         {"pbImageFormat=png, pbBIGImageFormat=png", "40x30 40x30 40x30", "80x60 60x80 60x80",
          "- -|Keldra Keldra|Keldra -"},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.set.toStdString());
-        const QString dir = derive(photos, kSmall + c.set);
+    for (const auto& [set, thumbs, bigs, metadata] : cases) {
+        SCOPED_TRACE(set.toStdString());
+        const QString dir = derive(photos, kSmall + set);
         for (const auto& [folder, sizes] :
-             {std::pair{"KLimages_s/", c.thumbs}, {"KLimages_b/", c.bigs}}) {
+             {std::pair{"KLimages_s/", thumbs}, {"KLimages_b/", bigs}}) {
             QStringList files, expected;
             for (const QString& f : QDir(dir + folder).entryList(QDir::Files | QDir::Hidden))
                 files << dir + folder + f;
             for (int i = 0; i < 3; ++i)
-                expected << sizes.split(' ').value(i) + " " + c.metadata.split('|').value(i);
+                expected << sizes.split(' ').value(i) + " " + metadata.split('|').value(i);
             QString out;
             testsupport::runProgram(
                 "exiftool",
@@ -142,17 +138,13 @@ TEST(GalleryRun, Derivatives) {
     }
 }
 
-// A thumbnail is a plain crop of the photo at the chosen position and shift, scaled to the box
-// (every position: tests/imaging). The larger big image is twice the big one, up to the photo's
-// own.
+// A thumbnail is a plain crop of the photo at the chosen position and shift, scaled to the box; the
+// larger big image is twice the big one, up to the photo's own size.
 TEST(GalleryRun, ThumbnailsArePlainCropsAndTheLargerBigImageDoublesTheBigOne) {
     const QString photo = cameraPhotos(1).first();
     const vips::VImage source = fixtures::load(photo);
     const int W = source.width(), H = source.height();
-    const struct {
-        const char* set;
-        int cw, ch, position, shiftX, shiftY;
-    } cases[] = {
+    const std::tuple<const char*, int, int, int, int, int> cases[] = {
         {"", 160, 90, 4, 0, 0},
         {"tfSmallCropWidth=90, tfSmallCropHeight=160, scImageCropThumbPos=3", 90, 160, 3, 0, 0},
         {"tfCropThumbXOffset=20, tfCropThumbYOffset=-5", 160, 90, 4, 20, -5}};

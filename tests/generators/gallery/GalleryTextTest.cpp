@@ -198,7 +198,6 @@ TEST(GalleryCss, EachBranchChangesItsPiece) {
     }
 }
 
-// The width list of the table model, and the grid model's columns at each breakpoint.
 TEST(GalleryCss, ColumnsSetWidthsAndGridBreakpoints) {
     const std::vector<std::pair<std::vector<int>, QString>> widths = {
         {{1, 2, 3}, "24.999990 49.999981 49.999989 49.999989 100"},

@@ -123,10 +123,7 @@ TEST(GridCss, WholeTextForEachPatternAndHover) {
 // Track sizes from the column count (the row a truncated three quarters), the lightbox colour in
 // "%f" components and its opacity as a float prints, a pattern file name percent-encoded.
 TEST(GridCss, ValuesFromTheSettings) {
-    const struct {
-        QString set;
-        const char *columnWidth, *rowHeight, *lightbox;
-    } cases[] = {
+    const std::tuple<QString, const char*, const char*, const char*> cases[] = {
         {"tfRGMaxColumns=7, tfNSColorWellObjRGLightboxBgColor=800040, "
          "sliderLightboxRGBgColorOpacity=37, cbMagnifyHooverEffect=1",
          "171", "128", "rgba(128.000000,0.000000,64.000000,0.37);"},
@@ -135,15 +132,15 @@ TEST(GridCss, ValuesFromTheSettings) {
         {"tfRGMaxColumns=1200, sliderLightboxRGBgColorOpacity=0", "1", "0",
          "rgba(30.000000,30.000000,30.000000,0);"},
     };
-    for (const auto& c : cases) {
+    for (const auto& [set, columnWidth, rowHeight, lightbox] : cases) {
         const QString css = GridCss::hCreateResponsiveGridCss(
-            cResponsiveGrid::readSettings(store(c.set), "/out/").css);
+            cResponsiveGrid::readSettings(store(set), "/out/").css);
         EXPECT_TRUE(css.contains(QStringLiteral("minmax(%1px, 1fr));\ngrid-template-rows: "
                                                 "repeat(auto-fill, minmax(%2px, 1fr));")
-                                     .arg(c.columnWidth, c.rowHeight)))
-            << c.set;
-        EXPECT_TRUE(css.contains(QStringLiteral("background-color: ") + c.lightbox)) << c.set;
-        EXPECT_EQ(css.contains("img:hover"), c.set.contains("Hoover")) << c.set;
+                                     .arg(columnWidth, rowHeight)))
+            << set;
+        EXPECT_TRUE(css.contains(QStringLiteral("background-color: ") + lightbox)) << set;
+        EXPECT_EQ(css.contains("img:hover"), set.contains("Hoover")) << set;
     }
 
     GridCssArgs args = sampleArgs(1, 0);
