@@ -183,35 +183,33 @@ TEST(GalleryRun, ThumbnailsArePlainCropsAndTheLargerBigImageDoublesTheBigOne) {
 }
 
 TEST(GalleryRerun, KeepsWhatIsUnchangedAndEndsAsAFullRun) {
-    const struct {
-        std::string name;  // what changes between the runs
-        QString set;
-        int remade;  // the first photos whose images are made again; every other file is kept
-        bool rebuild = false;
-    } cases[] = {
-        {"identical second run", "", 0}, {"photo's time changed", "", 1},
-        {"rebuild", "", 3, true},        {"big image size changed", "tfBigCropWidth=100", 3},
-        {"thumbnail altered", "", 1},
+    // What changes between the runs, and the first photos whose images are made again.
+    const std::tuple<QString, QString, bool, int> cases[] = {
+        {"identical second run", "", false, 0},
+        {"photo's time changed", "", false, 1},
+        {"rebuild", "", true, 3},
+        {"big image size changed", "tfBigCropWidth=100", false, 3},
+        {"thumbnail altered", "", false, 1},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
+    for (const auto& [name, set, rebuild, remade] : cases) {
+        SCOPED_TRACE(name);
         const QStringList photos = cameraPhotos(3, freshDir("gallery-rerun-src"));
         const QString dest = freshDir("gallery-rerun-out");
         RecordingUserInterface ui;
         const RunResult first = runGallery(dest, photos, "", ui);
         ASSERT_TRUE(first.ok && first.failures.isEmpty());
-        if (c.name == "photo's time changed") {
+        if (name == "photo's time changed") {
             QFile file(photos[0]);
             ASSERT_TRUE(file.open(QIODevice::ReadWrite) &&
                         file.setFileTime(QDateTime::currentDateTime().addDays(-1),
                                          QFileDevice::FileModificationTime));
-        } else if (c.name == "thumbnail altered") {
+        } else if (name == "thumbnail altered") {
             QFile file(dest + images(photos.mid(0, 1)).last());
             ASSERT_TRUE(file.open(QIODevice::Append) && file.write("x") == 1);
         }
         const QMap<QString, RunManifest::FileState> before = identities(dest);
 
-        const RunResult second = runGallery(dest, photos, c.set, ui, c.rebuild);
+        const RunResult second = runGallery(dest, photos, set, ui, rebuild);
         EXPECT_TRUE(second.ok && second.failures.isEmpty());
         EXPECT_TRUE(ui.alerts.empty());
         const QMap<QString, RunManifest::FileState> after = identities(dest);
@@ -219,12 +217,12 @@ TEST(GalleryRerun, KeepsWhatIsUnchangedAndEndsAsAFullRun) {
         for (auto it = after.cbegin(); it != after.cend(); ++it)
             if (before.value(it.key()) != *it) changed.append(it.key());
         // Nothing but the images named changes identity, unless a setting changed.
-        EXPECT_EQ(c.set.isEmpty() ? changed : changed.filter("KLimages_"),
-                  images(photos.mid(0, c.remade)));
+        EXPECT_EQ(set.isEmpty() ? changed : changed.filter("KLimages_"),
+                  images(photos.mid(0, remade)));
 
         // Byte for byte what a full run into an empty folder writes.
         const QString full = freshDir("gallery-rerun-full");
-        ASSERT_TRUE(runGallery(full, photos, c.set, ui).ok);
+        ASSERT_TRUE(runGallery(full, photos, set, ui).ok);
         EXPECT_TRUE(siteUnder(dest) == siteUnder(full));
     }
 }

@@ -148,12 +148,7 @@ TEST(GalleryCss, WholeTextOfEachModel) {
 // What the pattern, the hover magnifier, the thumbnail border and thumbnail action 1 change in
 // each model: a piece that must be there, and one that must not.
 TEST(GalleryCss, EachBranchChangesItsPiece) {
-    const struct {
-        bool grid;
-        int pattern, magnify, action;
-        QString border, present;
-        const char* absent;
-    } cases[] = {
+    const std::tuple<bool, int, int, int, QString, QString, const char*> cases[] = {
         {false, 1, 0, 0, "0",
          R"(position: fixed;|z-index: -10;|width: 100%;|height: 100%;|)"
          R"(background-color:#101010;}||.KLovTableBased-container::before {|content: "";|)"
@@ -185,16 +180,15 @@ TEST(GalleryCss, EachBranchChangesItsPiece) {
         {true, 0, 0, 1, "0", "width: 24.99999%;|height: 24.99999%;|}||@media (min-width: 400px)",
          nullptr},
     };
-    for (const auto& c : cases) {
+    for (const auto& [grid, pattern, magnify, action, border, present, absent] : cases) {
         GalleryCssArgs a = sampleArgs();
-        a.patternOn = c.pattern;
-        a.magnifyOnHover = c.magnify;
-        a.thumbnailAction = c.action;
-        a.thumbnailBorderThickness = c.border;
-        const QString css =
-            c.grid ? GalleryCss::hCreateCssGridMod2(a, 4) : GalleryCss::hCreateCss(a);
-        EXPECT_TRUE(css.contains(text(c.present))) << c.present;
-        EXPECT_FALSE(c.absent && css.contains(c.absent)) << c.present;
+        a.patternOn = pattern;
+        a.magnifyOnHover = magnify;
+        a.thumbnailAction = action;
+        a.thumbnailBorderThickness = border;
+        const QString css = grid ? GalleryCss::hCreateCssGridMod2(a, 4) : GalleryCss::hCreateCss(a);
+        EXPECT_TRUE(css.contains(text(present))) << present;
+        EXPECT_FALSE(absent && css.contains(absent)) << present;
     }
 }
 
@@ -236,10 +230,7 @@ TEST(GalleryCss, FontLinesAndWeights) {
 // Caption and file name on in the table model (escaped, links encoded, the heading as it stands),
 // both off in the grid model. The redirect writes "/n" where a line feed is meant, kept on purpose.
 TEST(GalleryPages, WholePageOfEachModel) {
-    const struct {
-        QString set, photo, page, css;
-        QStringList pieces;
-    } models[] = {
+    const std::tuple<QString, QString, QString, QString, QStringList> models[] = {
         {"pubPhotoGalleryModel=0, cbCaptionStatus=0, pbFontFamily=Kanit, tfGridWidth=80, "
          "tfPageTitle=T & T, tvTitle=<b>Hi</b>, btShowFileName=1, cbPgShowMetaData=1, "
          "cbTbShowPatternImage=1, tfTbPatternPath=/x/dots.png",
@@ -268,14 +259,14 @@ TEST(GalleryPages, WholePageOfEachModel) {
           R"(</div><!-- Keldra: grid - End -->|)",
           "https", ""}},
     };
-    for (const auto& m : models) {
+    for (const auto& [set, photo, name, css, pieces] : models) {
         const QList<PageFile> files =
-            cResponsiveDesign::pageTexts(settings(m.set), entries({m.photo}), {R"(<i> & "q")"});
+            cResponsiveDesign::pageTexts(settings(set), entries({photo}), {R"(<i> & "q")"});
         ASSERT_EQ(files.size(), 3);
-        EXPECT_TRUE(files[0].path == "KLcss/klGScss.css" && files[0].text.contains(m.css));
-        EXPECT_EQ(files[1].path, m.page + ".html");
+        EXPECT_TRUE(files[0].path == "KLcss/klGScss.css" && files[0].text.contains(css));
+        EXPECT_EQ(files[1].path, name + ".html");
         QString page = kPage;
-        for (const QString& piece : m.pieces) page = page.arg(piece);
+        for (const QString& piece : pieces) page = page.arg(piece);
         EXPECT_TEXT(files[1].text, text(page));
         EXPECT_EQ(files[2].path, "index.html");
         EXPECT_TEXT(files[2].text,
@@ -285,7 +276,7 @@ TEST(GalleryPages, WholePageOfEachModel) {
                          R"(device-width, initial-scale=1.0" />/n<title>my first )"
                          R"(responsive designed picture gallery</title>/n<script>)"
                          R"(window.location.href = ")" +
-                         m.page + R"(.html"</script>|</head>|<body></body>)"));
+                         name + R"(.html"</script>|</head>|<body></body>)"));
     }
 }
 

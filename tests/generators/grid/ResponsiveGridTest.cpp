@@ -158,11 +158,7 @@ TEST(GridText, WholePages) {
     photos[1].orientation = photos[3].orientation = "V";  // any highlight but 1 is none
     photos[2].highlight = 2;
     photos[3].highlight = 0;
-    const struct {
-        QString set, title, family, description;
-        QStringList captions;
-        QString cells;
-    } cases[] = {
+    const std::tuple<QString, QString, QString, QString, QStringList, QString> cases[] = {
         {"cbRgWebPageTitle=1, tfRgWebPageTitle=T & T, cbRgDescription=1, "
          "tfRgDescription=<b>Hi</b>, pubRgHTMLDescriptionFontFamily=Kanit",
          "<title>T &amp; T</title>|",
@@ -181,14 +177,13 @@ TEST(GridText, WholePages) {
          "klovlImage4|wide.jpeg|, klovlImage klovlImageVertical|tall.jpeg|, "
          "klovlImage|plain.jpeg|, klovlImage|my%20photo%231.jpeg|"},
     };
-    for (const auto& c : cases) {
+    for (const auto& [set, title, family, description, captions, cellList] : cases) {
         const QList<PageFile> files = cResponsiveGrid::pageTexts(
-            cResponsiveGrid::readSettings(store(c.set), "/out/"), photos, c.captions);
+            cResponsiveGrid::readSettings(store(set), "/out/"), photos, captions);
         ASSERT_EQ(files.size(), 2);
         EXPECT_EQ(files[0].path, "KLResponsiveGridCss/klovlResponsiveGrid.css");
-        EXPECT_EQ(files[1].path, c.set.contains("start") ? "start.html" : "index.html");
-        EXPECT_TEXT(files[1].text,
-                    text(kPage.arg(c.title, c.family, c.description, cells(c.cells))));
+        EXPECT_EQ(files[1].path, set.contains("start") ? "start.html" : "index.html");
+        EXPECT_TEXT(files[1].text, text(kPage.arg(title, family, description, cells(cellList))));
     }
 }
 

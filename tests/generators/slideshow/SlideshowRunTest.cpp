@@ -48,20 +48,15 @@ TEST(SlideshowRun, SlidesCaptionsFilesAndTheNextRuns) {
                            "KLSsImages/tall.jpeg", "KLSsImages/wide.jpeg", "KLovPatterns/dots.png",
                            "show.html"}));
     EXPECT_EQ(testsupport::readFile(dir + "KLovPatterns/dots.png"), testsupport::readFile(pattern));
-    const struct {
-        QString file;
-        bool wide;
-        std::array<int, 4> probes;  // along the long side
-        QString colours;
-    } slides[] = {{"wide.jpeg", true, {90, 110, 690, 710}, "rggb"},
-                  {"tall.jpeg", false, {25, 42, 558, 575}, "rggb"}};
-    for (const auto& s : slides) {
-        const QString slide = dir + "KLSsImages/" + s.file;
+    const std::tuple<QString, bool, std::array<int, 4>> slides[] = {
+        {"wide.jpeg", true, {90, 110, 690, 710}}, {"tall.jpeg", false, {25, 42, 558, 575}}};
+    for (const auto& [file, wide, probes] : slides) {  // along the long side
+        const QString slide = dir + "KLSsImages/" + file;
         EXPECT_EQ(header(slide), "800x600 jpegload");
         QString found;
-        for (const int at : s.probes)
-            found += s.wide ? colourAt(slide, at, 300) : colourAt(slide, 400, at);
-        EXPECT_EQ(found, s.colours) << s.file;
+        for (const int at : probes)
+            found += wide ? colourAt(slide, at, 300) : colourAt(slide, 400, at);
+        EXPECT_EQ(found, "rggb") << file;
     }
     QStringList captions;
     for (const QRegularExpressionMatch& m :
