@@ -1,6 +1,4 @@
-// Generated Photo Galleries driven in Chromium like a user would: the lightbox, the pages and
-// their layout, file names that need percent-encoding, and how a gallery of real photographs
-// looks when no setting is changed.
+// Generated Photo Galleries driven in Chromium like a user would.
 import assert from 'node:assert/strict';
 import { execFileSync } from 'node:child_process';
 import fs from 'node:fs';
@@ -8,7 +6,7 @@ import path from 'node:path';
 import { before, test } from 'node:test';
 import {
     act, address, bothWays, contrast, expectLightbox, freshDir, generate, lightbox, makePhotos, onScreens,
-    open, openLoaded, outputRoot, pageUrl, settled, waitForPhoto,
+    open, openLoaded, pageUrl, settled, waitForPhoto,
 } from './support.mjs';
 
 const ODD = ['a#b', 'what?', '100%', 'two words', 'semi;colon', 'Ünïcødé', 'amp&er', 'plain-name_1'];
@@ -20,11 +18,7 @@ before(() => {
     const photos = makePhotos(path.join(root, 'photos'), 5);
     const make = (name, settings, list = photos) => generate(path.join(root, name), settings, list);
     const page = (...args) => path.join(make(...args), 'myIndex.html');
-    const onePage = { ifNumberOfColumns: 3, ifNumberOfRows: 2 };  // the five photos on one page
-    site.plain = page('plain', { ...onePage, cbCaptionStatus: 0 });
-    site.captioned = page('captioned', {
-        ...onePage, cbCaptionStatus: 1, cbPgShowMetaData: 1, btShowFileName: 1, tfPgMetaDataToShow: 'Show Filename',
-    });
+    site.plain = page('plain', { ifNumberOfColumns: 3, ifNumberOfRows: 2, cbCaptionStatus: 0 });  // one page
     site.paged = make('paged', { ifNumberOfColumns: 2, ifNumberOfRows: 1 });  // pages of 2, 2 and 1
     site.odd = page('odd', { ifNumberOfColumns: 4, ifNumberOfRows: 3 }, makePhotos(path.join(root, 'odd'), ODD));
     // Real photographs captioned through their EXIF comments, one caption long enough to wrap.
@@ -40,7 +34,7 @@ before(() => {
     site.looks = page('looks', {}, real);
 });
 
-const shows = (prev, next, caption = null) => ({ open: true, blurred: true, prev, next, caption });
+const shows = (prev, next) => ({ open: true, blurred: true, prev, next, caption: null });
 const big = (name) => `KLimages_b/${name}.jpeg`;
 
 bothWays((mode) => {
@@ -57,7 +51,6 @@ bothWays((mode) => {
         assert.deepEqual(await lightbox(page), shows(true, true));
         const b = await page.locator('.klOVlightbox img').boundingBox();
         assert.ok(b.x >= 40 && b.y >= 40 && b.x + b.width <= 1060 && b.y + b.height <= 760, JSON.stringify(b));
-        await page.screenshot({ path: path.join(outputRoot, 'lightbox-open.png') });
         for (const [action, name] of [['.klOVlightbox_nav_prev', 'photo01'], [-20, 'photo01'], ['ArrowRight', 'photo02']]) {
             await act(page, action);
             await waitForPhoto(page, big(name));
@@ -71,8 +64,7 @@ bothWays((mode) => {
             await waitForPhoto(page, big('photo01'));
         }
         assert.equal(await page.evaluate(() => history.length), entries, 'no history entry per photo');
-        assert.deepEqual(page.errors, []);
-        await page.close();
+        await page.done();
     });
 
     test('a page opened with #photo= shows that photo; a changed fragment is followed', async () => {
@@ -91,20 +83,7 @@ bothWays((mode) => {
             assert.equal((await lightbox(page)).open, false, hash);
             assert.equal(new URL(page.url()).hash, `#${hash}`);
         }
-        assert.deepEqual(page.errors, []);
-        await page.close();
-    });
-
-    test('the captioned variant shows the titles as text, markup too', async () => {
-        const page = await load(site.captioned);
-        await page.evaluate(() => document.querySelectorAll('.klOVimg a')[1].setAttribute('title', '<b>bold</b> & co'));
-        await page.locator('.klOVimg a').nth(1).click();
-        await waitForPhoto(page, big('photo02'));
-        assert.equal((await lightbox(page)).caption, '<b>bold</b> & co', 'markup in a title stays text');
-        await page.keyboard.press('ArrowRight');
-        await waitForPhoto(page, big('photo03'));
-        assert.equal((await lightbox(page)).caption, await page.locator('.klOVimg a').nth(2).getAttribute('title'));
-        await page.close();
+        await page.done();
     });
 
     test('the navigation bar reaches every page; the lightbox crosses them, the last photo stays; #photo=first and last', async () => {
@@ -138,7 +117,6 @@ bothWays((mode) => {
             assert.equal(address(page), `${where}.jpeg`);
         }
         assert.deepEqual(await lightbox(page), shows(true, false));
-        assert.deepEqual(page.errors, []);
         // Back in the history: the page before, at the photo it showed.
         await page.goBack();
         await page.waitForURL((u) => u.pathname.endsWith('/myIndex2.html'));
@@ -150,7 +128,7 @@ bothWays((mode) => {
             await waitForPhoto(page, big(name));
             assert.equal(address(page), `${file}#photo=${name}.jpeg`);
         }
-        await page.close();
+        await page.done();
     });
 
     test('every thumbnail and big image of an odd file name loads, and its deep link opens it again', async () => {
@@ -174,16 +152,13 @@ bothWays((mode) => {
             await waitForPhoto(page, href);
             assert.equal(page.url(), url, 'the fragment stays as it was');
         }
-        assert.deepEqual(page.errors, []);
-        await page.close();
+        await page.done();
     });
 
 });
 
-// The default gallery of twelve real photographs on a laptop (1x and 2x) and a phone (3x): every
-// thumbnail at its photo's shape and sharp, rows centred under a heading clear of the top, captions
-// readable on their cells, and a lightbox that takes the screen with clear controls, a counter and
-// an image with the pixels the screen has.
+// The default gallery of twelve real photographs on every screen: thumbnails sharp, rows centred
+// under a heading clear of the top, captions readable on their cells.
 onScreens((mode) => {
     test('the default gallery and its lightbox', async () => {
         const page = await openLoaded(mode, site.looks, '.klOVimg img');
@@ -204,7 +179,6 @@ onScreens((mode) => {
         assert.ok(m.sharpness >= Math.min(1.5, mode.screen.deviceScaleFactor), `thumbnails: ${m.sharpness} px a CSS px`);
         const ratio = await contrast(page, '.klOVdescription');
         assert.ok(ratio >= 4.5, `caption contrast ${ratio}`);
-        await page.screenshot({ path: path.join(outputRoot, `looks-${mode.screen.name}.png`), fullPage: true });
 
         const requested = [];
         page.on('request', (r) => requested.push(decodeURIComponent(r.url())));
@@ -212,8 +186,6 @@ onScreens((mode) => {
         for (const name of ['Blinds', 'FreshFlower']) {  // the photos before and after
             assert.ok(requested.some((url) => new RegExp(`KLimages_b(2x)?/${name}\\.jpeg$`).test(url)), name);
         }
-        await page.screenshot({ path: path.join(outputRoot, `lightbox-${mode.screen.name}.png`) });
-        assert.deepEqual(page.errors, []);
-        await page.close();
+        await page.done();
     });
 });

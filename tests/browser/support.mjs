@@ -1,6 +1,5 @@
-// Shared helpers of the browser tests: synthetic photos, generation through the program, and a
-// Chromium that sees the files on disk and either nothing else or the two CDNs the pages use
-// (served locally), with what a user sees of the lightbox.
+// Shared helpers of the browser tests: photos, generation through the program, and a Chromium
+// that sees the files on disk and either nothing else or the two CDNs the pages use (served here).
 import assert from 'node:assert/strict';
 import { execFileSync } from 'node:child_process';
 import fs from 'node:fs';
@@ -15,7 +14,6 @@ const jquery = fs.readFileSync(path.join(here, 'node_modules/jquery/jquery.min.j
 export const outputRoot = process.env.ORVELLA_TEST_OUTPUT || path.join(here, 'output');
 export const pageUrl = (file) => pathToFileURL(file).href;
 
-// A fresh empty folder under the test output.
 export function freshDir(name) {
     const dir = path.join(outputRoot, name);
     fs.rmSync(dir, { recursive: true, force: true });
@@ -76,19 +74,6 @@ export async function launch(viewport, offline, screen = {}) {
     return context;
 }
 
-// Declares the tests of `body` twice: with no network at all (the pages' own script stands in for
-// jQuery) and with jQuery answered from npm. `mode.browser` is the browser of the run.
-export function bothWays(body, viewport = { width: 1100, height: 800 }) {
-    for (const offline of [true, false]) {
-        describe(offline ? 'without a network' : 'with jQuery from the CDN', () => {
-            const mode = { offline };
-            before(async () => { mode.browser = await launch(viewport, offline); });
-            after(async () => mode.browser && mode.browser.closeAll());
-            body(mode);
-        });
-    }
-}
-
 // The screens the pages are measured on: a laptop at 1x and 2x, a phone at 3x.
 export const SCREENS = [
     { name: 'laptop', viewport: { width: 1440, height: 900 }, deviceScaleFactor: 1 },
@@ -96,20 +81,26 @@ export const SCREENS = [
     { name: 'phone 3x', viewport: { width: 390, height: 844 }, deviceScaleFactor: 3, isMobile: true, hasTouch: true },
 ];
 
-// Declares the tests of `body` once per screen, offline; `mode.browser` is the browser of the run.
-export function onScreens(body) {
-    for (const screen of SCREENS) {
+// Declares the tests of `body` once in a browser of each screen; `mode.browser` is the browser of the run.
+function inBrowsers(screens, body) {
+    for (const screen of screens) {
         describe(screen.name, () => {
-            const mode = { screen, phone: screen.viewport.width < 600 };
-            before(async () => {
-                const { name, viewport, ...rest } = screen;
-                mode.browser = await launch(viewport, true, rest);
-            });
+            const { name, viewport, offline, ...rest } = screen;
+            const mode = { screen, offline, phone: viewport.width < 600 };
+            before(async () => { mode.browser = await launch(viewport, offline, rest); });
             after(async () => mode.browser && mode.browser.closeAll());
             body(mode);
         });
     }
 }
+
+// Twice: with no network at all (the pages' own script stands in for jQuery) and with jQuery
+// answered from npm.
+export const bothWays = (body, viewport = { width: 1100, height: 800 }) => inBrowsers([
+    { name: 'without a network', viewport, offline: true },
+    { name: 'with jQuery from the CDN', viewport, offline: false }], body);
+
+export const onScreens = (body) => inBrowsers(SCREENS.map((screen) => ({ ...screen, offline: true })), body);
 
 // The lowest WCAG contrast between the text of an element (a selector's first, or a locator) and
 // any pixel behind it: a screenshot of the text's box with the text made transparent.
@@ -144,11 +135,15 @@ export async function contrast(page, element) {
 }
 
 // Opens a page (with `hash` in its address) once its lightbox script is ready, unless it has
-// none; script errors are collected in page.errors.
-export async function open(context, file, { hash = '', lightbox = true } = {}) {
+// none. page.done() checks that the page met no script error and closes it (or calls `closing`).
+export async function open(context, file, { hash = '', lightbox = true, closing } = {}) {
     const page = await context.newPage();
     page.errors = [];
     page.on('pageerror', (e) => page.errors.push(String(e)));
+    page.done = async () => {
+        assert.deepEqual(page.errors, []);
+        await (closing ? closing() : page.close());
+    };
     await page.goto(pageUrl(file) + hash);
     if (lightbox) await page.waitForFunction(() => window.jQuery && typeof window.jQuery.fn.lightbox === 'function');
     return page;
@@ -209,10 +204,9 @@ export async function openLoaded(mode, file, images) {
     return page;
 }
 
-// Opens the lightbox from the link `link` to the big image `big` (of a photo `width` pixels wide)
-// and checks what the user of the screen sees: as many image pixels a CSS pixel as the screen has
-// (up to 1.5 and the photo's own), the image taking the screen, three buttons of at least 28 px
-// at full opacity, the counter, and a caption of at least 14 px at a contrast of 4.5:1.
+// Opens the lightbox from `link` to the big image `big` (of a photo `width` pixels wide) and checks
+// it takes the screen with the image pixels the screen has (up to 1.5 and the photo's own), three
+// buttons of at least 28 px at full opacity, and a caption of at least 14 px at a contrast of 4.5:1.
 export async function expectLightbox(page, mode, { link, big, width, counter }) {
     await page.locator(link).click();
     await waitForPhoto(page, big);

@@ -1,13 +1,13 @@
 #pragma once
 
-// What the generator test programs share: photos made with libvips, settings from "name=value"
-// lists, files read back, and the pieces of text that pages and stylesheets of every kind share.
+// What the generator test programs share.
 #include <gtest/gtest.h>
 
 #include <QUrl>
 
 #include "collection/PhotoCollection.h"
 #include "generators/common/GeneratorRun.h"
+#include "generators/common/RunManifest.h"
 #include "imaging/ImagingFixtures.h"
 #include "support/TestSupport.h"
 
@@ -48,6 +48,13 @@ inline QString planAlerts(const SitePlan& plan) {
     if (plan.refusal) lines << "stops " + plan.refusal->title;
     for (const RunAlert& w : plan.warnings) lines << w.title + "|" + w.description;
     return lines.join('\n');
+}
+
+// Every file of a site but the run record (which holds times), by relative path.
+inline QMap<QString, QByteArray> siteUnder(const QString& dir) {
+    QMap<QString, QByteArray> files = testsupport::contentsUnder(dir);
+    files.remove(RunManifest::kFileName);
+    return files;
 }
 
 inline QString readText(const QString& path) {

@@ -1,14 +1,10 @@
-// What every kind's run shares, through the one run driver: bad photos are named and the others
-// made; runs of different kinds, and of one kind into two folders, at once in one process with
-// all workers write byte for byte what each writes alone with one worker, also for two photos
-// whose images take one name; a cancel writes no page.
+// What every kind's run shares, through the one run driver.
 #include <QFileInfo>
 #include <atomic>
 #include <thread>
 
 #include "generators/GeneratorFixtures.h"
 #include "generators/OutputKinds.h"
-#include "generators/common/RunManifest.h"
 
 using namespace gen;
 
@@ -19,15 +15,6 @@ RunResult run(const QString& kind, const QString& dir, const QStringList& paths,
     return OutputKinds::find(kind)->run(entries(paths), store(), ui,
                                         RunOptions{.destination = dir, .threads = threads});
 }
-
-// Every file of a run but the run record (which holds times) by relative path.
-QMap<QString, QByteArray> contents(const QString& dir) {
-    QMap<QString, QByteArray> files = testsupport::contentsUnder(dir);
-    files.remove(RunManifest::kFileName);
-    return files;
-}
-
-const QStringList kKinds = {"gallery", "slideshow", "grid"};
 
 // Cancels once the first photo's progress step arrives.
 struct CancellingUserInterface : RecordingUserInterface {
@@ -48,7 +35,7 @@ TEST(RunSite, CancelWritesNoPage) {
     QStringList photos;
     for (int i = 0; i < 6; ++i)
         photos.append(makePhoto(src, QStringLiteral("p%1.png").arg(i), 60, 40));
-    for (const QString& kind : kKinds) {
+    for (const QString kind : {"gallery", "slideshow", "grid"}) {
         SCOPED_TRACE(kind);
         const QString dir = freshDir("runsite-cancel-" + kind);
         testsupport::writeFile(dir + "mine.html", "mine");
@@ -61,6 +48,9 @@ TEST(RunSite, CancelWritesNoPage) {
     }
 }
 
+// Bad photos are named and the others made; runs of different kinds, and of one kind into two
+// folders, at once with all workers write byte for byte what each writes alone with one worker,
+// also for two photos whose images take one name.
 TEST(RunSite, RunsAtOnceMatchTheirSingleRunsAndNameBadPhotos) {
     const QString src = freshDir("runsite-src");
     testsupport::writeFile(src + "empty.jpg", "");
@@ -88,7 +78,7 @@ TEST(RunSite, RunsAtOnceMatchTheirSingleRunsAndNameBadPhotos) {
         for (const QString& name : bad)  // and nothing is made of them
             EXPECT_EQ(filesUnder(dir).filter(QFileInfo(name).completeBaseName() + "."),
                       QStringList());
-        alone.append(contents(dir));
+        alone.append(siteUnder(dir));
         dirs.append(freshDir(QStringLiteral("runsite-together-%1").arg(i)));
     }
     std::vector<std::thread> threads;
@@ -101,7 +91,7 @@ TEST(RunSite, RunsAtOnceMatchTheirSingleRunsAndNameBadPhotos) {
     for (std::thread& t : threads) t.join();
     for (int i = 0; i < runs.size(); ++i) {
         EXPECT_TRUE(results[size_t(i)].ok && results[size_t(i)].failures.size() == bad.size());
-        const QMap<QString, QByteArray> together = contents(dirs[i]);
+        const QMap<QString, QByteArray> together = siteUnder(dirs[i]);
         EXPECT_TRUE(together == alone[i] && !together.isEmpty()) << runs[i];
     }
 }

@@ -11,11 +11,7 @@ TEST(CaptionBuilder, ItemsInOrderSkippingEmptyValues) {
                      "-EXIF:DateTimeOriginal=2019:07:14 18:03:22", photo});
     const QString bare = gen::makePhoto(src, "bare.jpg", 40, 30);
     using F = CaptionBuilder::FileName;
-    const struct {
-        QString items, separator, path, description;
-        F rule;
-        QString caption;
-    } cases[] = {
+    const std::tuple<QString, QString, QString, QString, F, QString> cases[] = {
         {"IPTC City;Show Filename", " - ", bare, "", F::WithExtension, "bare.jpg"},
         {"IPTC City;Show Filename", " - ", photo, "", F::WithExtension, "Lyon - shot.jpg"},
         {"Show Filename;IPTC City", " / ", photo, "", F::BaseName, "shot / Lyon"},
@@ -25,10 +21,9 @@ TEST(CaptionBuilder, ItemsInOrderSkippingEmptyValues) {
          "2019:07:14 18:03:22"},
         {"", "-", photo, "Hello", F::WithExtension, ""},
     };
-    for (const auto& c : cases) {
-        CaptionBuilder builder(c.items, c.separator, c.rule);
-        EXPECT_EQ(builder.caption({QUrl::fromLocalFile(c.path), c.description}), c.caption)
-            << c.items;
+    for (const auto& [items, separator, path, description, rule, caption] : cases) {
+        CaptionBuilder builder(items, separator, rule);
+        EXPECT_EQ(builder.caption({QUrl::fromLocalFile(path), description}), caption) << items;
     }
     EXPECT_EQ(CaptionBuilder::withItem("", "IPTC City"), "IPTC City");
     EXPECT_EQ(CaptionBuilder::withItem("IPTC City", "Show Filename"), "IPTC City;Show Filename");

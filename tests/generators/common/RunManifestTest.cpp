@@ -1,6 +1,4 @@
-// The record of earlier runs: which files --clean removes, what a damaged record does, and what a
-// failed run leaves recorded. The photos are stand-in files and the derivatives are made by a
-// stand-in that notes which photos it was asked for. (Real galleries: tests/generators/gallery.)
+// The record of earlier runs, kept by a stand-in kind on stand-in photos.
 #include <gtest/gtest.h>
 
 #include <QFile>
@@ -22,10 +20,10 @@ namespace {
 // One run of a stand-in kind "test": pages, and "img/<name>.out" for each photo, made from the
 // photo's bytes. Returns the photos whose derivative was made, in photo order.
 struct StandInRun {
-    RunOptions options;
-    QStringList failingPhotos;  // the stand-in fails on these without writing anything
+    RunOptions options = {};
+    QStringList failingPhotos = {};  // the stand-in fails on these without writing anything
     QStringList pages = {QStringLiteral("page.html")};
-    QStringList failures;
+    QStringList failures = {};
 
     QStringList run(const QString& dest, const QStringList& photos, UserInterface& ui) {
         options.destination = dest;
@@ -64,10 +62,10 @@ QStringList makePhotos(const QString& name) {
     return photos;
 }
 
-QJsonObject recordFor(const QString& dir, const QString& file, const QString& kind,
-                      const QString& path) {
-    const RunManifest::FileState state = RunManifest::stateOf(dir + file);
-    return {{"path", path}, {"kind", kind}, {"size", state.size}, {"mtime", state.mtime}};
+// The record of the stand-in kind for `file`, under the relative `path`.
+QJsonObject recordFor(const QString& file, const QString& path) {
+    const RunManifest::FileState state = RunManifest::stateOf(file);
+    return {{"path", path}, {"kind", "test"}, {"size", state.size}, {"mtime", state.mtime}};
 }
 
 }  // namespace
@@ -86,8 +84,7 @@ TEST(RunManifest, PartlyFailedRunIsRecorded) {
     const QStringList photos = makePhotos("manifest-failed");
     const QString dest = freshDir("manifest-failed-out");
     RecordingUserInterface ui;
-    StandInRun failing;
-    failing.failingPhotos = {photos[1]};
+    StandInRun failing{.failingPhotos = {photos[1]}};
     EXPECT_EQ(failing.run(dest, photos, ui), QStringList({"a.jpg", "b.jpg", "c.jpg"}));
     EXPECT_EQ(failing.failures, QStringList({photos[1] + ": cannot be read"}));
     EXPECT_EQ(StandInRun().run(dest, photos, ui), QStringList({"b.jpg"}));
@@ -122,7 +119,7 @@ TEST(RunManifest, DamagedRecordIsIgnoredWithAWarning) {
         ASSERT_EQ(ui.alerts.size(), 1u);
         EXPECT_FALSE(ui.alerts[0].stopsRun);
         EXPECT_TRUE(ui.alerts[0].description.startsWith(dest + ".orvella-manifest: "))
-            << ui.alerts[0].description.toStdString();
+            << ui.alerts[0].description;
         EXPECT_TRUE(QFile::exists(dest + "img/c.out"));
 
         EXPECT_EQ(StandInRun().run(dest, photos.mid(0, 2), ui), QStringList());
@@ -137,9 +134,7 @@ TEST(RunManifest, CleanRemovesOnlyRecordedFilesItNoLongerWrites) {
     const QString dest = freshDir("manifest-clean-out");
     const QString outside = freshDir("manifest-clean-outside");
     RecordingUserInterface ui;
-    StandInRun first;
-    first.pages = {"page.html", "page2.html"};
-    first.run(dest, photos, ui);
+    StandInRun{.pages = {"page.html", "page2.html"}}.run(dest, photos, ui);
     writeFile(dest + "img/changed.out", "written by a run");
     writeFile(outside + "victim.txt", "outside");
     writeFile(outside + "linked.out", "through a link");
@@ -150,9 +145,9 @@ TEST(RunManifest, CleanRemovesOnlyRecordedFilesItNoLongerWrites) {
                            .object()
                            .value("files")
                            .toArray();
-    files.append(recordFor(dest, "img/changed.out", "test", "img/changed.out"));
-    files.append(recordFor(outside, "victim.txt", "test", "../manifest-clean-outside/victim.txt"));
-    files.append(recordFor(outside, "linked.out", "test", "img/elsewhere/linked.out"));
+    files.append(recordFor(dest + "img/changed.out", "img/changed.out"));
+    files.append(recordFor(outside + "victim.txt", "../manifest-clean-outside/victim.txt"));
+    files.append(recordFor(outside + "linked.out", "img/elsewhere/linked.out"));
     writeFile(dest + RunManifest::kFileName,
               QJsonDocument(QJsonObject{{"format", 1}, {"files", files}}).toJson());
     writeFile(dest + "img/changed.out", "changed by the user");
@@ -160,7 +155,7 @@ TEST(RunManifest, CleanRemovesOnlyRecordedFilesItNoLongerWrites) {
     StandInRun clean;
     clean.options.clean = true;
     clean.run(dest, photos.mid(0, 1), ui);
-    EXPECT_TRUE(clean.failures.isEmpty()) << clean.failures.join('\n').toStdString();
+    EXPECT_TRUE(clean.failures.isEmpty()) << clean.failures.join('\n');
     for (const char* gone : {"img/b.out", "img/c.out", "page2.html"})
         EXPECT_FALSE(QFile::exists(dest + gone)) << gone;
     for (const char* kept : {"img/a.out", "page.html", "img/changed.out"})

@@ -1,7 +1,4 @@
-// The gallery's texts, written out here from the rules of the format: the two stylesheets (one
-// whole text per model, then the pieces each setting branch changes) and the pages of both models;
-// then its pages and navigation, the runs it refuses or warns about, and the crop ratio. All from
-// the settings alone, without a file.
+// The gallery's texts, written out here from the rules of the format, from the settings alone.
 #include "generators/GeneratorFixtures.h"
 #include "generators/common/PageText.h"
 #include "generators/gallery/cResponsiveDesign.h"
@@ -151,12 +148,7 @@ TEST(GalleryCss, WholeTextOfEachModel) {
 // What the pattern, the hover magnifier, the thumbnail border and thumbnail action 1 change in
 // each model: a piece that must be there, and one that must not.
 TEST(GalleryCss, EachBranchChangesItsPiece) {
-    const struct {
-        bool grid;
-        int pattern, magnify, action;
-        QString border, present;
-        const char* absent;
-    } cases[] = {
+    const std::tuple<bool, int, int, int, QString, QString, const char*> cases[] = {
         {false, 1, 0, 0, "0",
          R"(position: fixed;|z-index: -10;|width: 100%;|height: 100%;|)"
          R"(background-color:#101010;}||.KLovTableBased-container::before {|content: "";|)"
@@ -188,20 +180,18 @@ TEST(GalleryCss, EachBranchChangesItsPiece) {
         {true, 0, 0, 1, "0", "width: 24.99999%;|height: 24.99999%;|}||@media (min-width: 400px)",
          nullptr},
     };
-    for (const auto& c : cases) {
+    for (const auto& [grid, pattern, magnify, action, border, present, absent] : cases) {
         GalleryCssArgs a = sampleArgs();
-        a.patternOn = c.pattern;
-        a.magnifyOnHover = c.magnify;
-        a.thumbnailAction = c.action;
-        a.thumbnailBorderThickness = c.border;
-        const QString css =
-            c.grid ? GalleryCss::hCreateCssGridMod2(a, 4) : GalleryCss::hCreateCss(a);
-        EXPECT_TRUE(css.contains(text(c.present))) << c.present;
-        EXPECT_FALSE(c.absent && css.contains(c.absent)) << c.present;
+        a.patternOn = pattern;
+        a.magnifyOnHover = magnify;
+        a.thumbnailAction = action;
+        a.thumbnailBorderThickness = border;
+        const QString css = grid ? GalleryCss::hCreateCssGridMod2(a, 4) : GalleryCss::hCreateCss(a);
+        EXPECT_TRUE(css.contains(text(present))) << present;
+        EXPECT_FALSE(absent && css.contains(absent)) << present;
     }
 }
 
-// The width list of the table model, and the grid model's columns at each breakpoint.
 TEST(GalleryCss, ColumnsSetWidthsAndGridBreakpoints) {
     const std::vector<std::pair<std::vector<int>, QString>> widths = {
         {{1, 2, 3}, "24.999990 49.999981 49.999989 49.999989 100"},
@@ -237,15 +227,10 @@ TEST(GalleryCss, FontLinesAndWeights) {
     EXPECT_EQ(cResponsiveDesign::fileNameWeight("Light", "700"), "300");
 }
 
-// Both models, whole texts: caption and file name on in the table model (the photo's name and
-// caption escaped, its links encoded, the heading as it stands), both off in the grid model; the
-// stylesheet takes the pattern and the column count from the settings. The redirect writes "/n"
-// where a line feed is meant, kept on purpose.
+// Caption and file name on in the table model (escaped, links encoded, the heading as it stands),
+// both off in the grid model. The redirect writes "/n" where a line feed is meant, kept on purpose.
 TEST(GalleryPages, WholePageOfEachModel) {
-    const struct {
-        QString set, photo, page, css;
-        QStringList pieces;
-    } models[] = {
+    const std::tuple<QString, QString, QString, QString, QStringList> models[] = {
         {"pubPhotoGalleryModel=0, cbCaptionStatus=0, pbFontFamily=Kanit, tfGridWidth=80, "
          "tfPageTitle=T & T, tvTitle=<b>Hi</b>, btShowFileName=1, cbPgShowMetaData=1, "
          "cbTbShowPatternImage=1, tfTbPatternPath=/x/dots.png",
@@ -274,14 +259,14 @@ TEST(GalleryPages, WholePageOfEachModel) {
           R"(</div><!-- Keldra: grid - End -->|)",
           "https", ""}},
     };
-    for (const auto& m : models) {
+    for (const auto& [set, photo, name, css, pieces] : models) {
         const QList<PageFile> files =
-            cResponsiveDesign::pageTexts(settings(m.set), entries({m.photo}), {R"(<i> & "q")"});
+            cResponsiveDesign::pageTexts(settings(set), entries({photo}), {R"(<i> & "q")"});
         ASSERT_EQ(files.size(), 3);
-        EXPECT_TRUE(files[0].path == "KLcss/klGScss.css" && files[0].text.contains(m.css));
-        EXPECT_EQ(files[1].path, m.page + ".html");
+        EXPECT_TRUE(files[0].path == "KLcss/klGScss.css" && files[0].text.contains(css));
+        EXPECT_EQ(files[1].path, name + ".html");
         QString page = kPage;
-        for (const QString& piece : m.pieces) page = page.arg(piece);
+        for (const QString& piece : pieces) page = page.arg(piece);
         EXPECT_TEXT(files[1].text, text(page));
         EXPECT_EQ(files[2].path, "index.html");
         EXPECT_TEXT(files[2].text,
@@ -291,39 +276,24 @@ TEST(GalleryPages, WholePageOfEachModel) {
                          R"(device-width, initial-scale=1.0" />/n<title>my first )"
                          R"(responsive designed picture gallery</title>/n<script>)"
                          R"(window.location.href = ")" +
-                         m.page + R"(.html"</script>|</head>|<body></body>)"));
+                         name + R"(.html"</script>|</head>|<body></body>)"));
     }
 }
 
-// 13 photos at 12 a page, 5 at 3 x 2: the pages, their photos and navigation bars. (An exact
-// multiple of the page size gives no page at all: tests/cli.)
-TEST(GalleryPages, PagesAndNavigation) {
-    const struct {
-        int photos;
-        QString layout;
-        std::vector<int> perPage;
-    } cases[] = {{13, "ifNumberOfColumns=4, ifNumberOfRows=3", {12, 1}},
-                 {5, "ifNumberOfColumns=3, ifNumberOfRows=2", {5}}};
-    const QString nav =
-        R"(<div id="navBar" class="klOVpageNav" style="width:100%;padding:6px;text-align:left;">)"
-        R"(<a href="myIndex.html"> 1 </a><a href="myIndex2.html">2 </a></div>)"
-        R"(<div class="klOVtitle">)";
-    for (const auto& c : cases) {
-        QStringList paths;
-        for (int i = 0; i < c.photos; ++i) paths.append(QStringLiteral("/p/t%1.png").arg(i));
-        const QList<PageFile> files =
-            cResponsiveDesign::pageTexts(settings(c.layout), entries(paths), {});
-        QStringList names, expected = {"KLcss/klGScss.css"};
-        for (const PageFile& f : files) names.append(f.path);
-        for (int page = 0; page < int(c.perPage.size()); ++page) {
-            expected.append(page == 0 ? "myIndex.html"
-                                      : QStringLiteral("myIndex%1.html").arg(page + 1));
-            const QString& text = files.value(page + 1).text;
-            EXPECT_EQ(text.count(R"(<div class="klOVimg">)"), c.perPage[size_t(page)]) << c.photos;
-            EXPECT_EQ(text.contains(nav), c.perPage.size() == 2) << c.photos;
-        }
-        EXPECT_EQ(names, expected + QStringList{"index.html"});
-    }
+// 13 photos at 12 a page: both pages have the navigation bar. (One page has none:
+// WholePageOfEachModel; moving between pages: tests/browser.)
+TEST(GalleryPages, NavigationBarOnEveryPage) {
+    const QList<PageFile> files =
+        cResponsiveDesign::pageTexts(settings("ifNumberOfColumns=4, ifNumberOfRows=3"),
+                                     entries(QStringList(13, "/p/t.png")), {});
+    ASSERT_EQ(files.size(), 4);
+    for (const int page : {1, 2})
+        EXPECT_TRUE(files[page].text.contains(
+            R"(<div id="navBar" class="klOVpageNav" )"
+            R"(style="width:100%;padding:6px;text-align:left;">)"
+            R"(<a href="myIndex.html"> 1 </a><a href="myIndex2.html">2 </a></div>)"
+            R"(<div class="klOVtitle">)"))
+            << page;
 }
 
 // What stops a run before anything is written (the photos' own refusals are the run driver's),

@@ -1,6 +1,5 @@
-// The Responsive Grid, written out here from the rules of the format: the whole stylesheet for each
-// pattern/hover combination and the values computed from the settings, the page, the runs it
-// refuses; then its grid images, read back with libvips. (Whole runs: tests/cli and tests/browser.)
+// The Responsive Grid's texts, written out here from the rules of the format, and its images read
+// back with libvips. (Whole runs: tests/cli and tests/browser.)
 #include "generators/GeneratorFixtures.h"
 #include "generators/grid/cResponsiveGrid.h"
 
@@ -121,18 +120,10 @@ TEST(GridCss, WholeTextForEachPatternAndHover) {
             << "pattern " << pattern << ", hover " << hover;
 }
 
-// The values the run computes from the settings: track sizes from the column count (the row a
-// truncated three quarters), the lightbox colour in "%f" components and its opacity as a
-// single-precision number prints, the hover rules when switched on, a pattern file name
-// percent-encoded in its url.
+// Track sizes from the column count (the row a truncated three quarters), the lightbox colour in
+// "%f" components and its opacity as a float prints, a pattern file name percent-encoded.
 TEST(GridCss, ValuesFromTheSettings) {
-    const struct {
-        QString set;
-        const char *columnWidth, *rowHeight, *lightbox;
-    } cases[] = {
-        {"tfRGMaxColumns=4, ascNSColorWellObjRGLightboxBgColor=FFFFFF, "
-         "sliderLightboxRGBgColorOpacity=80",
-         "300", "225", "rgba(255.000000,255.000000,255.000000,0.8);"},
+    const std::tuple<QString, const char*, const char*, const char*> cases[] = {
         {"tfRGMaxColumns=7, tfNSColorWellObjRGLightboxBgColor=800040, "
          "sliderLightboxRGBgColorOpacity=37, cbMagnifyHooverEffect=1",
          "171", "128", "rgba(128.000000,0.000000,64.000000,0.37);"},
@@ -141,15 +132,15 @@ TEST(GridCss, ValuesFromTheSettings) {
         {"tfRGMaxColumns=1200, sliderLightboxRGBgColorOpacity=0", "1", "0",
          "rgba(30.000000,30.000000,30.000000,0);"},
     };
-    for (const auto& c : cases) {
-        const GridSettings g = cResponsiveGrid::readSettings(store(c.set), "/out/");
-        const QString css = GridCss::hCreateResponsiveGridCss(g.css);
+    for (const auto& [set, columnWidth, rowHeight, lightbox] : cases) {
+        const QString css = GridCss::hCreateResponsiveGridCss(
+            cResponsiveGrid::readSettings(store(set), "/out/").css);
         EXPECT_TRUE(css.contains(QStringLiteral("minmax(%1px, 1fr));\ngrid-template-rows: "
                                                 "repeat(auto-fill, minmax(%2px, 1fr));")
-                                     .arg(c.columnWidth, c.rowHeight)))
-            << c.set;
-        EXPECT_TRUE(css.contains(QStringLiteral("background-color: ") + c.lightbox)) << c.set;
-        EXPECT_EQ(css.contains("img:hover"), c.set.contains("Hoover")) << c.set;
+                                     .arg(columnWidth, rowHeight)))
+            << set;
+        EXPECT_TRUE(css.contains(QStringLiteral("background-color: ") + lightbox)) << set;
+        EXPECT_EQ(css.contains("img:hover"), set.contains("Hoover")) << set;
     }
 
     GridCssArgs args = sampleArgs(1, 0);
@@ -167,14 +158,9 @@ TEST(GridText, WholePages) {
     photos[1].orientation = photos[3].orientation = "V";  // any highlight but 1 is none
     photos[2].highlight = 2;
     photos[3].highlight = 0;
-    const struct {
-        QString set, title, family, description;
-        QStringList captions;
-        QString cells;
-    } cases[] = {
+    const std::tuple<QString, QString, QString, QString, QStringList, QString> cases[] = {
         {"cbRgWebPageTitle=1, tfRgWebPageTitle=T & T, cbRgDescription=1, "
-         "tfRgDescription=<b>Hi</b>, "
-         "pubRgHTMLDescriptionFontFamily=Kanit",
+         "tfRgDescription=<b>Hi</b>, pubRgHTMLDescriptionFontFamily=Kanit",
          "<title>T &amp; T</title>|",
          "Kanit",
          R"(<div class="klovlRgDescription"><b>Hi</b></div>|)",
@@ -189,17 +175,15 @@ TEST(GridText, WholePages) {
          "",
          {},
          "klovlImage4|wide.jpeg|, klovlImage klovlImageVertical|tall.jpeg|, "
-         "klovlImage|plain.jpeg|, "
-         "klovlImage|my%20photo%231.jpeg|"},
+         "klovlImage|plain.jpeg|, klovlImage|my%20photo%231.jpeg|"},
     };
-    for (const auto& c : cases) {
+    for (const auto& [set, title, family, description, captions, cellList] : cases) {
         const QList<PageFile> files = cResponsiveGrid::pageTexts(
-            cResponsiveGrid::readSettings(store(c.set), "/out/"), photos, c.captions);
+            cResponsiveGrid::readSettings(store(set), "/out/"), photos, captions);
         ASSERT_EQ(files.size(), 2);
         EXPECT_EQ(files[0].path, "KLResponsiveGridCss/klovlResponsiveGrid.css");
-        EXPECT_EQ(files[1].path, c.set.contains("start") ? "start.html" : "index.html");
-        EXPECT_TEXT(files[1].text,
-                    text(kPage.arg(c.title, c.family, c.description, cells(c.cells))));
+        EXPECT_EQ(files[1].path, set.contains("start") ? "start.html" : "index.html");
+        EXPECT_TEXT(files[1].text, text(kPage.arg(title, family, description, cells(cellList))));
     }
 }
 
@@ -225,8 +209,7 @@ TEST(GridText, Refusals) {
 // lightbox's images are 1200 and 2400 pixels on the longer side, never enlarged. Always JPEG,
 // named by the base name, whatever the source type.
 TEST(GridImages, CellShapeAndLightboxSizes) {
-    const QString src = freshDir("grid-images-src");
-    const QString out = freshDir("grid-images");
+    const QString src = freshDir("grid-images-src"), out = freshDir("grid-images");
     for (const char* folder : {"KLovImages", "KLovImages_b", "KLovImages_b2x"})
         QDir().mkpath(out + folder);
     const std::tuple<const char*, int, int, const char*> cases[] = {

@@ -1,5 +1,6 @@
-// Whole slideshow runs on photos made here: the files written, the slides read back with libvips,
-// the captions from metadata, and the caption weight a panel carries from run to run.
+// Whole slideshow runs on photos made here, the slides read back with libvips.
+#include <QRegularExpression>
+
 #include "generators/GeneratorFixtures.h"
 #include "generators/slideshow/cSlideshow.h"
 
@@ -22,10 +23,9 @@ QString bandedPhoto(const QString& dir, const QString& name, int w, int h) {
 
 // Slides cover the box and keep its centre: 4000 x 2000 is scaled to 1200 x 600 and cut at x = 200
 // (red ends at 100, blue starts at 700); 3000 x 4000 to 800 x 1066 and cut at y = 233 (red ends at
-// 33, blue starts at 567). Slides are JPEGs named after the base name, whatever the source;
-// captions come from the photos' descriptions and names; the pattern is copied. (Turned photos:
-// tests/imaging, and through every kind tests/cli.)
-TEST(SlideshowRun, SlidesCaptionsAndFiles) {
+// 33, blue starts at 567). A next run with a "Light" caption weight keeps the weight this one
+// carries; the logo and the controls' script are written only while buttons or dots show.
+TEST(SlideshowRun, SlidesCaptionsFilesAndTheNextRuns) {
     const QString src = freshDir("slideshow-run-src"), dir = freshDir("slideshow-run");
     const QStringList photos = {bandedPhoto(src, "wide.jpg", 4000, 2000),
                                 bandedPhoto(src, "tall.png", 3000, 4000),
@@ -36,7 +36,8 @@ TEST(SlideshowRun, SlidesCaptionsAndFiles) {
         entries(photos, {"Hi <3"}),
         store("tfSsImageWidth=800, tfSsImageHeight=600, tfSsPageName=show, cbSsExifUC=1, "
               "tfSsMetaDataToShow=Show Filename;IPTC City;EXIF User Comment, "
-              "tfSsMetaDataValueSep= / , cbSsShowPatternImage=1, tfSsPatternPath=" +
+              "tfSsMetaDataValueSep= / , cbSsShowPatternImage=1, pubSsFileNameWeight=Medium, "
+              "tfSsPatternPath=" +
               pattern),
         ui, {dir, 2, true});
     ASSERT_TRUE(result.ok && result.failures.isEmpty() && ui.alerts.empty());
@@ -47,57 +48,41 @@ TEST(SlideshowRun, SlidesCaptionsAndFiles) {
                            "KLSsImages/tall.jpeg", "KLSsImages/wide.jpeg", "KLovPatterns/dots.png",
                            "show.html"}));
     EXPECT_EQ(testsupport::readFile(dir + "KLovPatterns/dots.png"), testsupport::readFile(pattern));
-    const struct {
-        QString file;
-        bool wide;
-        std::array<int, 4> probes;  // along the long side
-        QString colours;
-    } slides[] = {{"wide.jpeg", true, {90, 110, 690, 710}, "rggb"},
-                  {"tall.jpeg", false, {25, 42, 558, 575}, "rggb"}};
-    for (const auto& s : slides) {
-        const QString slide = dir + "KLSsImages/" + s.file;
+    const std::tuple<QString, bool, std::array<int, 4>> slides[] = {
+        {"wide.jpeg", true, {90, 110, 690, 710}}, {"tall.jpeg", false, {25, 42, 558, 575}}};
+    for (const auto& [file, wide, probes] : slides) {  // along the long side
+        const QString slide = dir + "KLSsImages/" + file;
         EXPECT_EQ(header(slide), "800x600 jpegload");
         QString found;
-        for (const int at : s.probes)
-            found += s.wide ? colourAt(slide, at, 300) : colourAt(slide, 400, at);
-        EXPECT_EQ(found, s.colours) << s.file;
+        for (const int at : probes)
+            found += wide ? colourAt(slide, at, 300) : colourAt(slide, 400, at);
+        EXPECT_EQ(found, "rggb") << file;
     }
-    const QString page = readText(dir + "show.html");
     QStringList captions;
-    for (qsizetype at = 0; (at = page.indexOf("<div class=\"klSsText\">", at)) >= 0;) {
-        at += 22;
-        captions << page.mid(at, page.indexOf("</div>", at) - at);
-    }
+    for (const QRegularExpressionMatch& m :
+         QRegularExpression(R"(<div class="klSsText">(.*?)</div>)")
+             .globalMatch(readText(dir + "show.html")))
+        captions << m.captured(1);
     EXPECT_EQ(captions, QStringList({"wide / Hi &lt;3", "tall", "50% off #1"}));
-}
 
-// The caption weight a run carries to the panel's next one, which a "Light" caption weight keeps;
-// captions off leave every caption block empty; the logo and the controls' script are written
-// only while buttons or dots show. A template index past the slider writes nothing.
-TEST(SlideshowRun, CarriedCaptionWeightAndOtherTemplates) {
-    const QString photo = makePhoto(freshDir("slideshow-carried-src"), "a.png", 40, 30);
-    const QString dir = freshDir("slideshow-carried");
-    RecordingUserInterface ui;
-    const RunResult result = cSlideshow::hCreateSlideShow(
-        entries({photo}), store("pubSsFileNameWeight=Medium"), ui, {freshDir("slideshow-first")});
-    ASSERT_TRUE(result.ok);
+    const QString next = freshDir("slideshow-carried");
     EXPECT_TRUE(
-        cSlideshow::hCreateSlideShow(entries({photo}, {"Hi"}),
+        cSlideshow::hCreateSlideShow(entries(photos.mid(2), {"Hi"}),
                                      store("pubSsFileNameWeight=Light, cbSsExifUC=0, "
                                            "tfSsMetaDataToShow=EXIF User Comment, cbSsAutorun=0, "
                                            "cbSsShowNavigationBtn=0, cbSsShowDots=0"),
-                                     ui, {.destination = dir, .carried = result.carried})
+                                     ui, {.destination = next, .carried = result.carried})
             .ok);
-    const QString css = readText(dir + "KLSlideShowcss/klovlSlideshow.css");
+    const QString css = readText(next + "KLSlideShowcss/klovlSlideshow.css");
     EXPECT_EQ(css.section(".klSsText {", 1).section("font-weight:", 1, 1).section(';', 0, 0),
               "500");
-    EXPECT_TRUE(readText(dir + "slideshow.html").contains("<div class=\"klSsText\"></div>"));
-    EXPECT_EQ(filesUnder(dir + "KLSlideShowcss/"), QStringList{"klovlSlideshow.css"});
+    EXPECT_TRUE(readText(next + "slideshow.html").contains("<div class=\"klSsText\"></div>"));
+    EXPECT_EQ(filesUnder(next + "KLSlideShowcss/"), QStringList{"klovlSlideshow.css"});
 
     const QString none = freshDir("slideshow-template-3");
     SettingsStore odd = store();
     odd.setText("pubSsTemplateChoice", "3");
     RecordingUserInterface quiet;
-    EXPECT_FALSE(cSlideshow::hCreateSlideShow(entries({photo}), odd, quiet, {none, 1, true}).ok);
+    EXPECT_FALSE(cSlideshow::hCreateSlideShow(entries(photos), odd, quiet, {none, 1, true}).ok);
     EXPECT_TRUE(QDir(none).isEmpty() && quiet.alerts.empty() && quiet.starts == 0);
 }

@@ -1,6 +1,4 @@
-// The pages and stylesheets of both slideshow kinds, written out here from the rules of the
-// format: whole texts for settings that switch everything on and everything off, then the pieces
-// each remaining branch changes; the alerts and the caption weight of a run's plan.
+// The pages and stylesheets of both slideshow kinds, written out here from the rules of the format.
 #include <QRegularExpression>
 
 #include "generators/GeneratorFixtures.h"
@@ -192,12 +190,8 @@ TEST(SlideshowText, ClassicPageWithEverythingOff) {
                  .replace("font-family: 'Exo 2', sans-serif;", "font-family: 'Trirong', serif;"));
 }
 
-// The script and the reference for the remaining combinations of timer, dots and buttons.
 TEST(SlideshowText, ScriptsAndReferenceForEachCombination) {
-    const struct {
-        QString set, script;
-        bool reference;
-    } cases[] = {
+    const std::tuple<QString, QString, bool> cases[] = {
         {"cbSsAutorun=1, cbSsShowDots=0, cbSsShowNavigationBtn=1", withoutDots(kAutorunScript),
          true},
         {"cbSsAutorun=0, cbSsShowDots=1, cbSsShowNavigationBtn=0", kManualScript, true},
@@ -207,13 +201,12 @@ TEST(SlideshowText, ScriptsAndReferenceForEachCombination) {
         {"cbSsAutorun=1, cbSsShowDots=1, cbSsShowNavigationBtn=1, tfSsInterval=2.5",
          QString(kAutorunScript).replace("3000)", "2.5000)"), true},
     };
-    for (const auto& c : cases) {
+    for (const auto& [set, script, reference] : cases) {
         const QString page =
-            split(cSlideshow::classicTexts(settings(kAllOn + c.set), entries({"/a.jpg"}), {}))
-                .second;
-        EXPECT_TRUE(page.endsWith(text(c.script + "</div>|</body>|</html>|"))) << c.set << page;
-        EXPECT_EQ(page.contains("klSsRef"), c.reference) << c.set;
-        EXPECT_EQ(page.contains("plusSlides(-1)"), c.set.contains("cbSsShowNavigationBtn=1"));
+            split(cSlideshow::classicTexts(settings(kAllOn + set), entries({"/a.jpg"}), {})).second;
+        EXPECT_TRUE(page.endsWith(text(script + "</div>|</body>|</html>|"))) << set << page;
+        EXPECT_EQ(page.contains("klSsRef"), reference) << set;
+        EXPECT_EQ(page.contains("plusSlides(-1)"), set.contains("cbSsShowNavigationBtn=1"));
     }
 }
 
@@ -271,28 +264,26 @@ TEST(SlideshowText, SliderTimings) {
 // heading weight and leaves the caption weight of the panel's previous run (none on its first
 // run), in both page kinds: "caption/heading".
 TEST(SlideshowText, TemplatesAndTheLightCaptionWeight) {
-    const struct {
-        QString caption, heading, kind, expected;
-    } runs[] = {
+    const std::tuple<QString, QString, QString, QString> runs[] = {
         {"Light", "Bold", "0", "/300"},       {"Medium", "Bold", "2", "500/700"},
         {"Light", "Black", "2", "500/300"},   {"Bold", "Regular", "1", "700/400"},
         {"Light", "Regular", "0", "700/300"},
     };
     const QList<PhotoEntry> photos = entries({"/p/a.png"});
     QHash<QString, QString> carried;
-    for (const auto& r : runs) {
+    for (const auto& [caption, heading, kind, expected] : runs) {
         const SitePlan plan = cSlideshow::plan(
-            store("pubSsFileNameWeight=" + r.caption + ", pubSsHTMLTitleFontStyle=" + r.heading +
-                  ", pubSsTemplateChoice=" + r.kind),
+            store("pubSsFileNameWeight=" + caption + ", pubSsHTMLTitleFontStyle=" + heading +
+                  ", pubSsTemplateChoice=" + kind),
             photos, {.destination = "/out/", .carried = carried});
         carried = plan.carried;
         const auto [css, page] = split(plan.pages(photos, {}));
         const auto weight = [&](const QString& rule) {
             return css.section(rule, 1).section("font-weight:", 1, 1).section(';', 0, 0);
         };
-        EXPECT_EQ(weight(".klSsText {") + "/" + weight(".klSstitle {"), r.expected)
-            << r.caption << r.kind;
-        EXPECT_EQ(page.contains("slideProp"), r.kind == u"2");
+        EXPECT_EQ(weight(".klSsText {") + "/" + weight(".klSstitle {"), expected)
+            << caption << kind;
+        EXPECT_EQ(page.contains("slideProp"), kind == u"2");
     }
 }
 
@@ -306,10 +297,8 @@ TEST(SlideshowText, RefusalsAndWarnings) {
         {"tfSsImageWidth=0", "stops Sorry, the photo box is not possible."},
         {"cbSsAutorun=1, tfSsInterval=4);alert(1", interval},
         {"pubSsTemplateChoice=2, cbSsAutorun=0, tfSsInterval=", interval},
-        {"cbSsAutorun=0, cbSsShowNavigationBtn=0, cbSsShowDots=1, tfSsInterval=x",
-         "The slides do not change by themselves|Autorun and the previous and next buttons are "
-         "off: only the dots move between the slides."},
-        {"cbSsAutorun=0, cbSsShowNavigationBtn=0, cbSsShowDots=0",
+        // With the dots on: tests/cli.
+        {"cbSsAutorun=0, cbSsShowNavigationBtn=0, cbSsShowDots=0, tfSsInterval=x",
          "The slides do not change by themselves|Autorun, the buttons and the dots are off: the "
          "show stays on its first slide."},
         {"cbSsAutorun=0, cbSsShowNavigationBtn=0, pubSsTemplateChoice=2", ""},
