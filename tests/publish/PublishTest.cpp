@@ -4,11 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <QCryptographicHash>
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
-#include <QImage>
-#include <QMap>
 #include <QProcess>
 #include <QSet>
 #include <QUrl>
@@ -25,41 +20,26 @@ namespace {
 
 // Files by relative path, with the SHA-256 of their bytes (readable where a test fails).
 using Files = QMap<QString, std::string>;
+using Paths = QSet<QString>;
 
 std::string digest(const QByteArray& bytes) {
     return QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex().toStdString();
 }
 
-// Every file below `dir` (hidden ones too).
-Files filesIn(const QString& dir) {
+// Every file below `dir` (hidden ones too). Of a site, what the server should hold: all but the
+// records, and but the temporary file of a record write that a killed publish left behind.
+Files filesIn(const QString& dir, bool site = false) {
     Files files;
-    const QMap<QString, QByteArray> contents = testsupport::contentsUnder(dir);
-    for (auto it = contents.cbegin(); it != contents.cend(); ++it)
-        files.insert(it.key(), digest(it.value()));
+    for (const auto& [path, bytes] : testsupport::contentsUnder(dir).asKeyValueRange())
+        if (!site || !path.startsWith(".orvella-")) files.insert(path, digest(bytes));
     return files;
 }
 
-// What the server should hold of the site: all but the records, and but the temporary file of a
-// record write that a killed publish left behind.
-Files published(const QString& site) {
-    Files files = filesIn(site);
-    files.remove(".orvella-manifest");
-    files.remove(".orvella-publish");
-    files.removeIf([](const auto& file) { return file.key().startsWith(".orvella-tmp-"); });
-    return files;
-}
-
-using Paths = QSet<QString>;
-
-Paths changedBetween(const Files& before, const Files& after) {
-    Paths changed;
-    for (auto it = after.cbegin(); it != after.cend(); ++it)
-        if (before.value(it.key()) != it.value()) changed.insert(it.key());
-    return changed;
-}
-
-Paths asSet(const QStringList& list) {
+Paths pathsOf(const QStringList& list) {
     return Paths(list.cbegin(), list.cend());
+}
+Paths pathsOf(const Files& files) {
+    return Paths(files.keyBegin(), files.keyEnd());
 }
 
 struct Outcome {
@@ -74,13 +54,12 @@ struct Outcome {
     }
 };
 
-QProcess* startPublish(QProcess& process, const QStringList& args, const QString& home) {
+void startPublish(QProcess& process, const QStringList& args, const QString& home) {
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert("HOME", home);
     env.remove("SSH_AUTH_SOCK");
     process.setProcessEnvironment(env);
     process.start(ORVELLA_BINARY, QStringList{"publish"} + args);
-    return &process;
 }
 
 Outcome publish(const QStringList& args, const QString& home, const QByteArray& input = {}) {
@@ -96,12 +75,6 @@ Outcome publish(const QStringList& args, const QString& home, const QByteArray& 
     return run;
 }
 
-void makePhoto(const QString& path, Qt::GlobalColor color) {
-    QImage image(160, 100, QImage::Format_RGB32);
-    image.fill(color);
-    ASSERT_TRUE(QDir().mkpath(QFileInfo(path).path()) && image.save(path));
-}
-
 void generate(const QString& site, const QString& photos, const QStringList& extra = {}) {
     testsupport::orvellaOut(0, QStringList{"generate", "gallery", "--out", site} + extra << photos);
 }
@@ -111,18 +84,15 @@ void generate(const QString& site, const QString& photos, const QStringList& ext
 void publishesIncrementally(const QString& dir, const QString& destination, const QString& server,
                             const QString& home) {
     const QString site = dir + "site/", photos = dir + "photos/";
-    makePhoto(photos + "a.png", Qt::darkRed);
-    makePhoto(photos + "b.png", Qt::darkGreen);
-    makePhoto(photos + "c.png", Qt::darkBlue);
+    for (const QString name : {"a.png", "b.png", "c.png"}) testsupport::makePhoto(photos + name);
     generate(site, photos);
     const QStringList verbose{site, destination, "--verbose"};
 
     Outcome run = publish(verbose, home);
     ASSERT_EQ(run.code, 0) << run.err.toStdString();
-    EXPECT_EQ(filesIn(server), published(site));
+    EXPECT_EQ(filesIn(server), filesIn(site, true));
     const QStringList sent = run.lines("sent");
-    const Files first = published(site);
-    EXPECT_EQ(asSet(sent), Paths(first.keyBegin(), first.keyEnd()));
+    EXPECT_EQ(pathsOf(sent), pathsOf(filesIn(site, true)));
     // What a page shows arrives before the page.
     auto rank = [](const QString& p) {
         return p.endsWith(".html") ? 2 : p.endsWith(".css") || p.endsWith(".js") ? 1 : 0;
@@ -132,39 +102,37 @@ void publishesIncrementally(const QString& dir, const QString& destination, cons
     EXPECT_TRUE(run.out.contains("the server holds the whole site")) << run.out.toStdString();
 
     run = publish(verbose, home);
-    EXPECT_EQ(run.code, 0);
     EXPECT_EQ(run.lines("sent"), QStringList());
     EXPECT_TRUE(run.out.contains(": 0 sent, 0 removed")) << run.out.toStdString();
-    run = publish({site, "--list"}, home);
-    EXPECT_TRUE(run.out.contains("\tcomplete\t")) << run.out.toStdString();
+    EXPECT_TRUE(publish({site, "--list"}, home).out.contains("\tcomplete\t"));
 
-    Files before = published(site);
-    makePhoto(photos + "b.png", Qt::yellow);
+    Files before = filesIn(site, true);
+    testsupport::makePhoto(photos + "b.png", 80, 50);
     generate(site, photos);
     QByteArray redirect = readFile(site + "index.html");  // changed, its size kept
     redirect[0] = redirect[0] == '<' ? '(' : '<';
     writeFile(site + "index.html", redirect);
-    const Paths changed = changedBetween(before, published(site));
+    Paths changed;
+    for (const auto& [path, hash] : filesIn(site, true).asKeyValueRange())
+        if (before.value(path) != hash) changed.insert(path);
     EXPECT_TRUE(changed.contains("index.html"));
-    run = publish({site, destination, "--dry-run"}, home);
-    EXPECT_EQ(asSet(run.lines("would send")), changed);
+    EXPECT_EQ(pathsOf(publish({site, destination, "--dry-run"}, home).lines("would send")),
+              changed);
     run = publish(verbose, home);
     EXPECT_EQ(run.code, 0);
-    EXPECT_EQ(asSet(run.lines("sent")), changed);
-    EXPECT_EQ(filesIn(server), published(site));
+    EXPECT_EQ(pathsOf(run.lines("sent")), changed);
+    EXPECT_EQ(filesIn(server), filesIn(site, true));
 
     writeFile(server + "notes.txt", "the user's own");
-    before = published(site);
+    before = filesIn(site, true);
     QFile::remove(photos + "c.png");
     generate(site, photos, {"--clean"});
-    const Files after = published(site);
-    const Paths gone =
-        Paths(before.keyBegin(), before.keyEnd()) - Paths(after.keyBegin(), after.keyEnd());
+    const Paths gone = pathsOf(before) - pathsOf(filesIn(site, true));
     ASSERT_FALSE(gone.isEmpty());
-    run = publish(QStringList(verbose) << "--delete", home);
+    run = publish(verbose + QStringList{"--delete"}, home);
     EXPECT_EQ(run.code, 0) << run.err.toStdString();
-    EXPECT_EQ(asSet(run.lines("removed")), gone);
-    Files expected = published(site);
+    EXPECT_EQ(pathsOf(run.lines("removed")), gone);
+    Files expected = filesIn(site, true);
     expected.insert("notes.txt", digest("the user's own"));
     EXPECT_EQ(filesIn(server), expected);
 }
@@ -202,17 +170,15 @@ TEST(Publish, KilledPublishIsCompletedByTheNext) {
     ASSERT_TRUE(process.waitForReadyRead(120000));  // the first file has arrived
     process.kill();
     process.waitForFinished();
-    const Files site_ = published(site);
-    const Files halfway = filesIn(server);
-    EXPECT_LT(halfway.size(), site_.size());
-    for (auto it = halfway.cbegin(); it != halfway.cend(); ++it) {
-        if (it.key().contains(".orvella-tmp-")) continue;
-        EXPECT_EQ(it.value(), site_.value(it.key())) << it.key().toStdString();
-    }
+    const Files whole = filesIn(site, true), halfway = filesIn(server);
+    EXPECT_LT(halfway.size(), whole.size());
+    for (const auto& [path, hash] : halfway.asKeyValueRange())
+        EXPECT_TRUE(path.contains(".orvella-tmp-") || hash == whole.value(path))
+            << path.toStdString();
 
     const Outcome run = publish({site, ssh.destination(server)}, ssh.home());
     EXPECT_EQ(run.code, 0) << run.err.toStdString();
-    EXPECT_EQ(filesIn(server), site_);  // no temporary file either
+    EXPECT_EQ(filesIn(server), whole);  // no temporary file either
 }
 
 TEST(Publish, HostKeyMustBeKnownOrAccepted) {
@@ -221,8 +187,10 @@ TEST(Publish, HostKeyMustBeKnownOrAccepted) {
     ASSERT_EQ(ssh.error(), "");
     writeFile(dir + "site/index.html", "<p>hello</p>");
     const QString knownHosts = ssh.home() + "/.ssh/known_hosts";
-    const QString otherKey = QString::fromUtf8(readFile(ssh.home() + "/.ssh/id_ed25519.pub"));
-    const QString changedLine = QString("[127.0.0.1]:%1 %2").arg(ssh.port()).arg(otherKey);
+    const QString changedLine =
+        QString("[127.0.0.1]:%1 %2")
+            .arg(ssh.port())
+            .arg(QString::fromUtf8(readFile(ssh.home() + "/.ssh/id_ed25519.pub")));
     struct Case {
         const char* what;
         QString knownHosts;
@@ -245,9 +213,8 @@ TEST(Publish, HostKeyMustBeKnownOrAccepted) {
         const Outcome run = publish(args, ssh.home());
         EXPECT_EQ(run.code, c.code) << run.err.toStdString();
         EXPECT_TRUE(run.err.contains(c.message)) << run.err.toStdString();
-        if (c.accept && c.code == 0) {
+        if (c.accept && c.code == 0)
             EXPECT_EQ(readFile(knownHosts), (ssh.knownHostsLine() + '\n').toUtf8());
-        }
     }
 }
 
@@ -287,7 +254,7 @@ TEST(Publish, NamesWithSpacesAndAccents) {
         const Outcome run = publish({site, ssh.destination(typed), "--verbose"}, ssh.home());
         EXPECT_EQ(run.code, 0) << run.err.toStdString();
         EXPECT_EQ(run.lines("sent").size(), sent);
-        EXPECT_EQ(filesIn(server + "/"), published(site));
+        EXPECT_EQ(filesIn(server + "/"), filesIn(site, true));
     }
 }
 
