@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <QCryptographicHash>
+#include <QFile>
 #include <QProcess>
 #include <QSet>
 #include <QUrl>
@@ -213,8 +214,9 @@ TEST(Publish, HostKeyMustBeKnownOrAccepted) {
         const Outcome run = publish(args, ssh.home());
         EXPECT_EQ(run.code, c.code) << run.err.toStdString();
         EXPECT_TRUE(run.err.contains(c.message)) << run.err.toStdString();
-        if (c.accept && c.code == 0)
+        if (c.accept && c.code == 0) {
             EXPECT_EQ(readFile(knownHosts), (ssh.knownHostsLine() + '\n').toUtf8());
+        }
     }
 }
 

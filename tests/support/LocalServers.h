@@ -32,7 +32,7 @@ class SshServer : public LocalServer {
   public:
     explicit SshServer(const QString& dir);
 
-    QString home() const { return dir_ + QStringLiteral("home"); }
+    QString home() const { return dir_ + "home"; }
     QString user() const;
     // The host key as `ssh-keygen -l` shows it: "SHA256:...".
     QString fingerprint() const { return fingerprint_; }
@@ -51,7 +51,7 @@ class FtpServer : public LocalServer {
   public:
     explicit FtpServer(const QString& dir);
 
-    QString root() const { return dir_ + QStringLiteral("ftp/"); }
+    QString root() const { return dir_ + "ftp/"; }
     // ftp://127.0.0.1:PORT/ followed by `path` (relative to root()).
     QString destination(const QString& path) const;
 };
