@@ -5,7 +5,8 @@
 // Every kind of photo that cannot be used, under names the imaging code accepts, through every
 // operation: the failure result, nothing written, nothing changed, no crash.
 TEST(BadInput, EveryOperationFailsQuietlyAndWritesNothing) {
-    const QString dir = testsupport::freshDir(QStringLiteral("bad-input"));
+    const QString dir = testsupport::freshDir("bad-input"),
+                  out = testsupport::freshDir("bad-input/out");
     testsupport::writeFile(dir + "zero.jpg", {});
     QByteArray noise(20000, '\0');
     QRandomGenerator random(7);
@@ -24,8 +25,6 @@ TEST(BadInput, EveryOperationFailsQuietlyAndWritesNothing) {
         {"truncated.jpg", "Failed"}, {"folder.jpg", "Failed"},    {"missing.jpg", "Failed"},
         {"huge.png", "Failed"},      {"zerosided.gif", "Failed"}, {"a.psd", "Not Supported"},
         {"b.PDF", "Not Supported"}};
-    const QString out = dir + "out/";
-    QDir().mkpath(out);
     for (const auto& [name, result] : cases) {
         SCOPED_TRACE(name.toStdString());
         const QString source = dir + name;

@@ -11,19 +11,18 @@ static vips::VImage gradient(bool alpha = false) {
     return fixtures::srgb(alpha ? rgb.bandjoin(xy[0] * 0.5) : rgb);
 }
 
-// Runs effect `code` (or enhancement `code` with `value`) on `image`, saved as `name`, into a
-// folder of its own and returns the copy.
-static vips::VImage applied(const vips::VImage& image, const QString& code, float value = NAN,
-                            const QString& name = "a.png") {
+// Runs effect `code` (or enhancement `code` with `value`) on `image` in a folder of its own and
+// returns the copy.
+static vips::VImage applied(const vips::VImage& image, const QString& code, float value = NAN) {
     static int calls = 0;
     const QString dir = testsupport::freshDir(QStringLiteral("fx-%1").arg(++calls));
-    fixtures::save(image, dir + name);
+    fixtures::save(image, dir + "a.png");
     QDir().mkpath(dir + "out");
     KLColorConversions colours;
-    std::isnan(value) ? colours.convertColorTo(dir + name, dir + "out/", code)
-                      : colours.enhanceColorTo(dir + name, dir + "out/", code, value);
+    std::isnan(value) ? colours.convertColorTo(dir + "a.png", dir + "out/", code)
+                      : colours.enhanceColorTo(dir + "a.png", dir + "out/", code, value);
     EXPECT_TRUE(colours.lastWritten) << code.toStdString();
-    return fixtures::load(dir + "out/" + name);
+    return fixtures::load(dir + "out/a.png");
 }
 
 // Grey effects give equal channels; sepia-like ones warm a grey (R > G > B, more so code by code);
@@ -73,10 +72,10 @@ TEST(Enhance, PixellateCellsAreConstantAndAlignedOnTheCentre) {
 // Kept on purpose: an unknown code runs the object's previous filter on its old photo, for
 // effects and enhancements alike; a fresh object has none. The blur writes nothing.
 TEST(Effects, UnknownCodeRunsThePreviousFilterOnItsOldPhotoBlurWritesNothing) {
-    const QString dir = testsupport::freshDir(QStringLiteral("fx-reuse")), out = dir + "out/";
+    const QString dir = testsupport::freshDir("fx-reuse"),
+                  out = testsupport::freshDir("fx-reuse/out");
     fixtures::save(fixtures::solid(8, 8, {10, 20, 30}), dir + "a.png");
     fixtures::save(fixtures::solid(8, 8, {200, 200, 200}), dir + "b.png");
-    QDir().mkpath(out);
     KLColorConversions colours;
     colours.convertColorTo(dir + "a.png", out, "6");
     for (const bool enhance : {false, true}) {
@@ -97,8 +96,7 @@ TEST(Effects, UnknownCodeRunsThePreviousFilterOnItsOldPhotoBlurWritesNothing) {
 
 // Copies are written only for the exact extensions, in their type; JPEGs at best quality.
 TEST(Effects, CopiesAreWrittenByTheExactExtension) {
-    const QString dir = testsupport::freshDir(QStringLiteral("fx-ext")), out = dir + "out/";
-    QDir().mkpath(out);
+    const QString dir = testsupport::freshDir("fx-ext"), out = testsupport::freshDir("fx-ext/out");
     const std::pair<QString, std::string> cases[] = {
         // name, reader ("" when not written)
         {"p1.JPG", "jpegload"}, {"p2.jpeg", "jpegload"}, {"p3.JPEG", "jpegload"},

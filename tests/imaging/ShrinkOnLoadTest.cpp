@@ -19,18 +19,13 @@ void writeHeic(const QString& path, int width, int height, int thumbnailBox) {
     heif_image_add_plane(image, heif_channel_interleaved, width, height, 8);
     int stride = 0;
     uint8_t* plane = heif_image_get_plane(image, heif_channel_interleaved, &stride);
-    size_t length = 0;
-    auto* data = static_cast<uint8_t*>(pixels.write_to_memory(&length));
+    const auto* data = static_cast<const uint8_t*>(pixels.data());
     for (int y = 0; y < height; ++y) memcpy(plane + y * stride, data + y * width * 3, width * 3);
-    g_free(data);
     heif_image_handle* handle = nullptr;
     heif_context_encode_image(context, image, encoder, nullptr, &handle);
-    if (thumbnailBox > 0) {
-        heif_image_handle* thumbnail = nullptr;
+    if (thumbnailBox > 0)
         heif_context_encode_thumbnail(context, image, handle, encoder, nullptr, thumbnailBox,
-                                      &thumbnail);
-        heif_image_handle_release(thumbnail);
-    }
+                                      nullptr);
     EXPECT_EQ(heif_context_write_to_file(context, QFile::encodeName(path).constData()).code,
               heif_error_Ok);
     heif_image_handle_release(handle);
@@ -51,7 +46,7 @@ fixtures::Size pixelsOf(const Picture& picture) {
 // own size. A JPEG stored 800 x 400 and tagged to be seen turned (400 x 800) is shrunk by its
 // upright sides and comes out upright.
 TEST(ShrinkOnLoad, ReadersShrinkWhereTheyCan) {
-    const QString dir = testsupport::freshDir(QStringLiteral("shrink-on-load"));
+    const QString dir = testsupport::freshDir("shrink-on-load");
     fixtures::save(fixtures::coordinates(800, 600), dir + "photo.jpg");
     fixtures::save(fixtures::coordinates(800, 600), dir + "photo.png");
     fixtures::save(fixtures::coordinates(1001, 751), dir + "odd.webp");
@@ -99,7 +94,7 @@ TEST(ShrinkOnLoad, ReadersShrinkWhereTheyCan) {
 // While a run remembers the headers of its photos they are not read again: a photo replaced in
 // the meantime still answers with the header read first, until the run forgets them.
 TEST(ShrinkOnLoad, RememberedHeadersAnswerUntilForgotten) {
-    const QString dir = testsupport::freshDir(QStringLiteral("remembered-headers"));
+    const QString dir = testsupport::freshDir("remembered-headers");
     const QString path = dir + "photo.jpg";
     fixtures::save(fixtures::solid(60, 40, {10, 20, 30}), path);
     int width = 0, height = 0;
@@ -117,7 +112,7 @@ TEST(ShrinkOnLoad, RememberedHeadersAnswerUntilForgotten) {
 // An alpha opaque everywhere is dropped while decoding, for many images or for one, the colours
 // untouched; a single pixel short of opaque keeps it.
 TEST(ShrinkOnLoad, OnlyAnAlphaWithTransparencyIsKept) {
-    const QString dir = testsupport::freshDir(QStringLiteral("opaque-alpha"));
+    const QString dir = testsupport::freshDir("opaque-alpha");
     const vips::VImage rgb = fixtures::coordinates(64, 48);
     const vips::VImage corner = (vips::VImage::xyz(64, 48)[0] + vips::VImage::xyz(64, 48)[1]) == 0;
     fixtures::save(fixtures::srgb(rgb.bandjoin(255)), dir + "opaque.png");

@@ -18,8 +18,8 @@ static std::string corners(const QString& path) {
 // quarter clockwise, tagged 8 anticlockwise: every output is upright, 40 x 80, and keeps no
 // orientation other than 1.
 TEST(Upright, OrientationIsAppliedToThePixels) {
-    const QString dir = testsupport::freshDir(QStringLiteral("upright")), out = dir + "out/";
-    QDir().mkpath(out);
+    const QString dir = testsupport::freshDir("upright"),
+                  out = testsupport::freshDir("upright/out");
     const vips::VImage xy = vips::VImage::xyz(80, 40), right = xy[0] >= 40;
     const vips::VImage quadrants =
         fixtures::srgb((xy[1] >= 20)
@@ -44,8 +44,8 @@ TEST(Upright, OrientationIsAppliedToThePixels) {
 
 // CMYK, 16-bit and palette photos give 8-bit sRGB output of the right colour.
 TEST(Upright, CmykSixteenBitAndPaletteGiveSrgb) {
-    const QString dir = testsupport::freshDir(QStringLiteral("colourspaces")), out = dir + "out/";
-    QDir().mkpath(out);
+    const QString dir = testsupport::freshDir("colours"),
+                  out = testsupport::freshDir("colours/out");
     const vips::VImage red = fixtures::solid(40, 30, {220, 20, 20});
     red.colourspace(VIPS_INTERPRETATION_RGB16).write_to_file((dir + "deep.png").toUtf8());
     red.write_to_file((dir + "palette.png").toUtf8(), vips::VImage::option()->set("palette", true));
