@@ -85,10 +85,9 @@ TEST(Effects, UnknownCodeRunsThePreviousFilterOnItsOldPhotoBlurWritesNothing) {
         EXPECT_EQ(fixtures::pixel(out + "b.png", 0, 0), (Pixel{245, 235, 225}));  // a, inverted
     }
     const QMap<QString, QByteArray> before = testsupport::contentsUnder(dir);
-    QDir().mkpath(dir + "none");
     for (const QString code : {"12", "-1", "", "x", "06"}) {
-        EXPECT_EQ(KLColorConversions().convertColorTo(dir + "a.png", dir + "none/", code), "OK");
-        EXPECT_EQ(KLColorConversions().enhanceColorTo(dir + "a.png", dir + "none/", code, 1), "OK");
+        EXPECT_EQ(KLColorConversions().convertColorTo(dir + "a.png", out, code), "OK");
+        EXPECT_EQ(KLColorConversions().enhanceColorTo(dir + "a.png", out, code, 1), "OK");
     }
     EXPECT_EQ(colours.hApplyGaussianBlur(dir + "a.png", 5.0f), "OK");
     EXPECT_EQ(testsupport::contentsUnder(dir), before);
@@ -108,8 +107,7 @@ TEST(Effects, CopiesAreWrittenByTheExactExtension) {
         EXPECT_EQ(KLColorConversions().convertColorTo(dir + name, out, "3"), "OK");
         EXPECT_EQ(QFile::exists(out + name) ? fixtures::loader(out + name) : "", loader)
             << name.toStdString();
-        if (loader == "jpegload") {
-            EXPECT_GE(testsupport::exiftool(out + name, "JPEGQualityEstimate").toInt(), 98);
-        }
+        EXPECT_TRUE(loader != "jpegload" ||
+                    testsupport::exiftool(out + name, "JPEGQualityEstimate").toInt() >= 98);
     }
 }

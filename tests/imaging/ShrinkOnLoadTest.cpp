@@ -54,37 +54,33 @@ TEST(ShrinkOnLoad, ReadersShrinkWhereTheyCan) {
     writeHeic(dir + "plain.heic", 800, 600, 0);
     fixtures::save(fixtures::coordinates(800, 400), dir + "turned.jpg");
     fixtures::tag(dir + "turned.jpg", {"-Orientation#=6"});
-    struct Case {
-        const char* file;
-        double scale;
-        fixtures::Size pixels;
-    };
-    for (const Case& c : {
-             Case{"photo.jpg", 0.1, {200, 150}},  // needs 80 x 60: shrink 4
-             Case{"photo.jpg", 0.05, {100, 75}}, Case{"photo.jpg", 0.5, {800, 600}},
-             Case{"photo.png", 0.1, {800, 600}},
-             Case{"odd.webp", 0.1, {101, 76}},   // needs 101 x 76 (75.1 rounded up)
-             Case{"odd.webp", 0.5, {501, 376}},  // needs 501 x 376 (375.5 rounded up)
-             Case{"thumb.heic", 0.1, {160, 120}},
-             Case{"thumb.heic", 0.25, {800, 600}},  // needs 200 x 150: the thumbnail is too small
-             Case{"plain.heic", 0.1, {800, 600}},
-             Case{"turned.jpg", 0.25, {200, 400}},  // needs 100 x 200: shrink 2
-         }) {
-        SCOPED_TRACE(testing::Message() << c.file << " at " << c.scale);
-        const QString path = dir + c.file;
+    const std::tuple<QString, double, fixtures::Size> cases[] = {
+        {"photo.jpg", 0.1, {200, 150}},  // needs 80 x 60: shrink 4
+        {"photo.jpg", 0.05, {100, 75}},
+        {"photo.jpg", 0.5, {800, 600}},
+        {"photo.png", 0.1, {800, 600}},
+        {"odd.webp", 0.1, {101, 76}},   // needs 101 x 76 (75.1 rounded up)
+        {"odd.webp", 0.5, {501, 376}},  // needs 501 x 376 (375.5 rounded up)
+        {"thumb.heic", 0.1, {160, 120}},
+        {"thumb.heic", 0.25, {800, 600}},  // needs 200 x 150: the thumbnail is too small
+        {"plain.heic", 0.1, {800, 600}},
+        {"turned.jpg", 0.25, {200, 400}}};  // needs 100 x 200: shrink 2
+    for (const auto& [file, scale, pixels] : cases) {
+        SCOPED_TRACE(testing::Message() << file.toStdString() << " at " << scale);
+        const QString path = dir + file;
         QString error;
-        const Picture picture = PhotoDecoder::decode(path, c.scale, &error);
+        const Picture picture = PhotoDecoder::decode(path, scale, &error);
         ASSERT_FALSE(picture.isNull()) << error.toStdString();
         const auto [w, h] = pixelsOf(picture);
-        const int rounding = QString(c.file).endsWith(".webp") ? 1 : 0;  // of the other side
-        EXPECT_TRUE(w >= c.pixels.first && w <= c.pixels.first + rounding) << w;
-        EXPECT_TRUE(h >= c.pixels.second && h <= c.pixels.second + rounding) << h;
+        const int rounding = file.endsWith(".webp") ? 1 : 0;  // of the other side
+        EXPECT_TRUE(w >= pixels.first && w <= pixels.first + rounding) << w;
+        EXPECT_TRUE(h >= pixels.second && h <= pixels.second + rounding) << h;
         const PhotoHeader header = PhotoDecoder::header(path);
         EXPECT_EQ(fixtures::Size(picture.width(), picture.height()),
                   fixtures::Size(header.width, header.height));
         // The derivative asked for comes out at its size, made from enough pixels.
         KLImageHandling images;
-        const Picture made = images.resized(picture, int(std::ceil(header.width * c.scale)), 0);
+        const Picture made = images.resized(picture, int(std::ceil(header.width * scale)), 0);
         ASSERT_FALSE(made.isNull());
         EXPECT_EQ(pixelsOf(made), fixtures::Size(images.newImgW, images.newImgH));
         EXPECT_TRUE(w >= images.newImgW && h >= images.newImgH);

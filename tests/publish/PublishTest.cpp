@@ -71,17 +71,13 @@ Outcome publish(const QStringList& args, const QString& home, const QByteArray& 
             QString::fromUtf8(process.readAllStandardError())};
 }
 
-void generate(const QString& site, const QString& photos, const QStringList& extra = {}) {
-    testsupport::orvellaOut(0, QStringList{"generate", "gallery", "--out", site} + extra << photos);
-}
-
 // The course of a site's life on a server: first publish, nothing changed, one photo changed, one
 // photo removed with --delete beside a file the user put on the server.
 void publishesIncrementally(const QString& dir, const QString& destination, const QString& server,
                             const QString& home) {
     const QString site = dir + "site/", photos = dir + "photos/";
     for (const QString name : {"a.png", "b.png", "c.png"}) testsupport::makePhoto(photos + name);
-    generate(site, photos);
+    testsupport::orvellaOut(0, {"generate", "gallery", "--out", site, photos});
     const QStringList verbose{site, destination, "--verbose"};
 
     Outcome run = publish(verbose, home);
@@ -104,7 +100,7 @@ void publishesIncrementally(const QString& dir, const QString& destination, cons
 
     Files before = filesIn(site, true);
     testsupport::makePhoto(photos + "b.png", 80, 50);
-    generate(site, photos);
+    testsupport::orvellaOut(0, {"generate", "gallery", "--out", site, photos});
     QByteArray redirect = readFile(site + "index.html");  // changed, its size kept
     redirect[0] = redirect[0] == '<' ? '(' : '<';
     writeFile(site + "index.html", redirect);
@@ -122,7 +118,7 @@ void publishesIncrementally(const QString& dir, const QString& destination, cons
     writeFile(server + "notes.txt", "the user's own");
     before = filesIn(site, true);
     QFile::remove(photos + "c.png");
-    generate(site, photos, {"--clean"});
+    testsupport::orvellaOut(0, {"generate", "gallery", "--out", site, "--clean", photos});
     const Paths gone = pathsOf(before.keys()) - pathsOf(filesIn(site, true).keys());
     ASSERT_FALSE(gone.isEmpty());
     run = publish(verbose + QStringList{"--delete"}, home);
@@ -194,29 +190,23 @@ TEST(Publish, UnknownHostKeyOrWrongPasswordIsRefused) {
     const QString knownHosts = ssh.home() + "/.ssh/known_hosts";
     const QString otherKey = QString::fromUtf8(readFile(ssh.home() + "/.ssh/id_ed25519.pub"));
     const QString changedLine = QString("[127.0.0.1]:%1 %2").arg(ssh.port()).arg(otherKey);
-    struct Case {
-        const char* what;
-        QString knownHosts;
-        bool accept;
-        int code;
-        QString message;
-    } cases[] = {
+    const std::tuple<const char*, QString, bool, int, QString> cases[] = {
+        // what, known_hosts, --accept-host-key, exit code, part of the error
         {"unknown, refused", "", false, 2, "is not known: ssh-ed25519 " + ssh.fingerprint() + "\n"},
         {"unknown, accepted", "", true, 0, ""},
         {"now known", "(as left by the case before)", false, 0, ""},
         {"changed, never accepted", changedLine, true, 2,
          "is not the one " + knownHosts + " holds for it: the server offers ssh-ed25519 " +
-             ssh.fingerprint()},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.what);
-        if (!c.knownHosts.startsWith("(")) writeFile(knownHosts, c.knownHosts.toUtf8());
+             ssh.fingerprint()}};
+    for (const auto& [what, hosts, accept, code, message] : cases) {
+        SCOPED_TRACE(what);
+        if (!hosts.startsWith("(")) writeFile(knownHosts, hosts.toUtf8());
         QStringList args{dir + "site", ssh.destination(dir + "server")};
-        if (c.accept) args << "--accept-host-key";
+        if (accept) args << "--accept-host-key";
         const Outcome run = publish(args, ssh.home());
-        EXPECT_EQ(run.code, c.code) << run.err.toStdString();
-        EXPECT_TRUE(run.err.contains(c.message)) << run.err.toStdString();
-        if (c.accept && c.code == 0) {
+        EXPECT_EQ(run.code, code) << run.err.toStdString();
+        EXPECT_TRUE(run.err.contains(message)) << run.err.toStdString();
+        if (accept && code == 0) {
             EXPECT_EQ(readFile(knownHosts), (ssh.knownHostsLine() + '\n').toUtf8());
         }
     }
@@ -236,10 +226,8 @@ TEST(Publish, UnknownHostKeyOrWrongPasswordIsRefused) {
 }
 
 TEST(PublishDestination, ParsedOrRefused) {
-    struct Case {
-        const char* text;
-        const char* key;  // or the start of the error
-    } cases[] = {
+    const std::pair<const char*, const char*> cases[] = {
+        // text, key or the start of the error
         {"sftp://ann@example.com/~/www", "sftp://ann@example.com/~/www"},
         {"SFTP://ann@Example.COM:22/srv/My Site/", "sftp://ann@example.com/srv/My%20Site"},
         {"sftp://ann@example.com:2222/srv/K%C3%A4se", "sftp://ann@example.com:2222/srv/K%C3%A4se"},
@@ -250,11 +238,11 @@ TEST(PublishDestination, ParsedOrRefused) {
         {"sftp://ann@example.com/", "\"sftp://ann@example.com/\" names no folder"},
         {"sftp://ann@example.com/www/../etc", "\"sftp://ann@example.com/www/../etc\": the folder"},
     };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.text);
+    for (const auto& [text, key] : cases) {
+        SCOPED_TRACE(text);
         QString error;
-        const auto destination = PublishDestination::parse(QString::fromUtf8(c.text), &error);
-        EXPECT_EQ(destination ? destination->key() : error.left(qsizetype(strlen(c.key))), c.key);
+        const auto destination = PublishDestination::parse(QString::fromUtf8(text), &error);
+        EXPECT_EQ(destination ? destination->key() : error.left(qsizetype(strlen(key))), key);
     }
     QString error;
     const auto typed = PublishDestination::parse("sftp://a@h/K%C3%A4se x/100%25", &error);

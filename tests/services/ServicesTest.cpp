@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <climits>
 
 #include "services/KLbookmarks.h"
 #include "services/TextValues.h"
@@ -37,13 +38,9 @@ TEST(ToolBox, PercentEncodesExactlyFourCharacters) {
 }
 
 TEST(TextValues, ReadsTheLeadingNumberLikeATextField) {
-    const std::pair<QString, int> cases[] = {{"12", 12},
-                                             {"  -7px", -7},
-                                             {"+3", 3},
-                                             {"", 0},
-                                             {"abc", 0},
-                                             {"3.9", 3},
-                                             {"99999999999", 2147483647}};
+    const std::pair<QString, int> cases[] = {
+        {"12", 12}, {"  -7px", -7},          {"+3", 3}, {"", 0}, {"abc", 0},
+        {"3.9", 3}, {"99999999999", INT_MAX}};
     for (const auto& [text, value] : cases)
         EXPECT_EQ(TextValues::intValue(text), value) << text.toStdString();
     EXPECT_DOUBLE_EQ(TextValues::doubleValue(" -1.5e1x"), -15.0);
@@ -148,9 +145,12 @@ TEST(ColorHandling, HexTextColourFromTextAndSetHexValue) {
     }
 }
 
-// Which field or well a tag names is a table; a tag outside it, or without a well, changes nothing.
-TEST(ColorWellHandling, TagsOutsideTheTablesAndBoxRadius) {
+// The two tag tables are not mirror images of each other (kept on purpose); a tag outside them, or
+// without a well, changes nothing.
+TEST(ColorWellHandling, TagsChooseFieldsAndWells) {
     using H = cColorWellHandling;
+    EXPECT_EQ(H::hCallHEXfromColorwell(1, Qt::red).value().fieldName, "tfNSColorWellObjBGCc");
+    EXPECT_EQ(H::controlTextDidEndEditing(1, "00FF80").value().wellName, "ascNSColorWellObjTCt");
     EXPECT_EQ(H::hCallHEXfromColorwell(0, QColor(255, 127, 0)).value().hex, "FF7F00");
     EXPECT_FALSE(H::hCallHEXfromColorwell(14, Qt::red));
     EXPECT_EQ(H::controlTextDidEndEditing(2, "00FF80").value().color, QColor(0, 255, 128));

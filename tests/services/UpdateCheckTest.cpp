@@ -52,10 +52,9 @@ struct VersionServer : QProcess {
 
 // The check against a real server, through the command line: the request bypasses caches; only
 // a newer build is offered, its announcement alone printed, without control characters (line
-// feeds and tabs kept); a reply too large (declared, or endless: never read beyond the
-// limit, while one of exactly the limit is read) is exit 1, no answer within the deadline
-// (shortened here) or an error a line on stderr ("*": any reason); a malformed file is logged
-// with --verbose ("verbose": a reply); nothing of a reply but the announcement printed.
+// feeds and tabs kept); a reply too large (declared, or endless: never read past the limit, one
+// of exactly the limit is read) is exit 1; no answer within the deadline (shortened here) or an
+// error is a line on stderr ("*": any reason); --verbose logs a malformed file.
 TEST(UpdateCheck, CommandLineAgainstARealServer) {
     const int limit = int(cAppUpdater::kMaxReplyBytes);
     const QString tooLarge =

@@ -19,8 +19,7 @@ class LocalServer {
     // Starts the program and waits until it accepts connections; error_ says why not.
     void start(const QString& program, const QStringList& arguments);
 
-    QString dir_;
-    QString error_;
+    QString dir_, error_;
     int port_ = 0;
     QProcess process_;
 };

@@ -33,11 +33,7 @@ int runProgram(const QString& program, const QStringList& arguments, QString* ou
     QProcess process;
     if (environment) process.setProcessEnvironment(*environment);
     process.start(program, arguments);
-    if (!process.waitForFinished(timeoutMs)) {
-        process.kill();
-        process.waitForFinished();
-        return -1;
-    }
+    if (!process.waitForFinished(timeoutMs)) return -1;  // QProcess kills it on its way out
     if (out) *out = QString::fromUtf8(process.readAllStandardOutput());
     if (err) *err = QString::fromUtf8(process.readAllStandardError());
     return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
