@@ -5,11 +5,11 @@
 // Every kind of photo that cannot be used, under names the imaging code accepts, through every
 // operation: the failure result, nothing written, nothing changed, no crash.
 TEST(BadInput, EveryOperationFailsQuietlyAndWritesNothing) {
-    const QString dir = testsupport::freshDir(QStringLiteral("bad-input"));
+    const QString dir = testsupport::freshDir("bad-input"),
+                  out = testsupport::freshDir("bad-input/out");
     testsupport::writeFile(dir + "zero.jpg", {});
     QByteArray noise(20000, '\0');
-    QRandomGenerator random(7);
-    for (char& c : noise) c = char(random.bounded(256));
+    QRandomGenerator(7).fillRange(reinterpret_cast<quint32*>(noise.data()), noise.size() / 4);
     testsupport::writeFile(dir + "noise.jpg", noise);
     testsupport::writeFile(dir + "text.png", "this is not a picture\n");
     fixtures::save(fixtures::coordinates(600, 400), dir + "truncated.jpg");
@@ -24,8 +24,6 @@ TEST(BadInput, EveryOperationFailsQuietlyAndWritesNothing) {
         {"truncated.jpg", "Failed"}, {"folder.jpg", "Failed"},    {"missing.jpg", "Failed"},
         {"huge.png", "Failed"},      {"zerosided.gif", "Failed"}, {"a.psd", "Not Supported"},
         {"b.PDF", "Not Supported"}};
-    const QString out = dir + "out/";
-    QDir().mkpath(out);
     for (const auto& [name, result] : cases) {
         SCOPED_TRACE(name.toStdString());
         const QString source = dir + name;
@@ -39,8 +37,7 @@ TEST(BadInput, EveryOperationFailsQuietlyAndWritesNothing) {
         EXPECT_EQ(colours.convertColorTo(source, out, "4"), "OK");
         EXPECT_EQ(colours.enhanceColorTo(source, out, "1", 0.5f), "OK");
         EXPECT_EQ(colours.hApplyGaussianBlur(source, 3.0f), "OK");
-        const QByteArray bytes =
-            testsupport::readFile(source);  // a frame leaves the file as it was
+        const QByteArray bytes = testsupport::readFile(source);  // a frame leaves it as it was
         EXPECT_EQ(images.addBorderToImage2(source, Qt::red, 10), result);
         EXPECT_EQ(testsupport::readFile(source), bytes);
         // a conversion writes nothing but still removes the working file

@@ -27,8 +27,7 @@ TEST(Resize, ModesGiveTheTargetSizeWrittenInTheSourceType) {
             << width << "x" << height << " " << size << " mode " << mode;
     }
     // Read back: the size and the type of the source; a fresh object has no previous size to keep.
-    const QString dir = testsupport::freshDir(QStringLiteral("resize")), out = dir + "out/";
-    QDir().mkpath(out);
+    const QString dir = testsupport::freshDir("resize"), out = testsupport::freshDir("resize/out");
     for (const QString name : {"a.jpg", "b.png", "c.TIF", "d.gif"}) {
         fixtures::save(fixtures::solid(300, 400, {90, 140, 200}), dir + name);
         ASSERT_EQ(KLImageHandling().resizeImage(dir + name, 150, 7, out), "OK");
@@ -42,7 +41,7 @@ TEST(Resize, ModesGiveTheTargetSizeWrittenInTheSourceType) {
 // boxes are not shifted, big ones by (10, -20), which pushes some over the edge: they keep only
 // the part on the image. One object for all: position 9 keeps the corner of the crop before.
 TEST(Crop, PositionsCutTheBoxAtTheirCorner) {
-    const QString dir = testsupport::freshDir(QStringLiteral("crop"));
+    const QString dir = testsupport::freshDir("crop");
     KLImageHandling images(CropShifts{0, 0, 10, -20});
     const std::array<int, 6> cases[] = {
         // position, big: x, y, width, height
@@ -65,7 +64,7 @@ TEST(Crop, PositionsCutTheBoxAtTheirCorner) {
 // Width 10: five pixels of frame inside each edge, the photo from the sixth on. A JPEG keeps its
 // metadata through crop and frame, a PNG does not.
 TEST(Frame, OnlyTheInnerHalfOfTheStrokeShows) {
-    const QString dir = testsupport::freshDir(QStringLiteral("frame"));
+    const QString dir = testsupport::freshDir("frame");
     fixtures::save(fixtures::solid(200, 150, {100, 100, 100}), dir + "t.png");
     ASSERT_EQ(KLImageHandling().addBorderToImage2(dir + "t.png", QColor(255, 0, 0), 10), "OK");
     EXPECT_EQ(fixtures::sizeOf(dir + "t.png"), Size(200, 150));

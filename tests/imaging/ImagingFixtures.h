@@ -13,7 +13,6 @@
 #include "imaging/KLImageHandling.h"
 #include "imaging/VipsRuntime.h"
 #include "metadata/MetaFixtures.h"
-#include "services/cNSFileHandling.h"
 #include "support/TestSupport.h"
 
 namespace fixtures {

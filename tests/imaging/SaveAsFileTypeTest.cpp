@@ -31,7 +31,7 @@ TEST(SaveAs, EveryFormatWritesAFileItsReaderAccepts) {
         const fixtures::Pixel p = image.getpoint(200, 10);
         EXPECT_TRUE(std::abs(p[0] - 200) < 12 && std::abs(p[1] - 10) < 12) << p[0] << " " << p[1];
     }
-    const QString dir = testsupport::freshDir(QStringLiteral("saveas-delete"));
+    const QString dir = testsupport::freshDir("saveas-delete");
     KLImageHandling::hSaveAsFileType(workingJpeg(dir + "a.jpg"), "jpg", "9", dir);
     KLImageHandling::hSaveAsFileType(workingJpeg(dir + "c.jpg"), "webp", "9", dir + "elsewhere/");
     EXPECT_TRUE(fixtures::isEmptyDir(dir));
@@ -42,7 +42,7 @@ TEST(SaveAs, EveryFormatWritesAFileItsReaderAccepts) {
 
 // "1".."8" are tenths of JPEG quality, "9" and anything else 0.9.
 TEST(SaveAs, CompressionTitlesSetTheJpegQuality) {
-    const QString dir = testsupport::freshDir(QStringLiteral("saveas-quality"));
+    const QString dir = testsupport::freshDir("saveas-quality");
     for (const auto& [title, quality] :
          {std::pair{"2", 20}, {"8", 80}, {"9", 90}, {"", 90}, {"x", 90}}) {
         const QString out = dir + "q" + title + "/";
@@ -55,7 +55,7 @@ TEST(SaveAs, CompressionTitlesSetTheJpegQuality) {
 
 // Transparent pixels go onto white where the format has no alpha, and stay transparent in PNG.
 TEST(SaveAs, TransparentPixelsOnWhiteWithoutAlpha) {
-    const QString dir = testsupport::freshDir(QStringLiteral("transparent"));
+    const QString dir = testsupport::freshDir("transparent");
     const vips::VImage alpha = (vips::VImage::xyz(60, 40)[0] >= 30).ifthenelse(255, 0);
     for (const QString format : {"jpeg", "bmp", "png"}) {
         fixtures::save(fixtures::srgb(fixtures::solid(60, 40, {200, 30, 30}).bandjoin(alpha)),

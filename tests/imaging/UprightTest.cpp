@@ -1,6 +1,7 @@
 #include "ImagingFixtures.h"
 
 using fixtures::Pixel;
+using testsupport::freshDir;
 
 // The colours of the four corners, top left to bottom right: "r", "g", "b" or "w".
 static std::string corners(const QString& path) {
@@ -18,8 +19,7 @@ static std::string corners(const QString& path) {
 // quarter clockwise, tagged 8 anticlockwise: every output is upright, 40 x 80, and keeps no
 // orientation other than 1.
 TEST(Upright, OrientationIsAppliedToThePixels) {
-    const QString dir = testsupport::freshDir(QStringLiteral("upright")), out = dir + "out/";
-    QDir().mkpath(out);
+    const QString dir = freshDir("upright"), out = freshDir("upright/out");
     const vips::VImage xy = vips::VImage::xyz(80, 40), right = xy[0] >= 40;
     const vips::VImage quadrants =
         fixtures::srgb((xy[1] >= 20)
@@ -29,8 +29,7 @@ TEST(Upright, OrientationIsAppliedToThePixels) {
         SCOPED_TRACE(tag);
         const QString name = QString("q") + tag + ".jpg";
         fixtures::save(quadrants, dir + name);
-        testsupport::runProgram(
-            "exiftool", {"-q", "-overwrite_original", QString("-Orientation#=") + tag, dir + name});
+        fixtures::tag(dir + name, {QString("-Orientation#=") + tag});
         int w = 0, h = 0;
         ASSERT_TRUE(PhotoDecoder::uprightSize(dir + name, &w, &h));
         EXPECT_EQ(fixtures::Size(w, h),
@@ -44,8 +43,7 @@ TEST(Upright, OrientationIsAppliedToThePixels) {
 
 // CMYK, 16-bit and palette photos give 8-bit sRGB output of the right colour.
 TEST(Upright, CmykSixteenBitAndPaletteGiveSrgb) {
-    const QString dir = testsupport::freshDir(QStringLiteral("colourspaces")), out = dir + "out/";
-    QDir().mkpath(out);
+    const QString dir = freshDir("colours"), out = freshDir("colours/out");
     const vips::VImage red = fixtures::solid(40, 30, {220, 20, 20});
     red.colourspace(VIPS_INTERPRETATION_RGB16).write_to_file((dir + "deep.png").toUtf8());
     red.write_to_file((dir + "palette.png").toUtf8(), vips::VImage::option()->set("palette", true));

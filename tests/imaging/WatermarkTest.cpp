@@ -79,14 +79,11 @@ TEST(Watermark, TextLandsOnTheGridAndTheOffsetsTurnWithTheAngle) {
             << position;
     }
     // Turned by 30 degrees: a larger box, which dx = 10 moves 10 down and dy = 10 moves 10 right
-    // (up and left when turned by -30).
+    // (up and left when turned by -30). Rows: dx, dy, angle: right, down.
     const Box turned = boxAt(4, 0, 0, 30);
     EXPECT_GT(turned.height(), th + 5);
-    const std::array<int, 5> moves[] = {// dx, dy, angle: right, down
-                                        {10, 0, 30, 0, 10},
-                                        {10, 0, -30, 0, -10},
-                                        {0, 10, 30, 10, 0},
-                                        {0, 10, -30, -10, 0}};
+    const std::array<int, 5> moves[] = {
+        {10, 0, 30, 0, 10}, {10, 0, -30, 0, -10}, {0, 10, 30, 10, 0}, {0, 10, -30, -10, 0}};
     for (const auto& [dx, dy, angle, right, down] : moves) {
         const Box moved = boxAt(4, dx, dy, angle);
         EXPECT_NEAR(moved.left - turned.left, right, 1) << dx << " " << dy << " " << angle;
@@ -161,8 +158,8 @@ TEST(Watermark, ImageStampPlacesTheMarkWhereAsked) {
 }
 
 TEST(Watermark, StatusesFormatsMetadataAndOriginals) {
-    const QString dir = testsupport::freshDir("watermark/formats");
-    const QString out = testsupport::freshDir("watermark/formats-out");
+    const QString dir = testsupport::freshDir("watermark/formats"),
+                  out = testsupport::freshDir("watermark/formats-out");
     for (const QString name : {"a.jpg", "b.tif", "c.png", "d.gif", "e.JPEG", "f.webp", "turned.jpg",
                                "p3.jpg[profile=p3]", "layers.png"})
         greyPhoto(dir, name);

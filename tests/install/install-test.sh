@@ -23,7 +23,6 @@ mkdir -p "$scratch"
 dest=$scratch/root
 export LC_ALL=C.UTF-8
 
-# ---------------------------------------------------------------- install ---
 DESTDIR=$dest cmake --install "$build" --prefix /usr >"$scratch/install.log" 2>&1 ||
     fail "cmake --install: $(cat "$scratch/install.log")"
 expected=(
@@ -41,7 +40,6 @@ installed=$(cd "$dest" && find . -type f -printf '%P\n' | sort)
 [[ $installed == "$(printf '%s\n' "${expected[@]}" | sort)" ]] ||
     fail "installed files differ from the list:"$'\n'"$installed"
 
-# ------------------------------------------------------------- the program ---
 bin=$dest/usr/bin/orvella
 [[ -x $bin ]] || fail "usr/bin/orvella is not executable"
 out=$("$bin" --version)
@@ -57,10 +55,9 @@ done
 options=$(grep -oE -- '(^|[^a-z-])--[a-z][a-z0-9-]*' <<<"$all_help" | grep -oE -- '--[a-z0-9-]+' |
     sort -u)
 
-# ---------------------------------------------------------- desktop entry ---
 desktop=$dest/usr/share/applications/orvella.desktop
-validation=$(desktop-file-validate "$desktop" 2>&1) || fail "desktop-file-validate: $validation"
-[[ -z $validation ]] || fail "desktop-file-validate: $validation"
+validation=$(desktop-file-validate "$desktop" 2>&1)
+[[ $? == 0 && -z $validation ]] || fail "desktop-file-validate: $validation"
 entry=$(sed -n '/^\[Desktop Entry\]/,/^\[/p' "$desktop")
 contains "$entry" "Name=Orvella" "GenericName=Photo Web Gallery Creator" "Exec=orvella %F" \
     "Icon=orvella" "Categories=Graphics;Photography;" "Type=Application" ||
@@ -72,15 +69,12 @@ contains "$mimetypes" image/jpeg image/png image/tiff application/x-orvella-proj
 # The project type: the MIME database tools take the package and map *.orvprj to it.
 mkdir -p "$scratch/mime/packages"
 cp "$dest/usr/share/mime/packages/orvella.xml" "$scratch/mime/packages/"
-if update-mime-database "$scratch/mime" 2>"$scratch/mime.log"; then
-    grep -q '^50:application/x-orvella-project:\*\.orvprj$' "$scratch/mime/globs2" ||
-        fail "*.orvprj is not mapped: $(cat "$scratch/mime/globs2")"
-    [[ -f $scratch/mime/application/x-orvella-project.xml ]] || fail "the project type is missing"
-else
+update-mime-database "$scratch/mime" 2>"$scratch/mime.log" ||
     fail "update-mime-database: $(cat "$scratch/mime.log")"
-fi
+grep -q '^50:application/x-orvella-project:\*\.orvprj$' "$scratch/mime/globs2" ||
+    fail "*.orvprj is not mapped: $(cat "$scratch/mime/globs2")"
+[[ -f $scratch/mime/application/x-orvella-project.xml ]] || fail "the project type is missing"
 
-# ------------------------------------------------------------------ icons ---
 for size in 48 128 256; do
     png=$dest/usr/share/icons/hicolor/${size}x${size}/apps/orvella.png
     dims="$(vipsheader -f width "$png")x$(vipsheader -f height "$png") $(vipsheader -f bands "$png")"
@@ -90,7 +84,6 @@ svg=$dest/usr/share/icons/hicolor/scalable/apps/orvella.svg
 dims="$(vipsheader -f width "$svg" 2>&1)x$(vipsheader -f height "$svg" 2>&1)"
 [[ $dims == 256x256 ]] || fail "scalable icon: $dims"
 
-# ------------------------------------------------------------ manual page ---
 man=$dest/usr/share/man/man1/orvella.1.gz
 warnings=$(MANWIDTH=80 man --warnings -l "$man" 2>&1 >"$scratch/man.txt") || fail "man -l failed"
 [[ -z $warnings ]] || fail "man warnings: $warnings"
@@ -103,7 +96,6 @@ for option in $options; do
 done
 grep -qF "orvella $version" <<<"$page" || fail "the manual does not name version $version"
 
-# ------------------------------------------------------------- completion ---
 completion=$dest/usr/share/bash-completion/completions/orvella
 complete_words() {  # the words bash completion offers for a command line (last word: "" or a start)
     bash -c 'source "$1"; shift; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _orvella
@@ -131,13 +123,11 @@ done
 offered=$(complete_words orvella generate gallery --set tfPageT)
 [[ $offered == "tfPageTitle=" ]] || fail "--set tfPageT completes to: $offered"
 
-# --------------------------------------------------------------- uninstall ---
 DESTDIR=$dest cmake --build "$build" --target uninstall >"$scratch/uninstall.log" 2>&1 ||
     fail "uninstall: $(cat "$scratch/uninstall.log")"
 left=$(find "$dest" -type f -o -type l)
 [[ -z $left ]] || fail "left after uninstall: $left"
 
-# ----------------------------------------------------------------- package ---
 if ! command -v dpkg-shlibdeps >/dev/null || ! command -v cpack >/dev/null; then
     echo "SKIPPED: the Debian package (dpkg-shlibdeps or cpack missing)"
 else

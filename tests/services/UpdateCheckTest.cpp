@@ -52,10 +52,9 @@ struct VersionServer : QProcess {
 
 // The check against a real server, through the command line: the request bypasses caches; only
 // a newer build is offered, its announcement alone printed, without control characters (line
-// feeds and tabs kept); a reply too large (declared, or endless: never read beyond the
-// limit, while one of exactly the limit is read) is exit 1, no answer within the deadline
-// (shortened here) or an error a line on stderr ("*": any reason); a malformed file is logged
-// with --verbose ("verbose": a reply); nothing of a reply but the announcement printed.
+// feeds and tabs kept); a reply too large (declared, or endless: never read past the limit, one
+// of exactly the limit is read) is exit 1; no answer within the deadline (shortened here) or an
+// error is a line on stderr ("*": any reason); --verbose logs a malformed file.
 TEST(UpdateCheck, CommandLineAgainstARealServer) {
     const int limit = int(cAppUpdater::kMaxReplyBytes);
     const QString tooLarge =
@@ -78,22 +77,15 @@ TEST(UpdateCheck, CommandLineAgainstARealServer) {
     for (const auto& [mode, body, size, code, out, err] : cases) {
         SCOPED_TRACE(mode.toStdString() + " " + std::to_string(size));
         VersionServer server(mode == u"closed" || mode == u"verbose" ? "reply" : mode, body, size);
-        const QString url = server.url;
         if (mode == u"closed") server.stop();  // its port is refused from now on
+        QStringList args{"update-check", "--url", server.url, "--build", "2", "--timeout"};
+        args << (mode == u"trickle" ? "1" : "60");
+        if (mode == u"verbose") args << "--verbose";
         QString printed, said;
-        const QStringList args = {"update-check",
-                                  "--url",
-                                  url,
-                                  "--build",
-                                  "2",
-                                  "--timeout",
-                                  mode == u"trickle" ? "1" : "60"};
-        EXPECT_EQ(testsupport::orvella(args + QStringList(mode == u"verbose", "--verbose"),
-                                       &printed, &said),
-                  code);
+        EXPECT_EQ(testsupport::orvella(args, &printed, &said), code);
         EXPECT_EQ(printed, out);
-        EXPECT_TRUE(err == u"*" ? said.startsWith("orvella update-check: " + url + ": ")
-                                : said == QString(err).replace("URL", url))
+        EXPECT_TRUE(err == u"*" ? said.startsWith("orvella update-check: " + server.url + ": ")
+                                : said == QString(err).replace("URL", server.url))
             << said.toStdString();
         server.waitForReadyRead(5000);
         const QByteArray request = server.readAllStandardOutput().toLower();

@@ -34,49 +34,42 @@ void LocalServer::start(const QString& program, const QStringList& arguments) {
     }
     process_.kill();
     process_.waitForFinished();
-    error_ = QFileInfo(program).fileName() + QStringLiteral(" did not start: ") +
+    error_ = QFileInfo(program).fileName() + " did not start: " +
              QString::fromUtf8(process_.readAllStandardError() + process_.readAllStandardOutput());
 }
 
 SshServer::SshServer(const QString& dir) : LocalServer(dir) {
-    if (!QFileInfo::exists(QStringLiteral("/usr/sbin/sshd"))) {
-        error_ = QStringLiteral("no /usr/sbin/sshd: install openssh-server (make deps)");
+    if (!QFileInfo::exists("/usr/sbin/sshd")) {
+        error_ = "no /usr/sbin/sshd: install openssh-server (make deps)";
         return;
     }
-    QDir().mkpath(home() + QStringLiteral("/.ssh"));
-    const QString hostKey = dir_ + QStringLiteral("host_key");
-    const QString userKey = home() + QStringLiteral("/.ssh/id_ed25519");
+    QDir().mkpath(home() + "/.ssh");
+    const QString hostKey = dir_ + "host_key";
+    const QString userKey = home() + "/.ssh/id_ed25519";
     QString out, err;
     for (const QString& key : {hostKey, userKey}) {
-        if (runProgram(QStringLiteral("ssh-keygen"),
+        if (runProgram("ssh-keygen",
                        {"-q", "-t", "ed25519", "-N", "", "-C", "orvella-test", "-f", key}, &out,
                        &err) != 0) {
-            error_ = QStringLiteral("ssh-keygen: ") + err;
+            error_ = "ssh-keygen: " + err;
             return;
         }
     }
-    runProgram(QStringLiteral("ssh-keygen"), {"-l", "-f", hostKey + ".pub"}, &out);
+    runProgram("ssh-keygen", {"-l", "-f", hostKey + ".pub"}, &out);
     fingerprint_ = out.split(u' ').value(1);
-    QFile::copy(userKey + ".pub", dir_ + QStringLiteral("authorized_keys"));
-    writeFile(home() + QStringLiteral("/.ssh/known_hosts"), knownHostsLine().toUtf8() + '\n');
-    const QString config = dir_ + QStringLiteral("sshd_config");
-    writeFile(config, QStringLiteral("ListenAddress 127.0.0.1\n"
-                                     "HostKey %1\n"
-                                     "AuthorizedKeysFile %2authorized_keys\n"
-                                     "PidFile none\n"
-                                     "UsePAM no\n"
-                                     "StrictModes no\n"
-                                     "PasswordAuthentication yes\n"
-                                     "KbdInteractiveAuthentication no\n"
-                                     "PermitRootLogin yes\n"
-                                     "Subsystem sftp internal-sftp\n"
-                                     "LogLevel ERROR\n")
-                          .arg(hostKey, dir_)
-                          .toUtf8());
+    QFile::copy(userKey + ".pub", dir_ + "authorized_keys");
+    writeFile(home() + "/.ssh/known_hosts", knownHostsLine().toUtf8() + '\n');
+    const QString config = dir_ + "sshd_config";
+    writeFile(config,
+              QString("ListenAddress 127.0.0.1\nHostKey %1\nAuthorizedKeysFile %2authorized_keys\n"
+                      "PidFile none\nUsePAM no\nStrictModes no\nPasswordAuthentication yes\n"
+                      "KbdInteractiveAuthentication no\nPermitRootLogin yes\n"
+                      "Subsystem sftp internal-sftp\nLogLevel ERROR\n")
+                  .arg(hostKey, dir_)
+                  .toUtf8());
     // Started as root, sshd wants the folder its system service makes at start.
-    if (::geteuid() == 0) QDir().mkpath(QStringLiteral("/run/sshd"));
-    start(QStringLiteral("/usr/sbin/sshd"),
-          {"-D", "-e", "-f", config, "-p", QString::number(port_)});
+    if (::geteuid() == 0) QDir().mkpath("/run/sshd");
+    start("/usr/sbin/sshd", {"-D", "-e", "-f", config, "-p", QString::number(port_)});
 }
 
 QString SshServer::user() const {
@@ -85,44 +78,41 @@ QString SshServer::user() const {
 }
 
 QString SshServer::knownHostsLine() const {
-    const QStringList key =
-        QString::fromUtf8(readFile(dir_ + QStringLiteral("host_key.pub"))).split(u' ');
-    return QStringLiteral("[127.0.0.1]:%1 %2 %3").arg(port_).arg(key.value(0), key.value(1));
+    const QStringList key = QString::fromUtf8(readFile(dir_ + "host_key.pub")).split(u' ');
+    return QString("[127.0.0.1]:%1 %2 %3").arg(port_).arg(key.value(0), key.value(1));
 }
 
 QString SshServer::destination(const QString& path) const {
-    return QStringLiteral("sftp://%1@127.0.0.1:%2%3").arg(user()).arg(port_).arg(path);
+    return QString("sftp://%1@127.0.0.1:%2%3").arg(user()).arg(port_).arg(path);
 }
 
 FtpServer::FtpServer(const QString& dir) : LocalServer(dir) {
-    if (!QFileInfo::exists(QStringLiteral("/usr/sbin/vsftpd"))) {
-        error_ = QStringLiteral("no /usr/sbin/vsftpd: install vsftpd (make deps)");
+    if (!QFileInfo::exists("/usr/sbin/vsftpd")) {
+        error_ = "no /usr/sbin/vsftpd: install vsftpd (make deps)";
         return;
     }
     if (::geteuid() != 0) {
-        error_ = QStringLiteral("vsftpd logs anonymous users in only when started as root");
+        error_ = "vsftpd logs anonymous users in only when started as root";
         return;
     }
     // The root may not be writable by the "ftp" user; the folder below it is.
-    QDir().mkpath(root() + QStringLiteral("pub"));
+    QDir().mkpath(root() + "pub");
     QFile::setPermissions(root(), QFileDevice::Permissions(0x7755));
-    QFile::setPermissions(root() + QStringLiteral("pub"), QFileDevice::Permissions(0x7777));
-    const QString config = dir_ + QStringLiteral("vsftpd.conf");
-    writeFile(config, QStringLiteral("listen=YES\nlisten_address=127.0.0.1\nlisten_port=%1\n"
-                                     "background=NO\nanonymous_enable=YES\nlocal_enable=NO\n"
-                                     "write_enable=YES\nanon_root=%2\nanon_upload_enable=YES\n"
-                                     "anon_mkdir_write_enable=YES\nanon_other_write_enable=YES\n"
-                                     "anon_umask=022\nno_anon_password=YES\n"
-                                     "seccomp_sandbox=NO\nisolate=NO\nisolate_network=NO\n"
-                                     "xferlog_enable=NO\n")
-                          .arg(port_)
-                          .arg(root())
-                          .toUtf8());
-    start(QStringLiteral("/usr/sbin/vsftpd"), {config});
+    QFile::setPermissions(root() + "pub", QFileDevice::Permissions(0x7777));
+    const QString config = dir_ + "vsftpd.conf";
+    writeFile(config,
+              QString("listen=YES\nlisten_address=127.0.0.1\nlisten_port=%1\nbackground=NO\n"
+                      "anonymous_enable=YES\nlocal_enable=NO\nwrite_enable=YES\nanon_root=%2\n"
+                      "anon_upload_enable=YES\nanon_mkdir_write_enable=YES\n"
+                      "anon_other_write_enable=YES\nanon_umask=022\nno_anon_password=YES\n"
+                      "seccomp_sandbox=NO\nisolate=NO\nisolate_network=NO\nxferlog_enable=NO\n")
+                  .arg(QString::number(port_), root())
+                  .toUtf8());
+    start("/usr/sbin/vsftpd", {config});
 }
 
 QString FtpServer::destination(const QString& path) const {
-    return QStringLiteral("ftp://127.0.0.1:%1/%2").arg(port_).arg(path);
+    return QString("ftp://127.0.0.1:%1/%2").arg(port_).arg(path);
 }
 
 }  // namespace testsupport

@@ -19,8 +19,7 @@ class LocalServer {
     // Starts the program and waits until it accepts connections; error_ says why not.
     void start(const QString& program, const QStringList& arguments);
 
-    QString dir_;
-    QString error_;
+    QString dir_, error_;
     int port_ = 0;
     QProcess process_;
 };
@@ -32,7 +31,7 @@ class SshServer : public LocalServer {
   public:
     explicit SshServer(const QString& dir);
 
-    QString home() const { return dir_ + QStringLiteral("home"); }
+    QString home() const { return dir_ + "home"; }
     QString user() const;
     // The host key as `ssh-keygen -l` shows it: "SHA256:...".
     QString fingerprint() const { return fingerprint_; }
@@ -51,7 +50,7 @@ class FtpServer : public LocalServer {
   public:
     explicit FtpServer(const QString& dir);
 
-    QString root() const { return dir_ + QStringLiteral("ftp/"); }
+    QString root() const { return dir_ + "ftp/"; }
     // ftp://127.0.0.1:PORT/ followed by `path` (relative to root()).
     QString destination(const QString& path) const;
 };

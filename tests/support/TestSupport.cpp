@@ -33,11 +33,7 @@ int runProgram(const QString& program, const QStringList& arguments, QString* ou
     QProcess process;
     if (environment) process.setProcessEnvironment(*environment);
     process.start(program, arguments);
-    if (!process.waitForFinished(timeoutMs)) {
-        process.kill();
-        process.waitForFinished();
-        return -1;
-    }
+    if (!process.waitForFinished(timeoutMs)) return -1;  // QProcess kills it on its way out
     if (out) *out = QString::fromUtf8(process.readAllStandardOutput());
     if (err) *err = QString::fromUtf8(process.readAllStandardError());
     return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
@@ -60,17 +56,16 @@ QString orvellaOut(int code, const QStringList& arguments, QString* err,
 
 QProcessEnvironment homeIn(const QString& root) {
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(QStringLiteral("HOME"), root + QStringLiteral("home"));
-    env.insert(QStringLiteral("XDG_DATA_HOME"), root + QStringLiteral("data"));
-    env.insert(QStringLiteral("XDG_CONFIG_HOME"), root + QStringLiteral("config"));
+    env.insert("HOME", root + "home");
+    env.insert("XDG_DATA_HOME", root + "data");
+    env.insert("XDG_CONFIG_HOME", root + "config");
     return env;
 }
 
 QString makePhoto(const QString& path, int width, int height) {
     QDir().mkpath(QFileInfo(path).absolutePath());
-    EXPECT_EQ(runProgram(QStringLiteral("vips"),
-                         {QStringLiteral("black"), path, QString::number(width),
-                          QString::number(height), QStringLiteral("--bands"), QStringLiteral("3")}),
+    EXPECT_EQ(runProgram("vips", {"black", path, QString::number(width), QString::number(height),
+                                  "--bands", "3"}),
               0)
         << path.toStdString();
     return path;
@@ -108,17 +103,15 @@ void writeFile(const QString& path, const QByteArray& bytes) {
 
 QString exiftool(const QString& file, const QString& tag) {
     QString out;
-    runProgram(QStringLiteral("exiftool"), {QStringLiteral("-s3"), QStringLiteral("-") + tag, file},
-               &out);
+    runProgram("exiftool", {"-s3", "-" + tag, file}, &out);
     if (out.endsWith(u'\n')) out.chop(1);
     return out;
 }
 
 QStringList mateBackgroundJpegs() {
     QStringList files;
-    QDirIterator it(QStringLiteral("/usr/share/backgrounds/mate"),
-                    {QStringLiteral("*.jpg"), QStringLiteral("*.jpeg"), QStringLiteral("*.JPG")},
-                    QDir::Files, QDirIterator::Subdirectories);
+    QDirIterator it("/usr/share/backgrounds/mate", {"*.jpg", "*.jpeg", "*.JPG"}, QDir::Files,
+                    QDirIterator::Subdirectories);
     while (it.hasNext()) files.append(it.next());
     files.sort();
     return files;

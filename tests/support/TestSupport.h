@@ -20,8 +20,7 @@ inline std::ostream& operator<<(std::ostream& os, const QString& s) {
 class RecordingUserInterface : public UserInterface {
   public:
     struct Alert {
-        QString title;
-        QString description;
+        QString title, description;
         bool stopsRun;
     };
     void alert(const QString& title, const QString& description, bool stopsRun) override {
