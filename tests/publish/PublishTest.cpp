@@ -3,6 +3,7 @@
 // with what changed in the folder.
 #include <gtest/gtest.h>
 
+#include <QCoreApplication>
 #include <QCryptographicHash>
 #include <QFile>
 #include <QProcess>
@@ -146,9 +147,9 @@ TEST(Publish, FtpSendsWhatChanged) {
     publishesIncrementally(dir, ftp.destination("pub/www"), ftp.root() + "pub/www/", dir);
 }
 
-// Killed while sending, the next publish completes the site and leaves no temporary file. Names
-// with spaces and letters beyond ASCII arrive as they are, and the destination percent-encoded is
-// the same one.
+// Killed while sending, the next publish (not one while a run writes the folder) completes the
+// site and leaves no temporary file. Names with spaces and letters beyond ASCII arrive as they
+// are, and the destination percent-encoded is the same one.
 TEST(Publish, KilledPublishIsCompletedByTheNext) {
     const QString dir = freshDir("publish-killed");
     testsupport::SshServer ssh(dir);
@@ -170,6 +171,14 @@ TEST(Publish, KilledPublishIsCompletedByTheNext) {
     for (const auto& [path, hash] : halfway.asKeyValueRange())
         EXPECT_TRUE(path.contains(".orvella-tmp-") || hash == whole.value(path))
             << path.toStdString();
+
+    // Nothing is sent while a run writes the folder.
+    writeFile(site + ".orvella-lock", QByteArray::number(QCoreApplication::applicationPid()));
+    const Outcome locked = publish({site, ssh.destination(server)}, ssh.home());
+    EXPECT_EQ(locked.code, 1);
+    EXPECT_TRUE(locked.err.contains("is writing into " + site)) << locked.err.toStdString();
+    EXPECT_EQ(filesIn(server + "/"), halfway);
+    QFile::remove(site + ".orvella-lock");
 
     const Outcome run = publish({site, ssh.destination(server)}, ssh.home());
     EXPECT_EQ(run.code, 0) << run.err.toStdString();
