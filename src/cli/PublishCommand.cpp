@@ -51,9 +51,9 @@ const char* const kHelp =
     "                     there (compare its fingerprint first); a changed key is never accepted\n"
     "  --verbose          print one line per file sent or removed (and the diagnostic log)\n"
     "\n"
-    "Exit codes: 0 the server holds the whole site, 1 a file could not be sent or removed or the\n"
-    "connection failed (each is named on stderr), 2 wrong usage or a refusal (no such output\n"
-    "folder, an unknown or changed host key, a refused login).\n";
+    "Exit codes: 0 the server holds the whole site, 1 a file could not be sent or removed, the\n"
+    "connection failed or a run was writing into OUT (each is named on stderr), 2 wrong usage or\n"
+    "a refusal (no such output folder, an unknown or changed host key, a refused login).\n";
 
 const QString kPrefix = QStringLiteral("orvella publish");
 
