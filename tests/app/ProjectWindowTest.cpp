@@ -18,19 +18,17 @@
 #include "support/LocalServers.h"
 #include "support/TestSupport.h"
 
-using testsupport::freshDir;
-using testsupport::readFile;
+using namespace testsupport;
 using Answer = UserInterface::SaveAnswer;
 
 namespace {
 
 QStringList makePhotos(const QString& dir, const QStringList& names) {
     QStringList paths;
-    for (const QString& name : names) paths << testsupport::makePhoto(dir + name);
+    for (const QString& name : names) paths << makePhoto(dir + name);
     return paths;
 }
 
-// A window whose project questions and dialogs the test answers.
 struct Window {
     MainWindow window;
     ProjectActions* projects = window.projectActions();
@@ -47,10 +45,9 @@ struct Window {
             return std::pair{saveFolder, saveName};
         };
     }
-    // Types into a setting's field of the form, as the user does.
     void type(const QString& control, const QString& text) {
         auto* edit = window.findChild<QLineEdit*>(control);
-        ASSERT_TRUE(edit) << qPrintable(control);
+        ASSERT_TRUE(edit) << control;
         edit->setText(text);
         Q_EMIT edit->editingFinished();
     }
@@ -70,11 +67,7 @@ TEST(ProjectWindow, UnsavedFlagFollowsPhotosAndSettings) {
     ASSERT_TRUE(w.projects->saveProject());
     EXPECT_FALSE(w.projects->isModified());
 
-    struct Case {
-        const char* what;
-        std::function<void()> change;
-    };
-    for (const Case& c : std::vector<Case>{
+    for (const auto& [what, change] : std::vector<std::pair<const char*, std::function<void()>>>{
              {"adding", [&] { w.collection->appendPhotos({photos[2]}); }},
              {"removing", [&] { w.collection->hRemoveSelectedObject({0}); }},
              {"reordering", [&] { w.collection->acceptDrop({0}, 2); }},
@@ -84,8 +77,8 @@ TEST(ProjectWindow, UnsavedFlagFollowsPhotosAndSettings) {
              {"highlighting", [&] { w.collection->setHighlight(0, true); }},
              {"editing a setting", [&] { w.type("tfPageTitle", "Summer"); }},
              {"editing another kind's setting", [&] { w.type("tfSsWebPageTitle", "Slides"); }}}) {
-        SCOPED_TRACE(c.what);
-        c.change();
+        SCOPED_TRACE(what);
+        change();
         EXPECT_TRUE(w.projects->isModified());
         ASSERT_TRUE(w.projects->saveProject());  // saving clears it
         EXPECT_FALSE(w.projects->isModified());
@@ -109,9 +102,7 @@ TEST(ProjectWindow, QuittingWithChangesAsks) {
         const char* what;
         bool changed;
         std::vector<Answer> answers;
-        bool saveDialogGivesFolder;
-        bool closes;
-        bool written;
+        bool saveDialogGivesFolder, closes, written;
     };
     for (const Case& c :
          std::vector<Case>{{"no changes", false, {}, true, true, false},
@@ -140,12 +131,11 @@ TEST(ProjectWindow, QuittingWithChangesAsks) {
         ++folderDialogs;
         return QString();
     };
-    w.ui.answers = {Answer::Cancel};
+    w.ui.answers = {Answer::Cancel, Answer::DontSave};
     w.projects->openProject();
-    EXPECT_EQ(w.ui.questions.size(), 1);
     EXPECT_EQ(folderDialogs, 0);
-    w.ui.answers = {Answer::DontSave};
     w.projects->openProject();
+    EXPECT_EQ(w.ui.questions.size(), 2);
     EXPECT_EQ(folderDialogs, 1);
     EXPECT_EQ(w.collection->count(), 1);  // the folder dialog was cancelled: nothing changed
 }
@@ -218,14 +208,14 @@ TEST(ProjectWindow, RecentProjects) {
 // sent, and the folder's settings and the project remember where.
 TEST(PublishWindow, PublishesTheOutputFolderAndRemembersWhere) {
     const QString dir = freshDir("app-publish");
-    testsupport::SshServer ssh(dir);
+    SshServer ssh(dir);
     ASSERT_EQ(ssh.error(), "");
     const QByteArray home = qgetenv("HOME");
     qputenv("HOME", ssh.home().toUtf8());
-    testsupport::writeFile(ssh.home() + "/.ssh/known_hosts", "");  // the server is not known yet
+    writeFile(ssh.home() + "/.ssh/known_hosts", "");  // the server is not known yet
     const QString site = dir + "site/";
-    testsupport::writeFile(site + "images/a.jpg", "jpeg bytes");
-    testsupport::writeFile(site + "index.html", "<img src=images/a.jpg>");
+    writeFile(site + "images/a.jpg", "jpeg bytes");
+    writeFile(site + "index.html", "<img src=images/a.jpg>");
 
     MainWindow window;
     auto* row = window.findChild<QWidget*>("tfHTMLdestinationFolder");
@@ -255,7 +245,7 @@ TEST(PublishWindow, PublishesTheOutputFolderAndRemembersWhere) {
     EXPECT_TRUE(dialog->summary().startsWith("Published to " + destination +
                                              ": 2 sent, 0 removed, 0 unchanged.\n"
                                              "The server holds the whole site."))
-        << dialog->summary().toStdString();
+        << dialog->summary();
     EXPECT_EQ(readFile(dir + "server/index.html"),
               "<img src=images/a.jpg>");  // every file: tests/publish
     EXPECT_TRUE(ui.alerts.empty());

@@ -7,14 +7,14 @@
 #include "presets/dbViewController.h"
 
 using namespace presetfixtures;
-using testsupport::freshDir;
+using namespace testsupport;
 
 namespace {
 
 // orvella with its own data folder: its presets database is DIR/data/KeldraCom/klOrvella3.sql.
 int orvellaIn(const QString& dir, const QStringList& args, QString* out, QString* err = nullptr) {
-    const QProcessEnvironment env = testsupport::homeIn(dir);
-    return testsupport::orvella(args, out, err, &env);
+    const QProcessEnvironment env = homeIn(dir);
+    return orvella(args, out, err, &env);
 }
 
 }  // namespace
@@ -34,10 +34,10 @@ TEST(PresetFaults, DamagedDatabaseIsNamedNeverWrittenAndMovedAside) {
                                                    *PresetLayouts::find("gallery")),
             nullptr));
         const QString earlier = db + ".damaged-" + QDate::currentDate().toString(Qt::ISODate);
-        testsupport::writeFile(earlier, "an earlier one");
+        writeFile(earlier, "an earlier one");
         Damaged damaged(db, c.name);
         if (!damaged.skipped.isEmpty()) {
-            std::cout << "[  SKIPPED ] " << c.name << ": " << damaged.skipped.toStdString() << "\n";
+            std::cout << "[  SKIPPED ] " << c.name << ": " << damaged.skipped << "\n";
             continue;
         }
         const QString before = Damaged::state(db);
@@ -48,24 +48,23 @@ TEST(PresetFaults, DamagedDatabaseIsNamedNeverWrittenAndMovedAside) {
                                       {"preset", "save", "gallery", "New", "--preset", "A"},
                                       {"preset", "remove", "A"},
                                       {"preset", "import", file, "I"}}) {
-            EXPECT_EQ(orvellaIn(dir, args, &out, &err), 1) << args.join(' ').toStdString();
+            EXPECT_EQ(orvellaIn(dir, args, &out, &err), 1) << args.join(' ');
             EXPECT_EQ(out, "");
             EXPECT_TRUE(err.startsWith("orvella preset: Presets Db failed to open.\n" + db + ": " +
                                        c.reason))
-                << err.toStdString();
+                << err;
             EXPECT_EQ(err.contains("`orvella preset repair` moves it aside"), c.movable);
         }
         EXPECT_EQ(Damaged::state(db), before);
 
         EXPECT_EQ(orvellaIn(dir, {"preset", "repair"}, &out, &err), c.movable ? 0 : 1);
-        EXPECT_EQ(testsupport::readFile(earlier), "an earlier one");
+        EXPECT_EQ(readFile(earlier), "an earlier one");
         if (!c.movable) {
-            EXPECT_TRUE(err.contains(c.reason) && err.endsWith("; nothing was moved\n"))
-                << err.toStdString();
+            EXPECT_TRUE(err.contains(c.reason) && err.endsWith("; nothing was moved\n")) << err;
             EXPECT_EQ(Damaged::state(db), before);
             continue;
         }
-        EXPECT_EQ(out, earlier + "-2\n") << err.toStdString();
+        EXPECT_EQ(out, earlier + "-2\n") << err;
         EXPECT_EQ(Damaged::state(earlier + "-2"), before);
         EXPECT_EQ(orvellaIn(dir, {"preset", "list", "gallery"}, &out), 0);
         EXPECT_EQ(out, "");
@@ -111,20 +110,20 @@ TEST(PresetFaults, DamagedRowsAreListedAndTheOthersWork) {
     // clang-format on
     for (const auto& [args, code, out, err] : runs) {
         QString printed, told;
-        EXPECT_EQ(orvellaIn(dir, args, &printed, &told), code) << args.join(' ').toStdString();
-        EXPECT_EQ(printed + told, out + err) << args.join(' ').toStdString();
+        EXPECT_EQ(orvellaIn(dir, args, &printed, &told), code) << args.join(' ');
+        EXPECT_EQ(printed + told, out + err) << args.join(' ');
     }
     const QString photos = dir + "photos/";
-    testsupport::makePhoto(photos + "a.png");
+    makePhoto(photos + "a.png");
     QString out, err;
     ASSERT_EQ(orvellaIn(dir,
                         {"generate", "gallery", "--out", dir + "site", "--preset", "New", "--set",
                          "btShowTitle=1", photos},
                         &out, &err),
               0)
-        << err.toStdString();
-    const QByteArray pages = testsupport::readFile(dir + "site/myIndex.html") +
-                             testsupport::readFile(dir + "site/index.html");
+        << err;
+    const QByteArray pages =
+        readFile(dir + "site/myIndex.html") + readFile(dir + "site/index.html");
     EXPECT_TRUE(pages.contains("Ti[2Jtle") && pages.contains("onetwo"));
     for (const char c : pages) EXPECT_TRUE(uchar(c) >= 0x20 || c == '\n' || c == '\t') << int(c);
 }

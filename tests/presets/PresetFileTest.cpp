@@ -7,9 +7,7 @@
 #include "presets/dbViewController.h"
 
 using namespace presetfixtures;
-using testsupport::freshDir;
-using testsupport::readFile;
-using testsupport::writeFile;
+using namespace testsupport;
 
 namespace {
 
@@ -57,12 +55,12 @@ TEST(PresetFiles, MalformedFilesAreRefused) {
         cPresetManager::PresetDictionary dictionary{{"untouched", "yes"}};
         EXPECT_FALSE(cPresetManager::readPresetFile(file, &dictionary, &message));
         EXPECT_TRUE(message.startsWith(file + " is not a preset file") && message.contains(reason))
-            << reason << ": " << message.toStdString();
+            << reason << ": " << message;
         EXPECT_EQ(dictionary.value("untouched"), "yes");
     }
     QString message;
     EXPECT_FALSE(cPresetManager::readPresetFile(dir + "missing.orvpreset", nullptr, &message));
-    EXPECT_TRUE(message.contains("cannot be read")) << message.toStdString();
+    EXPECT_TRUE(message.contains("cannot be read")) << message;
 }
 
 // A few hundred damaged copies of a real preset file: each is refused with a message or read;
@@ -136,7 +134,7 @@ TEST(SettingsStore, SetNormalisesOrRefuses) {
         QString error;
         EXPECT_EQ(store.set(name, value, &error), !stored.isEmpty());
         if (stored.isEmpty())
-            EXPECT_TRUE(error.contains(name)) << error.toStdString();
+            EXPECT_TRUE(error.contains(name)) << error;
         else
             EXPECT_EQ(store.text(name), stored);
     }
