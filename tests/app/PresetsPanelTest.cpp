@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -10,7 +8,6 @@
 #include "generators/OutputKinds.h"
 #include "presets/PresetFixtures.h"
 #include "presets/dbViewController.h"
-#include "services/SupportFolders.h"
 #include "support/TestSupport.h"
 
 using namespace testsupport;

@@ -23,20 +23,13 @@ using Answer = UserInterface::SaveAnswer;
 
 namespace {
 
-QStringList makePhotos(const QString& dir, const QStringList& names) {
-    QStringList paths;
-    for (const QString& name : names) paths << makePhoto(dir + name);
-    return paths;
-}
-
 struct Window {
     MainWindow window;
     ProjectActions* projects = window.projectActions();
     PhotoCollection* collection = window.findChild<PhotoCollection*>();
     QTabWidget* tabs = window.findChild<QTabWidget*>();
     RecordingUserInterface ui;
-    QString saveFolder;
-    QString saveName = "Project";
+    QString saveFolder, saveName = "Project";
 
     Window() {
         projects->setUserInterface(&ui);
@@ -57,7 +50,8 @@ struct Window {
 
 TEST(ProjectWindow, UnsavedFlagFollowsPhotosAndSettings) {
     const QString dir = freshDir("app-project-flag");
-    const QStringList photos = makePhotos(dir, {"a.png", "b.png", "c.png"});
+    const QStringList photos = {makePhoto(dir + "a.png"), makePhoto(dir + "b.png"),
+                                makePhoto(dir + "c.png")};
     Window w;
     ASSERT_TRUE(w.projects && w.collection && w.tabs);
     EXPECT_FALSE(w.projects->isModified());
@@ -97,7 +91,7 @@ TEST(ProjectWindow, UnsavedFlagFollowsPhotosAndSettings) {
 // Quitting (or opening another project) with changes asks; Save goes on only once saved.
 TEST(ProjectWindow, QuittingWithChangesAsks) {
     const QString dir = freshDir("app-project-quit");
-    const QStringList photos = makePhotos(dir, {"a.png"});
+    const QStringList photos = {makePhoto(dir + "a.png")};
     struct Case {
         const char* what;
         bool changed;
@@ -144,7 +138,7 @@ TEST(ProjectWindow, QuittingWithChangesAsks) {
 // selected before; a cancelled project-file dialog clears the stored dictionary.
 TEST(ProjectWindow, OpenedProjectSelectsItsKind) {
     const QString dir = freshDir("app-project-open");
-    const QStringList photos = makePhotos(dir, {"a.png", "b.png"});
+    const QStringList photos = {makePhoto(dir + "a.png"), makePhoto(dir + "b.png")};
     {
         Window w;
         w.collection->appendPhotos(photos);

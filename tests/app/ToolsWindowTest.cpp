@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include <QAbstractButton>
 #include <QComboBox>
 #include <QFile>

@@ -28,10 +28,8 @@ struct Start {
         process.waitForStarted();
     }
     ~Start() {
-        if (process.state() != QProcess::NotRunning) {
-            process.kill();
-            process.waitForFinished();
-        }
+        process.kill();
+        process.waitForFinished();
     }
     std::pair<int, std::string> finish() {
         if (!process.waitForFinished(120000)) return {-1, "still running"};

@@ -1,6 +1,4 @@
 // The main window: its tabs, one per output kind, its grid and its cells.
-#include <gtest/gtest.h>
-
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QCheckBox>
@@ -38,9 +36,8 @@ void waitUntil(const std::function<bool()>& done, int ms = 20000) {
 // Highlight box can be used on the grid's tab only; whichever tab is shown, the window fits a
 // 1366 x 768 screen (less a panel and the title bar): the settings scroll instead.
 TEST(Window, EveryKindHasItsTab) {
-    const QString dir = freshDir("app-window-tabs");
     MainWindow window;
-    window.addPhotos({makePhoto(dir + "a.png")});
+    window.addPhotos({makePhoto(freshDir("app-window-tabs") + "a.png")});
     QAbstractItemView* view = window.findChild<PhotoGridView*>();
     ASSERT_TRUE(view);
     waitUntil([&] { return view->model()->rowCount() > 0; });

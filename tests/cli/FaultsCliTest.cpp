@@ -43,10 +43,10 @@ void expectWholeFiles(const QString& dir) {
 
 QStringList kindsRecorded(const QString& dir) {
     QStringList kinds;
-    const QJsonArray files =
-        QJsonDocument::fromJson(readFile(dir + ".orvella-manifest"))["files"].toArray();
-    for (const QJsonValue& f : files)
-        if (!kinds.contains(f["kind"].toString())) kinds.append(f["kind"].toString());
+    for (const QJsonValue& f :
+         QJsonDocument::fromJson(readFile(dir + ".orvella-manifest"))["files"].toArray())
+        kinds.append(f["kind"].toString());
+    kinds.removeDuplicates();
     kinds.sort();
     return kinds;
 }
@@ -96,9 +96,8 @@ TEST(Faults, FullDiskMessagesAreEachTheirOwn) {
                     ORVELLA_BINARY, "generate", "gallery", "--threads", "2", "--out", out, src},
                    &stdOut, &err),
         1);
-    const QStringList lines = err.split('\n', Qt::SkipEmptyParts);
     int failures = 0;
-    for (const QString& line : lines) {
+    for (const QString& line : err.split('\n', Qt::SkipEmptyParts)) {
         if (!line.startsWith("orvella generate: " + out)) continue;
         ++failures;
         EXPECT_TRUE(line.endsWith(": " + reason)) << line;

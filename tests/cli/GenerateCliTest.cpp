@@ -68,8 +68,7 @@ TEST(GenerateCli, WritesWhatTheOptionsSay) {
     // clang-format on
     int n = 0;
     for (const auto& c : cases) {
-        const QString dir = freshDir(QString("cli-generate-%1").arg(++n));
-        const QString out = dir + "new/sub";
+        const QString out = freshDir(QString("cli-generate-%1").arg(++n)) + "new/sub";
         SCOPED_TRACE(n);
         QString stdErr;
         EXPECT_EQ(orvellaOut(0, QStringList{"generate", c.kind, "--out", out} + c.args, &stdErr),
@@ -111,7 +110,9 @@ TEST(GenerateCli, SettingsListing) {
              {"gallery", "tfBigCropWidth\t\tnumber\t1200\t\tBig images (lightbox): Width\n"},
              {"grid",
               "tfRGBackgroundColor\ttfRgBackgroundColor,cwRGBackgroundColor\tcolour\tF4F3EF"},
+             {"grid", "cbRgShowMetaData\tcbRgExifUC\tcheckbox\t1\t"},
              {"grid", "tfRgMetaDataFontColor\ttfRgFileNameFontColor,cwRgCaption\tcolour\tFFFFFF"},
+             {"grid", "tfRGMaxColumns\ttfRgMaxColumns\ttext\t10\t"},
              {"slideshow", "tfSsHTMLTitleFontColor\tcwIntro\t"},
              {"slideshow", "tfSsFileNameFontColor\tcwCaption\t"},
              {"slideshow", "tfSsBackgroundColor\tcwSsBackground\t"},
@@ -134,36 +135,55 @@ TEST(GenerateCli, SettingsListing) {
         EXPECT_EQ(items("slideshow", slideshow), items("gallery", gallery)) << slideshow;
 }
 
-// A run with fewer photos and a new page name leaves the earlier run's files alone; --clean
+// A run with fewer photos (and a new page name) leaves the earlier run's files alone; --clean
 // removes those the run no longer writes, and never a file the user put there.
 TEST(GenerateCli, CleanRemovesWhatTheRunNoLongerWrites) {
     const QString src = freshDir("cli-rerun-src");
     const QStringList photos = cameraPhotos(3, src);
-    const QString out = freshDir("cli-rerun-out"), fresh = freshDir("cli-rerun-fresh");
-    const QStringList base = withSets(
-        {"generate", "gallery"}, kSmall + QStringList{"ifNumberOfColumns=2", "ifNumberOfRows=1"});
-    const QStringList later = withSets(base, {"tfHTMLfileName=renamed"}) + photos.mid(0, 1);
-    orvellaOut(0, base + QStringList{"--out", out} + photos);
-    orvellaOut(0, later + QStringList{"--out", fresh});
-    const QStringList first = filesUnder(out), second = filesUnder(fresh);
-    ASSERT_FALSE(QSet<QString>(second.begin(), second.end())
-                     .contains(QSet<QString>(first.begin(), first.end())));  // some to clean
-    // The record is uploaded with the site: it names the photos, not the user's folders.
-    const QByteArray record = readFile(out + ".orvella-manifest");
-    EXPECT_TRUE(record.contains('"' + QFileInfo(photos[0]).fileName().toUtf8() + '#'));
-    EXPECT_FALSE(record.contains(src.chopped(1).toUtf8()));
-    const QStringList mine = {"notes.txt", "KLimages_b/mine.jpeg"};
-    for (const QString& file : mine) writeFile(out + file, readFile(photos[0]));
+    const struct {
+        const char* kind;
+        QStringList set;        // for every run
+        QStringList secondSet;  // for the runs after the first
+        int secondPhotos;       // the first photos the later runs take
+        QString imageFolder;    // where the user's own image sits
+    } cases[] = {
+        // clang-format off
+        {"gallery", kSmall + QStringList{"ifNumberOfColumns=2", "ifNumberOfRows=1"}, {}, 1,
+         "KLimages_b/"},
+        {"slideshow", {"tfSsImageWidth=60", "tfSsImageHeight=40"}, {"tfSsPageName=renamed"}, 2,
+         "KLSsImages/"},
+        {"grid", {}, {"tfRgPageName=renamed"}, 2, "KLovImages/"},
+        // clang-format on
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.kind);
+        const QString out = freshDir("cli-rerun-out");
+        const QString fresh = freshDir("cli-rerun-fresh");
+        const QStringList base = withSets({"generate", c.kind}, c.set);
+        const QStringList later = withSets(base, c.secondSet) + photos.mid(0, c.secondPhotos);
+        orvellaOut(0, base + QStringList{"--out", out} + photos);
+        orvellaOut(0, later + QStringList{"--out", fresh});
+        const QStringList first = filesUnder(out);
+        const QStringList second = filesUnder(fresh);
+        ASSERT_FALSE(QSet<QString>(second.begin(), second.end())
+                         .contains(QSet<QString>(first.begin(), first.end())));  // some to clean
+        // The record is uploaded with the site: it names the photos, not the user's folders.
+        const QByteArray record = readFile(out + ".orvella-manifest");
+        EXPECT_TRUE(record.contains('"' + QFileInfo(photos[0]).fileName().toUtf8() + '#'));
+        EXPECT_FALSE(record.contains(src.chopped(1).toUtf8()));
+        const QStringList mine = {"notes.txt", c.imageFolder + "mine.jpeg"};
+        for (const QString& file : mine) writeFile(out + file, readFile(photos[0]));
 
-    orvellaOut(0, later + QStringList{"--out", out});
-    QStringList all = first + second + mine;
-    all.sort();
-    all.removeDuplicates();
-    EXPECT_EQ(filesUnder(out), all) << "without --clean";
-    QString err;
-    orvellaOut(0, later + QStringList{"--out", out, "--clean"}, &err);
-    EXPECT_EQ(err, "");
-    all = second + mine;
-    all.sort();
-    EXPECT_EQ(filesUnder(out), all) << "with --clean";
+        orvellaOut(0, later + QStringList{"--out", out});
+        QStringList all = first + second + mine;
+        all.sort();
+        all.removeDuplicates();
+        EXPECT_EQ(filesUnder(out), all) << "without --clean";
+        QString err;
+        orvellaOut(0, later + QStringList{"--out", out, "--clean"}, &err);
+        EXPECT_EQ(err, "");
+        all = second + mine;
+        all.sort();
+        EXPECT_EQ(filesUnder(out), all) << "with --clean";
+    }
 }

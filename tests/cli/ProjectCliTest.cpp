@@ -64,11 +64,11 @@ TEST(ProjectCli, ProjectsAndPresetsGiveTheSameSite) {
                 selection + QStringList{src});
             EXPECT_TRUE(site(dir + "preset/") == expected) << preset;
         }
-        const QString title = sets[0].section('=', 0, 0);
-        const QString changed = run(QStringList{"generate", kind, "--out", dir + "changed/",
-                                                "--preset", "Look", "--set", title + "=Changed"} +
-                                    selection + QStringList{src});
-        const QByteArray text = readFile(changed.trimmed());
+        const QByteArray text =
+            readFile(run(QStringList{"generate", kind, "--out", dir + "changed/", "--preset",
+                                     "Look", "--set", sets[0].section('=', 0, 0) + "=Changed"} +
+                         selection + QStringList{src})
+                         .trimmed());
         EXPECT_TRUE(text.contains("Changed") && !text.contains("Harbour view"));
 
         const QString project = dir + "project/Trip.orvprj";

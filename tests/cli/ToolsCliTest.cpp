@@ -173,21 +173,22 @@ TEST(SupportCli, SetShowImportAndVanishedRoot) {
     run({"support", "show"}, 1, &err);
     EXPECT_TRUE(err.contains("no support folder is set")) << err;
 
-    const QString patterns = root + "/Keldra_SupportFiles/Patterns";
-    const QString watermarks = root + "/Keldra_SupportFiles/Watermarks";
+    const QString patterns = root + "/Keldra_SupportFiles/Patterns",
+                  watermarks = root + "/Keldra_SupportFiles/Watermarks";
     const QString paths = root + "\n" + patterns + "\n" + watermarks + "\n";
     EXPECT_EQ(run({"support", "set", root}), paths);
     const QStringList builtIn = QDir(patterns).entryList(QDir::Files);
     EXPECT_GE(builtIn.size(), 3) << builtIn.join(' ');
-    for (const QString& name : builtIn) {
-        EXPECT_FALSE(QImage(patterns + "/" + name).isNull()) << name;
-        EXPECT_TRUE(QFileInfo(patterns + "/" + name).isWritable());
-    }
+    for (const QString& name : builtIn)
+        EXPECT_TRUE(!QImage(patterns + "/" + name).isNull() &&
+                    QFileInfo(patterns + "/" + name).isWritable())
+            << name;
     EXPECT_TRUE(QDir(watermarks).entryList(QDir::Files).isEmpty());
     const QString config = QString::fromUtf8(readFile(dir + "config/KeldraCom/Orvella.conf"));
-    EXPECT_TRUE(config.contains("PatternsDestination=" + patterns)) << config;
-    EXPECT_TRUE(config.contains("WatermarksDestination=" + watermarks));
-    EXPECT_TRUE(config.contains("SupportFilesDestination="));
+    EXPECT_TRUE(config.contains("PatternsDestination=" + patterns) &&
+                config.contains("WatermarksDestination=" + watermarks) &&
+                config.contains("SupportFilesDestination="))
+        << config;
 
     // Importing: images are copied, other files refused; a file imported onto itself stays.
     const QString mine = makePhoto(dir + "mine.png", 8, 8);

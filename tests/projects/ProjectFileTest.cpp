@@ -1,8 +1,6 @@
 // Project files: what a save writes (read back by Python's plistlib, not by our reader), the photo
 // copies, opening, the name rules, and hostile or damaged project files. Malformed property lists
 // as such are the presets suite's; here only what the project's own rules add.
-#include <gtest/gtest.h>
-
 #include <QDir>
 #include <QJsonDocument>
 #include <QJsonObject>
