@@ -92,29 +92,24 @@ TEST(ProjectWindow, UnsavedFlagFollowsPhotosAndSettings) {
 TEST(ProjectWindow, QuittingWithChangesAsks) {
     const QString dir = freshDir("app-project-quit");
     const QStringList photos = {makePhoto(dir + "a.png")};
-    struct Case {
-        const char* what;
-        bool changed;
-        std::vector<Answer> answers;
-        bool saveDialogGivesFolder, closes, written;
-    };
-    for (const Case& c :
-         std::vector<Case>{{"no changes", false, {}, true, true, false},
-                           {"cancel", true, {Answer::Cancel}, true, false, false},
-                           {"don't save", true, {Answer::DontSave}, true, true, false},
-                           {"save, dialog cancelled", true, {Answer::Save}, false, false, false},
-                           {"save", true, {Answer::Save}, true, true, true}}) {
-        SCOPED_TRACE(c.what);
-        const QString folder = dir + c.what;
+    for (const auto& [what, changed, answers, saveDialogGivesFolder, closes, written] :
+         std::vector<std::tuple<const char*, bool, std::vector<Answer>, bool, bool, bool>>{
+             {"no changes", false, {}, true, true, false},
+             {"cancel", true, {Answer::Cancel}, true, false, false},
+             {"don't save", true, {Answer::DontSave}, true, true, false},
+             {"save, dialog cancelled", true, {Answer::Save}, false, false, false},
+             {"save", true, {Answer::Save}, true, true, true}}) {
+        SCOPED_TRACE(what);
+        const QString folder = dir + what;
         Window w;
         w.window.show();
-        if (c.changed) w.collection->appendPhotos(photos);
-        w.ui.answers = c.answers;
-        w.saveFolder = c.saveDialogGivesFolder ? folder : QString();
-        EXPECT_EQ(w.window.close(), c.closes);
-        EXPECT_EQ(w.ui.questions.size(), c.changed ? 1 : 0);
-        EXPECT_TRUE(!c.changed || w.ui.questions[0].startsWith("Save changes to the project?\n"));
-        EXPECT_EQ(QFileInfo::exists(folder + "/Project.orvprj"), c.written);
+        if (changed) w.collection->appendPhotos(photos);
+        w.ui.answers = answers;
+        w.saveFolder = saveDialogGivesFolder ? folder : QString();
+        EXPECT_EQ(w.window.close(), closes);
+        EXPECT_EQ(w.ui.questions.size(), changed ? 1 : 0);
+        EXPECT_TRUE(!changed || w.ui.questions[0].startsWith("Save changes to the project?\n"));
+        EXPECT_EQ(QFileInfo::exists(folder + "/Project.orvprj"), written);
     }
 
     // Open Project… asks first; Cancel ends it before any dialog.
@@ -250,8 +245,7 @@ TEST(PublishWindow, PublishesTheOutputFolderAndRemembersWhere) {
     EXPECT_EQ(projects->publishDestination(), destination);
     projects->saveDialog = [&] { return std::optional(std::pair{dir + "project", QString("P")}); };
     ASSERT_TRUE(projects->saveProject());
-    const QByteArray saved = readFile(dir + "project/P.orvprj");
-    EXPECT_TRUE(saved.contains("<key>publishDestination</key>")) << saved.toStdString();
+    EXPECT_TRUE(readFile(dir + "project/P.orvprj").contains("<key>publishDestination</key>"));
     projects->setPublishDestination({});
     ASSERT_TRUE(projects->openProjectFile(dir + "project", dir + "project/P.orvprj"));
     EXPECT_EQ(projects->publishDestination(), destination);

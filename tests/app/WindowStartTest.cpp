@@ -68,18 +68,14 @@ TEST(WindowStartTest, LaterStartsHandTheirFilesToTheOpenWindow) {
         Start window(runtime, runtime, {dir + "a.png"});
         ASSERT_TRUE(listening(socket, window.process))
             << window.process.readAllStandardError().toStdString();
-        struct Case {
-            QStringList args;
-            std::string printed;
-        };
-        for (const Case& c :
-             std::vector<Case>{{{"b.jpg", "more"}, "orvella: 3 photos added to the open window\n"},
-                               {{"more/d.tif"}, "orvella: 1 photo added to the open window\n"},
-                               {{"more/notes.txt", "saved.orvprj"},
-                                "orvella: 0 photos added to the open window\n"},
-                               {{}, ""}}) {
-            Start later(runtime, dir, c.args);
-            EXPECT_EQ(later.finish(), std::make_pair(0, c.printed)) << c.args.join(' ');
+        for (const auto& [args, printed] : std::vector<std::pair<QStringList, std::string>>{
+                 {{"b.jpg", "more"}, "orvella: 3 photos added to the open window\n"},
+                 {{"more/d.tif"}, "orvella: 1 photo added to the open window\n"},
+                 {{"more/notes.txt", "saved.orvprj"},
+                  "orvella: 0 photos added to the open window\n"},
+                 {{}, ""}}) {
+            Start later(runtime, dir, args);
+            EXPECT_EQ(later.finish(), std::make_pair(0, printed)) << args.join(' ');
             EXPECT_EQ(window.process.state(), QProcess::Running);
         }
     }  // killed: the socket stays behind

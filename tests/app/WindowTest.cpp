@@ -48,29 +48,24 @@ TEST(Window, EveryKindHasItsTab) {
         if (box->text() == "Highlight") highlight = box;
     auto* tabs = window.findChild<QTabWidget*>();
     ASSERT_TRUE(tabs && highlight);
-    const struct {
-        const char* kind;
-        const char* title;
-        QStringList buttons;
-        bool highlight;
-    } cases[] = {
+    const std::tuple<const char*, const char*, QStringList, bool> cases[] = {
         {"gallery", "Photo Gallery", {"Create Photo Gallery…"}, false},
         {"slideshow", "Slideshow", {"Create Slideshow…", "Add Item", "Clear Items"}, false},
         {"grid", "Responsive Grid", {"Create Responsive Grid…"}, true},
     };
     ASSERT_EQ(tabs->count(), std::size(cases));
     for (int i = 0; i < tabs->count(); ++i) {
-        const auto& c = cases[i];
-        SCOPED_TRACE(c.kind);
+        const auto& [kind, title, wanted, highlighted] = cases[i];
+        SCOPED_TRACE(kind);
         tabs->setCurrentIndex(i);
-        EXPECT_EQ(tabs->tabText(i), c.title);
-        EXPECT_GT(expectEveryControlShown(c.kind, *tabs->widget(i)), 20);
+        EXPECT_EQ(tabs->tabText(i), title);
+        EXPECT_GT(expectEveryControlShown(kind, *tabs->widget(i)), 20);
         QStringList buttons;
         for (const QPushButton* b : tabs->widget(i)->findChildren<QPushButton*>())
             buttons << b->text();
-        for (const QString& button : c.buttons)
+        for (const QString& button : wanted)
             EXPECT_TRUE(buttons.contains(button)) << buttons.join(", ");
-        EXPECT_EQ(highlight->isEnabled(), c.highlight);
+        EXPECT_EQ(highlight->isEnabled(), highlighted);
         const QSize needed = window.minimumSizeHint().expandedTo(window.minimumSize());
         EXPECT_LE(needed.width(), 1366);
         EXPECT_LE(needed.height(), 700);

@@ -23,10 +23,8 @@ const QStringList kSmall = {"tfSmallCropWidth=40", "pubPhotoRatio=Free", "tfSmal
 // --highlight and aliases of --set work; the page written is printed; warnings do not stop it.
 TEST(GenerateCli, WritesWhatTheOptionsSay) {
     const QString src = freshDir("cli-generate-src");
-    makePhoto(src + "a.png");
+    for (const QString name : {"a.png", "c.tif", "d.png"}) makePhoto(src + name);
     makePhoto(src + "b.JPG", 40, 60);
-    makePhoto(src + "c.tif");
-    makePhoto(src + "d.png");
     writeFile(src + "notes.txt", "not a photo");
     const QString same = freshDir("cli-generate-same");
     const QStringList shared = {makePhoto(same + "x/small.jpg"), makePhoto(same + "y/small.jpg"),

@@ -140,9 +140,8 @@ TEST(FormatsCli, KindsToolsAndMetadata) {
         EXPECT_EQ(
             exiftool(dir + "d/" + QFileInfo(photo).completeBaseName() + ".jpeg", "UserComment"),
             caption);
-        QString out;
-        EXPECT_EQ(orvella({"meta", "get", photo, "EXIF User Comment", "IPTC City"}, &out), 0);
-        EXPECT_EQ(out, caption + "\n\n");
+        EXPECT_EQ(orvellaOut(0, {"meta", "get", photo, "EXIF User Comment", "IPTC City"}),
+                  caption + "\n\n");
     }
 
     // WebP's comment is written (exiftool reads it back); HEIF, AVIF and JPEG XL are refused.

@@ -117,10 +117,9 @@ TEST(PresetDatabase, SuffixRemovalOrderAndListEntries) {
     };
     for (const char* kind : {"slideshow", "gallery", "grid"}) {
         SCOPED_TRACE(kind);
-        QStringList stored;
-        for (int i = 0; i < 3; ++i) stored.append(save(kind, "Summer"));
-        EXPECT_EQ(stored, QStringList({"Summer", "Summer_[x]", "Summer_[x]"}));
-        EXPECT_EQ(save(kind, "Autumn"), "Autumn");
+        EXPECT_EQ(QStringList({save(kind, "Summer"), save(kind, "Summer"), save(kind, "Summer"),
+                               save(kind, "Autumn")}),
+                  QStringList({"Summer", "Summer_[x]", "Summer_[x]", "Autumn"}));
         EXPECT_EQ(names(manager, kind),
                   QStringList({"Summer", "Summer_[x]", "Summer_[x]", "Autumn"}));
     }
