@@ -12,6 +12,8 @@
 #include "generators/OutputKinds.h"
 #include "support/TestSupport.h"
 
+using namespace testsupport;
+
 namespace {
 
 // One application for the whole program: widgets need it.
@@ -29,11 +31,11 @@ struct ApplicationEnvironment : ::testing::Environment {
 };
 const auto* const environment = ::testing::AddGlobalTestEnvironment(new ApplicationEnvironment);
 
-std::string names(const PhotoCollection& collection) {
+QString names(const PhotoCollection& collection) {
     QStringList result;
     for (const cCollectionViewItem& record : collection.arrangedObjects())
         result.append(record.myPhotoName);
-    return result.join(' ').toStdString();
+    return result.join(' ');
 }
 
 }  // namespace
@@ -46,7 +48,7 @@ TEST(SettingsFormTest, EditsLandInTheStoreAndRefreshShowsIt) {
         if (!edit) edit = form.findChild<QWidget*>(name)->findChild<QLineEdit*>();  // colour row
         edit->setText(text);
         Q_EMIT edit->editingFinished();
-        return edit->text().toStdString();
+        return edit->text();
     };
     EXPECT_EQ(type("tfPageTitle", "Summer 2024"), "Summer 2024");
     EXPECT_EQ(type("tfHTMLbackgroundColor", "#abcdef"), "ABCDEF");
@@ -58,25 +60,23 @@ TEST(SettingsFormTest, EditsLandInTheStoreAndRefreshShowsIt) {
     for (const QString set :
          {"tfPageTitle=Summer 2024", "ascNSColorWellObjBGCt=ABCDEF", "ifNumberOfColumns=4",
           "pbJPGCompression=4", "pubTableTemplateChoice=0", "btShowFileName=1"})
-        EXPECT_EQ(store.text(set.section('=', 0, 0)).toStdString(),
-                  set.section('=', 1).toStdString());
+        EXPECT_EQ(store.text(set.section('=', 0, 0)), set.section('=', 1));
 
     ASSERT_TRUE(store.set("tfNumberOfRows", "7") && store.set("pbTitleFontWeight", "Bold"));
     form.refresh();
-    EXPECT_EQ(form.findChild<QLineEdit*>("ifNumberOfRows")->text().toStdString(), "7");
-    EXPECT_EQ(form.findChild<QComboBox*>("pbTitleFontWeight")->currentText().toStdString(), "Bold");
+    EXPECT_EQ(form.findChild<QLineEdit*>("ifNumberOfRows")->text(), "7");
+    EXPECT_EQ(form.findChild<QComboBox*>("pbTitleFontWeight")->currentText(), "Bold");
 }
 
 // Dropped files are announced in order, the photos of a folder sorted by name, other files and URLs
 // ignored; the collection is left to the window's reader.
 TEST(CollectionDragModelTest, DroppedFilesAreAnnouncedInOrderFoldersSortedOthersIgnored) {
-    const QString dir = testsupport::freshDir("app-drop");
+    const QString dir = freshDir("app-drop");
     QDir(dir).mkpath("folder/inner.jpg");  // a folder with a photo's name is not a photo
     for (const QString name :
          {"b.PNG", "a.jpeg", "folder/img10.JPG", "folder/Img2.tif", "folder/img1.TIFF"})
-        testsupport::makePhoto(dir + name);
-    for (const QString name : {"notes.txt", "folder/clip.mov"})
-        testsupport::writeFile(dir + name, "x");
+        makePhoto(dir + name);
+    for (const QString name : {"notes.txt", "folder/clip.mov"}) writeFile(dir + name, "x");
     QMimeData data;
     data.setUrls({QUrl::fromLocalFile(dir + "b.PNG"), QUrl::fromLocalFile(dir + "folder"),
                   QUrl::fromLocalFile(dir + "notes.txt"), QUrl("https://example.com/x.jpg"),

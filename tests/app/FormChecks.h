@@ -15,13 +15,13 @@ inline qsizetype expectEveryControlShown(const QString& kind, const QWidget& con
     QStringList labels;
     for (const ControlSpec* c : OutputKinds::registry().controls(kind)) {
         if (c->section.isEmpty()) {
-            EXPECT_FALSE(container.findChild<QWidget*>(c->name)) << qPrintable(c->name);
+            EXPECT_FALSE(container.findChild<QWidget*>(c->name)) << c->name;
             continue;
         }
         labels << c->section + u'/' + c->label;
         EXPECT_TRUE(!c->label.isEmpty() && labels.count(labels.last()) == 1 &&
                     container.findChild<QWidget*>(c->name))
-            << qPrintable(c->name);
+            << c->name;
     }
     return labels.size();
 }

@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -10,8 +8,9 @@
 #include "generators/OutputKinds.h"
 #include "presets/PresetFixtures.h"
 #include "presets/dbViewController.h"
-#include "services/SupportFolders.h"
 #include "support/TestSupport.h"
+
+using namespace testsupport;
 
 namespace {
 
@@ -23,9 +22,8 @@ QStringList listed(const QListWidget* list) {
 
 }  // namespace
 
-// Add, list, load, remove, export and import through the panel's own widgets.
 TEST(PresetsPanelTest, AddLoadRemoveExportImport) {
-    const QString dir = testsupport::freshDir("app-presets-panel");
+    const QString dir = freshDir("app-presets-panel");
     SettingsStore settings(OutputKinds::registry());
     RecordingUserInterface ui;
     PresetsPanel panel("gallery", settings, ui, dir + "p.sql");
@@ -61,7 +59,7 @@ TEST(PresetsPanelTest, AddLoadRemoveExportImport) {
     ASSERT_TRUE(settings.set("tfPageTitle", "Changed"));
     ASSERT_TRUE(panel.importFrom(dir + "look.orvpreset"));
     EXPECT_EQ(settings.text("tfPageTitle"), "First");
-    testsupport::writeFile(dir + "bad.orvpreset", "<html/>");
+    writeFile(dir + "bad.orvpreset", "<html/>");
     EXPECT_FALSE(panel.importFrom(dir + "bad.orvpreset"));
     ASSERT_EQ(ui.alerts.size(), 2u);
     EXPECT_TRUE(ui.alerts[1].description.contains("bad.orvpreset is not a preset file"));
@@ -80,7 +78,7 @@ TEST(PresetsPanelTest, DamageIsShownAndMovedAside) {
     SettingsStore settings(OutputKinds::registry());
     for (const DamageCase& c : damages) {
         SCOPED_TRACE(c.name);
-        const QString db = testsupport::freshDir(QString("app-presets-") + c.name) + "p.sql";
+        const QString db = freshDir(QString("app-presets-") + c.name) + "p.sql";
         savePresets(db, {"A"});
         Damaged damaged(db, c.name);
         if (!damaged.skipped.isEmpty()) continue;  // said by the presets tests
@@ -92,7 +90,7 @@ TEST(PresetsPanelTest, DamageIsShownAndMovedAside) {
         EXPECT_TRUE(
             !problem->isHidden() &&
             problem->text().startsWith("Presets Db failed to open.\n" + db + ": " + c.reason))
-            << problem->text().toStdString();
+            << problem->text();
         EXPECT_EQ(repair->isHidden(), !c.movable);
         EXPECT_EQ(panel.findChild<QListWidget*>("myPresetsTableView")->count(), 0);
         if (!c.movable) continue;
@@ -103,7 +101,7 @@ TEST(PresetsPanelTest, DamageIsShownAndMovedAside) {
         EXPECT_EQ(listed(panel.findChild<QListWidget*>("myPresetsTableView")), QStringList{"New"});
     }
 
-    const QString db = testsupport::freshDir("app-presets-rows") + "p.sql";
+    const QString db = freshDir("app-presets-rows") + "p.sql";
     savePresets(db, {"Good", "Lost"});
     sqlite(db, "UPDATE Presets SET StrField9 = NULL WHERE NameOfPreset = 'Lost'");
     RecordingUserInterface ui;
@@ -119,10 +117,9 @@ TEST(PresetsPanelTest, DamageIsShownAndMovedAside) {
     EXPECT_EQ(ui.alerts[0].description, why);
 }
 
-// The pattern chooser writes the pattern path and shows the image.
 TEST(PresetsPanelTest, PatternChooserSetsThePath) {
-    const QString dir = testsupport::freshDir("app-pattern-chooser");
-    testsupport::makePhoto(dir + "p.png", 20, 10);
+    const QString dir = freshDir("app-pattern-chooser");
+    makePhoto(dir + "p.png", 20, 10);
     SettingsStore settings(OutputKinds::registry());
     PatternChooser chooser("Tb", "tfTbPatternPath", settings);
     int chosen = 0;

@@ -18,27 +18,18 @@
 #include "support/LocalServers.h"
 #include "support/TestSupport.h"
 
-using testsupport::freshDir;
-using testsupport::readFile;
+using namespace testsupport;
 using Answer = UserInterface::SaveAnswer;
 
 namespace {
 
-QStringList makePhotos(const QString& dir, const QStringList& names) {
-    QStringList paths;
-    for (const QString& name : names) paths << testsupport::makePhoto(dir + name);
-    return paths;
-}
-
-// A window whose project questions and dialogs the test answers.
 struct Window {
     MainWindow window;
     ProjectActions* projects = window.projectActions();
     PhotoCollection* collection = window.findChild<PhotoCollection*>();
     QTabWidget* tabs = window.findChild<QTabWidget*>();
     RecordingUserInterface ui;
-    QString saveFolder;
-    QString saveName = "Project";
+    QString saveFolder, saveName = "Project";
 
     Window() {
         projects->setUserInterface(&ui);
@@ -47,10 +38,9 @@ struct Window {
             return std::pair{saveFolder, saveName};
         };
     }
-    // Types into a setting's field of the form, as the user does.
     void type(const QString& control, const QString& text) {
         auto* edit = window.findChild<QLineEdit*>(control);
-        ASSERT_TRUE(edit) << qPrintable(control);
+        ASSERT_TRUE(edit) << control;
         edit->setText(text);
         Q_EMIT edit->editingFinished();
     }
@@ -60,7 +50,8 @@ struct Window {
 
 TEST(ProjectWindow, UnsavedFlagFollowsPhotosAndSettings) {
     const QString dir = freshDir("app-project-flag");
-    const QStringList photos = makePhotos(dir, {"a.png", "b.png", "c.png"});
+    const QStringList photos = {makePhoto(dir + "a.png"), makePhoto(dir + "b.png"),
+                                makePhoto(dir + "c.png")};
     Window w;
     ASSERT_TRUE(w.projects && w.collection && w.tabs);
     EXPECT_FALSE(w.projects->isModified());
@@ -70,11 +61,7 @@ TEST(ProjectWindow, UnsavedFlagFollowsPhotosAndSettings) {
     ASSERT_TRUE(w.projects->saveProject());
     EXPECT_FALSE(w.projects->isModified());
 
-    struct Case {
-        const char* what;
-        std::function<void()> change;
-    };
-    for (const Case& c : std::vector<Case>{
+    for (const auto& [what, change] : std::vector<std::pair<const char*, std::function<void()>>>{
              {"adding", [&] { w.collection->appendPhotos({photos[2]}); }},
              {"removing", [&] { w.collection->hRemoveSelectedObject({0}); }},
              {"reordering", [&] { w.collection->acceptDrop({0}, 2); }},
@@ -84,8 +71,8 @@ TEST(ProjectWindow, UnsavedFlagFollowsPhotosAndSettings) {
              {"highlighting", [&] { w.collection->setHighlight(0, true); }},
              {"editing a setting", [&] { w.type("tfPageTitle", "Summer"); }},
              {"editing another kind's setting", [&] { w.type("tfSsWebPageTitle", "Slides"); }}}) {
-        SCOPED_TRACE(c.what);
-        c.change();
+        SCOPED_TRACE(what);
+        change();
         EXPECT_TRUE(w.projects->isModified());
         ASSERT_TRUE(w.projects->saveProject());  // saving clears it
         EXPECT_FALSE(w.projects->isModified());
@@ -104,32 +91,25 @@ TEST(ProjectWindow, UnsavedFlagFollowsPhotosAndSettings) {
 // Quitting (or opening another project) with changes asks; Save goes on only once saved.
 TEST(ProjectWindow, QuittingWithChangesAsks) {
     const QString dir = freshDir("app-project-quit");
-    const QStringList photos = makePhotos(dir, {"a.png"});
-    struct Case {
-        const char* what;
-        bool changed;
-        std::vector<Answer> answers;
-        bool saveDialogGivesFolder;
-        bool closes;
-        bool written;
-    };
-    for (const Case& c :
-         std::vector<Case>{{"no changes", false, {}, true, true, false},
-                           {"cancel", true, {Answer::Cancel}, true, false, false},
-                           {"don't save", true, {Answer::DontSave}, true, true, false},
-                           {"save, dialog cancelled", true, {Answer::Save}, false, false, false},
-                           {"save", true, {Answer::Save}, true, true, true}}) {
-        SCOPED_TRACE(c.what);
-        const QString folder = dir + c.what;
+    const QStringList photos = {makePhoto(dir + "a.png")};
+    for (const auto& [what, changed, answers, saveDialogGivesFolder, closes, written] :
+         std::vector<std::tuple<const char*, bool, std::vector<Answer>, bool, bool, bool>>{
+             {"no changes", false, {}, true, true, false},
+             {"cancel", true, {Answer::Cancel}, true, false, false},
+             {"don't save", true, {Answer::DontSave}, true, true, false},
+             {"save, dialog cancelled", true, {Answer::Save}, false, false, false},
+             {"save", true, {Answer::Save}, true, true, true}}) {
+        SCOPED_TRACE(what);
+        const QString folder = dir + what;
         Window w;
         w.window.show();
-        if (c.changed) w.collection->appendPhotos(photos);
-        w.ui.answers = c.answers;
-        w.saveFolder = c.saveDialogGivesFolder ? folder : QString();
-        EXPECT_EQ(w.window.close(), c.closes);
-        EXPECT_EQ(w.ui.questions.size(), c.changed ? 1 : 0);
-        EXPECT_TRUE(!c.changed || w.ui.questions[0].startsWith("Save changes to the project?\n"));
-        EXPECT_EQ(QFileInfo::exists(folder + "/Project.orvprj"), c.written);
+        if (changed) w.collection->appendPhotos(photos);
+        w.ui.answers = answers;
+        w.saveFolder = saveDialogGivesFolder ? folder : QString();
+        EXPECT_EQ(w.window.close(), closes);
+        EXPECT_EQ(w.ui.questions.size(), changed ? 1 : 0);
+        EXPECT_TRUE(!changed || w.ui.questions[0].startsWith("Save changes to the project?\n"));
+        EXPECT_EQ(QFileInfo::exists(folder + "/Project.orvprj"), written);
     }
 
     // Open Project… asks first; Cancel ends it before any dialog.
@@ -140,12 +120,11 @@ TEST(ProjectWindow, QuittingWithChangesAsks) {
         ++folderDialogs;
         return QString();
     };
-    w.ui.answers = {Answer::Cancel};
+    w.ui.answers = {Answer::Cancel, Answer::DontSave};
     w.projects->openProject();
-    EXPECT_EQ(w.ui.questions.size(), 1);
     EXPECT_EQ(folderDialogs, 0);
-    w.ui.answers = {Answer::DontSave};
     w.projects->openProject();
+    EXPECT_EQ(w.ui.questions.size(), 2);
     EXPECT_EQ(folderDialogs, 1);
     EXPECT_EQ(w.collection->count(), 1);  // the folder dialog was cancelled: nothing changed
 }
@@ -154,7 +133,7 @@ TEST(ProjectWindow, QuittingWithChangesAsks) {
 // selected before; a cancelled project-file dialog clears the stored dictionary.
 TEST(ProjectWindow, OpenedProjectSelectsItsKind) {
     const QString dir = freshDir("app-project-open");
-    const QStringList photos = makePhotos(dir, {"a.png", "b.png"});
+    const QStringList photos = {makePhoto(dir + "a.png"), makePhoto(dir + "b.png")};
     {
         Window w;
         w.collection->appendPhotos(photos);
@@ -218,14 +197,14 @@ TEST(ProjectWindow, RecentProjects) {
 // sent, and the folder's settings and the project remember where.
 TEST(PublishWindow, PublishesTheOutputFolderAndRemembersWhere) {
     const QString dir = freshDir("app-publish");
-    testsupport::SshServer ssh(dir);
+    SshServer ssh(dir);
     ASSERT_EQ(ssh.error(), "");
     const QByteArray home = qgetenv("HOME");
     qputenv("HOME", ssh.home().toUtf8());
-    testsupport::writeFile(ssh.home() + "/.ssh/known_hosts", "");  // the server is not known yet
+    writeFile(ssh.home() + "/.ssh/known_hosts", "");  // the server is not known yet
     const QString site = dir + "site/";
-    testsupport::writeFile(site + "images/a.jpg", "jpeg bytes");
-    testsupport::writeFile(site + "index.html", "<img src=images/a.jpg>");
+    writeFile(site + "images/a.jpg", "jpeg bytes");
+    writeFile(site + "index.html", "<img src=images/a.jpg>");
 
     MainWindow window;
     auto* row = window.findChild<QWidget*>("tfHTMLdestinationFolder");
@@ -255,7 +234,7 @@ TEST(PublishWindow, PublishesTheOutputFolderAndRemembersWhere) {
     EXPECT_TRUE(dialog->summary().startsWith("Published to " + destination +
                                              ": 2 sent, 0 removed, 0 unchanged.\n"
                                              "The server holds the whole site."))
-        << dialog->summary().toStdString();
+        << dialog->summary();
     EXPECT_EQ(readFile(dir + "server/index.html"),
               "<img src=images/a.jpg>");  // every file: tests/publish
     EXPECT_TRUE(ui.alerts.empty());
@@ -266,8 +245,7 @@ TEST(PublishWindow, PublishesTheOutputFolderAndRemembersWhere) {
     EXPECT_EQ(projects->publishDestination(), destination);
     projects->saveDialog = [&] { return std::optional(std::pair{dir + "project", QString("P")}); };
     ASSERT_TRUE(projects->saveProject());
-    const QByteArray saved = readFile(dir + "project/P.orvprj");
-    EXPECT_TRUE(saved.contains("<key>publishDestination</key>")) << saved.toStdString();
+    EXPECT_TRUE(readFile(dir + "project/P.orvprj").contains("<key>publishDestination</key>"));
     projects->setPublishDestination({});
     ASSERT_TRUE(projects->openProjectFile(dir + "project", dir + "project/P.orvprj"));
     EXPECT_EQ(projects->publishDestination(), destination);

@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include <QAbstractButton>
 #include <QComboBox>
 #include <QFile>
@@ -9,7 +7,6 @@
 #include <QMainWindow>
 #include <QMenuBar>
 #include <QProgressBar>
-#include <QTabWidget>
 #include <QTableWidget>
 #include <QTreeWidget>
 
@@ -20,6 +17,8 @@
 #include "app/ToolsWindow.h"
 #include "generators/OutputKinds.h"
 #include "support/TestSupport.h"
+
+using namespace testsupport;
 
 namespace {
 
@@ -72,7 +71,7 @@ TEST(ToolsWindowTest, EnhancementChoiceSetsTheDefaultValue) {
 }
 
 TEST(ToolsWindowTest, ColourEffectsRefuseThePhotosFolderAndWriteElsewhere) {
-    const QString dir = testsupport::freshDir("app-tools/effects");
+    const QString dir = freshDir("app-tools/effects");
     const QString file = photo(dir + "a.jpg");
     ColorEffectsPanel panel;
     panel.batch->setPhotos({file, photo(dir + "b.PNG")});
@@ -90,7 +89,7 @@ TEST(ToolsWindowTest, ColourEffectsRefuseThePhotosFolderAndWriteElsewhere) {
 }
 
 TEST(ToolsWindowTest, WatermarkPanelShowsEveryControlAndStampsWithTheSecondFont) {
-    const QString dir = testsupport::freshDir("app-tools/watermark");
+    const QString dir = freshDir("app-tools/watermark");
     WatermarkPanel panel;
     expectEveryControlShown("watermark", *panel.form());
     // The position grid and the form's popup show the same setting.
@@ -114,7 +113,6 @@ TEST(ToolsWindowTest, WatermarkPanelShowsEveryControlAndStampsWithTheSecondFont)
     EXPECT_EQ(panel.settings().text("cbFontList"), fonts[1]);
     EXPECT_EQ(panel.form()->findChild<QComboBox*>("cbFontList")->currentText(), fonts[1]);
 
-    // The watermark image is previewed.
     EXPECT_EQ(panel.preview()->text(), "No image");
     panel.settings().setText("tfWaterMarkImageFilePath", photo(dir + "mark.png", Qt::red));
     panel.showWatermarkImage();
@@ -122,7 +120,7 @@ TEST(ToolsWindowTest, WatermarkPanelShowsEveryControlAndStampsWithTheSecondFont)
 }
 
 TEST(ToolsWindowTest, BatchCommentLogsTwoOfThreeAndStopsTheBarShort) {
-    const QString dir = testsupport::freshDir("app-tools/batch");
+    const QString dir = freshDir("app-tools/batch");
     const QStringList files = {photo(dir + "1.jpg"), photo(dir + "2.jpg"), photo(dir + "3.jpg")};
     ASSERT_TRUE(QFile::setPermissions(files[1], QFile::ReadOwner | QFile::ReadGroup));
     BatchCommentPanel panel;
@@ -134,17 +132,17 @@ TEST(ToolsWindowTest, BatchCommentLogsTwoOfThreeAndStopsTheBarShort) {
     EXPECT_EQ(std::pair(panel.lastProgressValue, panel.lastProgressMaximum), std::pair(2, 3));
     EXPECT_TRUE(panel.myProgressBarke->isHidden());
     EXPECT_TRUE(panel.status->text().contains("2.jpg (the file is read-only)"))
-        << panel.status->text().toStdString();
+        << panel.status->text();
 }
 
 // The editor shows a photo's comment and tree, writes the comment and logs it; a file that is not
 // an image shows the "not supported" text and no tree, and applying fails and is logged.
 TEST(ToolsWindowTest, MetadataEditorShowsEditsAndLogs) {
-    const QString dir = testsupport::freshDir("app-tools/editor");
+    const QString dir = freshDir("app-tools/editor");
     const QString file = photo(dir + "a.jpg");
-    testsupport::runProgram(
-        "exiftool", {"-q", "-overwrite_original", "-UserComment=Before", "-IPTC:City=Lyon", file});
-    testsupport::writeFile(dir + "notes.jpg", "plain words");
+    runProgram("exiftool",
+               {"-q", "-overwrite_original", "-UserComment=Before", "-IPTC:City=Lyon", file});
+    writeFile(dir + "notes.jpg", "plain words");
     MetadataEditorPanel panel;
     for (const auto& [path, shown, tree, logged] :
          {std::tuple{file, "Before", "Exif IPTC", "OK"},
@@ -161,6 +159,6 @@ TEST(ToolsWindowTest, MetadataEditorShowsEditsAndLogs) {
         panel.waitForFinished();
         EXPECT_EQ(cell(panel.themMetaLogTable, panel.themMetaLogTable->rowCount() - 1, 3), logged);
     }
-    EXPECT_EQ(testsupport::exiftool(file, "UserComment"), "After");
+    EXPECT_EQ(exiftool(file, "UserComment"), "After");
     EXPECT_EQ(cell(panel.themMetaLogTable, 0, 5), "a.jpg");
 }

@@ -10,7 +10,7 @@
 
 #include "support/TestSupport.h"
 
-using testsupport::freshDir;
+using namespace testsupport;
 
 namespace {
 
@@ -28,12 +28,9 @@ struct Start {
         process.waitForStarted();
     }
     ~Start() {
-        if (process.state() != QProcess::NotRunning) {
-            process.kill();
-            process.waitForFinished();
-        }
+        process.kill();
+        process.waitForFinished();
     }
-    // Waits for a later start to end; its exit code and standard output.
     std::pair<int, std::string> finish() {
         if (!process.waitForFinished(120000)) return {-1, "still running"};
         return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
@@ -64,26 +61,21 @@ TEST(WindowStartTest, LaterStartsHandTheirFilesToTheOpenWindow) {
     ASSERT_TRUE(QDir().mkpath(runtime));
     QFile::setPermissions(runtime, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     const QString socket = runtime + "/orvella.window";
-    for (const QString name : {"a.png", "b.jpg", "more/c.PNG", "more/d.tif"})
-        testsupport::makePhoto(dir + name);
-    testsupport::writeFile(dir + "more/notes.txt", "not a photo");
+    for (const QString name : {"a.png", "b.jpg", "more/c.PNG", "more/d.tif"}) makePhoto(dir + name);
+    writeFile(dir + "more/notes.txt", "not a photo");
 
     {
         Start window(runtime, runtime, {dir + "a.png"});
         ASSERT_TRUE(listening(socket, window.process))
             << window.process.readAllStandardError().toStdString();
-        struct Case {
-            QStringList args;
-            std::string printed;
-        };
-        for (const Case& c :
-             std::vector<Case>{{{"b.jpg", "more"}, "orvella: 3 photos added to the open window\n"},
-                               {{"more/d.tif"}, "orvella: 1 photo added to the open window\n"},
-                               {{"more/notes.txt", "saved.orvprj"},
-                                "orvella: 0 photos added to the open window\n"},
-                               {{}, ""}}) {
-            Start later(runtime, dir, c.args);
-            EXPECT_EQ(later.finish(), std::make_pair(0, c.printed)) << qPrintable(c.args.join(' '));
+        for (const auto& [args, printed] : std::vector<std::pair<QStringList, std::string>>{
+                 {{"b.jpg", "more"}, "orvella: 3 photos added to the open window\n"},
+                 {{"more/d.tif"}, "orvella: 1 photo added to the open window\n"},
+                 {{"more/notes.txt", "saved.orvprj"},
+                  "orvella: 0 photos added to the open window\n"},
+                 {{}, ""}}) {
+            Start later(runtime, dir, args);
+            EXPECT_EQ(later.finish(), std::make_pair(0, printed)) << args.join(' ');
             EXPECT_EQ(window.process.state(), QProcess::Running);
         }
     }  // killed: the socket stays behind
@@ -101,7 +93,7 @@ TEST(WindowStartTest, LaterStartsHandTheirFilesToTheOpenWindow) {
 // neither a command nor an existing file is an unknown command.
 TEST(WindowStartTest, NoDisplayAndWhatOpensTheWindow) {
     const QString dir = freshDir("app-no-display");
-    testsupport::makePhoto(dir + "a.png");
+    makePhoto(dir + "a.png");
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     for (const char* name : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"}) env.remove(name);
     const QString noDisplay = "no display: run orvella --help for the command line\n";
@@ -113,8 +105,7 @@ TEST(WindowStartTest, NoDisplayAndWhatOpensTheWindow) {
                      "orvella: unknown command \"" + dir + "gone.png\""},
           std::tuple{QStringList{"--version"}, 0, QString()}}) {
         QString err;
-        EXPECT_EQ(testsupport::orvella(args, nullptr, &err, &env), code)
-            << qPrintable(args.join(' '));
-        EXPECT_TRUE(err.startsWith(says)) << err.toStdString();
+        EXPECT_EQ(orvella(args, nullptr, &err, &env), code) << args.join(' ');
+        EXPECT_TRUE(err.startsWith(says)) << err;
     }
 }

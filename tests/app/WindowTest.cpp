@@ -1,14 +1,10 @@
-// The main window: its tabs, one per output kind, its About box, its grid and its cells.
-#include <gtest/gtest.h>
-
+// The main window: its tabs, one per output kind, its grid and its cells.
 #include <QAbstractItemView>
-#include <QAction>
 #include <QApplication>
 #include <QCheckBox>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QLabel>
-#include <QMessageBox>
 #include <QPushButton>
 #include <QSettings>
 #include <QTabWidget>
@@ -24,9 +20,10 @@
 #include "support/FormatFixtures.h"
 #include "support/TestSupport.h"
 
+using namespace testsupport;
+
 namespace {
 
-// Lets the window work until `done` says so or `ms` have passed.
 void waitUntil(const std::function<bool()>& done, int ms = 20000) {
     QElapsedTimer timer;
     timer.start();
@@ -39,9 +36,8 @@ void waitUntil(const std::function<bool()>& done, int ms = 20000) {
 // Highlight box can be used on the grid's tab only; whichever tab is shown, the window fits a
 // 1366 x 768 screen (less a panel and the title bar): the settings scroll instead.
 TEST(Window, EveryKindHasItsTab) {
-    const QString dir = testsupport::freshDir("app-window-tabs");
     MainWindow window;
-    window.addPhotos({testsupport::makePhoto(dir + "a.png")});
+    window.addPhotos({makePhoto(freshDir("app-window-tabs") + "a.png")});
     QAbstractItemView* view = window.findChild<PhotoGridView*>();
     ASSERT_TRUE(view);
     waitUntil([&] { return view->model()->rowCount() > 0; });
@@ -52,29 +48,24 @@ TEST(Window, EveryKindHasItsTab) {
         if (box->text() == "Highlight") highlight = box;
     auto* tabs = window.findChild<QTabWidget*>();
     ASSERT_TRUE(tabs && highlight);
-    const struct {
-        const char* kind;
-        const char* title;
-        QStringList buttons;
-        bool highlight;
-    } cases[] = {
+    const std::tuple<const char*, const char*, QStringList, bool> cases[] = {
         {"gallery", "Photo Gallery", {"Create Photo Gallery…"}, false},
         {"slideshow", "Slideshow", {"Create Slideshow…", "Add Item", "Clear Items"}, false},
         {"grid", "Responsive Grid", {"Create Responsive Grid…"}, true},
     };
     ASSERT_EQ(tabs->count(), std::size(cases));
     for (int i = 0; i < tabs->count(); ++i) {
-        const auto& c = cases[i];
-        SCOPED_TRACE(c.kind);
+        const auto& [kind, title, wanted, highlighted] = cases[i];
+        SCOPED_TRACE(kind);
         tabs->setCurrentIndex(i);
-        EXPECT_EQ(tabs->tabText(i), c.title);
-        EXPECT_GT(expectEveryControlShown(c.kind, *tabs->widget(i)), 20);
+        EXPECT_EQ(tabs->tabText(i), title);
+        EXPECT_GT(expectEveryControlShown(kind, *tabs->widget(i)), 20);
         QStringList buttons;
         for (const QPushButton* b : tabs->widget(i)->findChildren<QPushButton*>())
             buttons << b->text();
-        for (const QString& button : c.buttons)
-            EXPECT_TRUE(buttons.contains(button)) << buttons.join(", ").toStdString();
-        EXPECT_EQ(highlight->isEnabled(), c.highlight);
+        for (const QString& button : wanted)
+            EXPECT_TRUE(buttons.contains(button)) << buttons.join(", ");
+        EXPECT_EQ(highlight->isEnabled(), highlighted);
         const QSize needed = window.minimumSizeHint().expandedTo(window.minimumSize());
         EXPECT_LE(needed.width(), 1366);
         EXPECT_LE(needed.height(), 700);
@@ -94,24 +85,10 @@ TEST(Window, EveryKindHasItsTab) {
     EXPECT_TRUE(autorun->isChecked() && !arrows->isChecked());
 }
 
-// The About box names the version exactly as `orvella --version` prints it.
-TEST(Window, AboutBoxShowsTheVersion) {
-    QString version;
-    ASSERT_EQ(testsupport::orvella({"--version"}, &version), 0);
-    MainWindow window;
-    auto* about = window.findChild<QAction*>("actionAbout");
-    ASSERT_NE(about, nullptr);
-    about->trigger();
-    auto* box = window.findChild<QMessageBox*>("aboutBox");
-    ASSERT_NE(box, nullptr);
-    EXPECT_EQ(box->text().toStdString() + "\n", version.toStdString());
-    box->close();
-}
-
 // At 10,000 photos the grid is one view over the model: every row answers from its record, cell
 // images are made only for the rows drawn, and no widget stands for a photo.
 TEST(Window, TenThousandPhotosAreRowsNotWidgets) {
-    const QString photo = testsupport::makePhoto(testsupport::freshDir("app-window-10k") + "a.png");
+    const QString photo = makePhoto(freshDir("app-window-10k") + "a.png");
     QList<cCollectionViewItem> records(10000);
     for (int i = 0; i < records.size(); ++i) {
         records[i].myPhotoName = QString("p%1.png").arg(i, 5, 10, QChar('0'));
@@ -143,7 +120,7 @@ TEST(Window, SupportRootDefaultsToTheUsersDataFolder) {
     const QString root = SupportDialogs::defaultRoot();
     QDir(root).removeRecursively();
     PreferencesDialog preferences(nullptr);
-    EXPECT_TRUE(root.startsWith(qEnvironmentVariable("XDG_DATA_HOME") + "/")) << qPrintable(root);
+    EXPECT_TRUE(root.startsWith(qEnvironmentVariable("XDG_DATA_HOME") + "/")) << root;
     EXPECT_EQ(SupportFolders::rootPath(), root);
     EXPECT_EQ(SupportFolders::patternsPath(), root + "/Keldra_SupportFiles/Patterns");
     EXPECT_FALSE(QDir(SupportFolders::patternsPath()).isEmpty());  // the built-in patterns
@@ -155,7 +132,7 @@ TEST(Window, SupportRootDefaultsToTheUsersDataFolder) {
 // cells drawn upright in the colours of their JPEG reference.
 TEST(FormatsWindow, HeadersReadCellsUprightInTrueColours) {
     using namespace formatfixtures;
-    const QString cells = testsupport::freshDir("app-formats");
+    const QString cells = freshDir("app-formats");
     MainWindow window;
     auto* collection = window.findChild<PhotoCollection*>();
     window.addPhotos(QStringList{folder() + "photo.jpg", folder() + "tall.jpg"} + photos());
@@ -176,9 +153,9 @@ TEST(FormatsWindow, HeadersReadCellsUprightInTrueColours) {
         EXPECT_EQ(record.myPhotoPxSize + record.myPhotoOrientation,
                   reference == u"tall" ? "300x480V" : "480x300H");
         EXPECT_EQ(record.myPhotoDescription,
-                  testsupport::exiftool(folder() + record.myPhotoName, "UserComment"));
+                  exiftool(folder() + record.myPhotoName, "UserComment"));
         const QString cell = cells + record.myPhotoName + ".png";
         EXPECT_EQ(QImage(cell).size(), QImage(cells + reference + ".jpg.png").size());
-        EXPECT_LT(shownDifference(cell, cells + reference + ".jpg.png"), 4.0) << qPrintable(cell);
+        EXPECT_LT(shownDifference(cell, cells + reference + ".jpg.png"), 4.0) << cell;
     }
 }

@@ -1,29 +1,16 @@
 // `orvella project save | show | build`, `orvella preset` and `orvella generate --preset`, run as
 // the user runs them; their refusals are in RefusalCliTest.cpp.
-#include <gtest/gtest.h>
-
 #include <QDir>
 
-#include "support/TestSupport.h"
+#include "metadata/MetaFixtures.h"
 
-using testsupport::freshDir;
-using testsupport::orvellaOut;
-using testsupport::runProgram;
+using namespace testsupport;
 
 namespace {
 
-void makePhoto(const QString& path, int w, int h, const QString& caption) {
-    testsupport::makePhoto(path, w, h);
-    if (!caption.isEmpty()) {
-        EXPECT_EQ(
-            runProgram("exiftool", {"-q", "-overwrite_original", "-UserComment=" + caption, path}),
-            0);
-    }
-}
-
 // The site under `dir`, without the record of the run: that names the photos it was made from.
 QMap<QString, QByteArray> site(const QString& dir) {
-    auto files = testsupport::contentsUnder(dir);
+    auto files = contentsUnder(dir);
     files.remove(".orvella-manifest");
     return files;
 }
@@ -44,15 +31,16 @@ TEST(ProjectCli, ProjectsAndPresetsGiveTheSameSite) {
                      QStringList{"tfRgWebPageTitle=Harbour view", "tfRGMaxColumns=3"}}}) {
         SCOPED_TRACE(kind);
         const QString dir = freshDir(QString("cli-same-site-") + kind);
-        const QProcessEnvironment home = testsupport::homeIn(dir);
+        const QProcessEnvironment home = homeIn(dir);
         const auto run = [&](const QStringList& args) {
             return orvellaOut(0, args, nullptr, &home);
         };
         const QString src = dir + "src/";
-        makePhoto(src + "a.jpg", 60, 40, "Harbour\tat dawn");
-        makePhoto(src + "b.png", 40, 60, "");
-        makePhoto(src + "c.jpg", 50, 50, "Hills");
-        makePhoto(src + "d.tif", 64, 48, "Left out");
+        makePhoto(src + "b.png", 40, 60);
+        for (const auto& [name, w, h, caption] : {std::tuple{"a.jpg", 60, 40, "Harbour\tat dawn"},
+                                                  {"c.jpg", 50, 50, "Hills"},
+                                                  {"d.tif", 64, 48, "Left out"}})
+            metafixtures::tag(makePhoto(src + name, w, h), {QString("-UserComment=") + caption});
         QStringList settings;
         for (const QString& set : sets) settings << "--set" << set;
         const QStringList selection = {"--sort", "za",          "--unpublish",
@@ -74,13 +62,13 @@ TEST(ProjectCli, ProjectsAndPresetsGiveTheSameSite) {
             QDir(dir + "preset").removeRecursively();
             run(QStringList{"generate", kind, "--out", dir + "preset/", "--preset", preset} +
                 selection + QStringList{src});
-            EXPECT_TRUE(site(dir + "preset/") == expected) << qPrintable(preset);
+            EXPECT_TRUE(site(dir + "preset/") == expected) << preset;
         }
-        const QString title = sets[0].section('=', 0, 0);
-        const QString changed = run(QStringList{"generate", kind, "--out", dir + "changed/",
-                                                "--preset", "Look", "--set", title + "=Changed"} +
-                                    selection + QStringList{src});
-        const QByteArray text = testsupport::readFile(changed.trimmed());
+        const QByteArray text =
+            readFile(run(QStringList{"generate", kind, "--out", dir + "changed/", "--preset",
+                                     "Look", "--set", sets[0].section('=', 0, 0) + "=Changed"} +
+                         selection + QStringList{src})
+                         .trimmed());
         EXPECT_TRUE(text.contains("Changed") && !text.contains("Harbour view"));
 
         const QString project = dir + "project/Trip.orvprj";

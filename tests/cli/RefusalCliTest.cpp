@@ -5,26 +5,26 @@
 
 #include "support/TestSupport.h"
 
-using testsupport::orvellaOut;
+using namespace testsupport;
 
 TEST(RefusalCli, EveryCommandRefusesWithTwoAndWritesNothing) {
-    const QString d = testsupport::freshDir("cli-refused");
+    const QString d = freshDir("cli-refused");
     const QString o = d + "out/site/";  // "../../x" leads back into d
-    const QString a = testsupport::makePhoto(d + "a.png");
+    const QString a = makePhoto(d + "a.png");
     QStringList inside;  // photos in the image folders of the output
     for (const char* folder :
          {"KLimages_b", "KLimages_s", "KLovlightbox", "KLSsImages", "KLovImages"})
-        inside << testsupport::makePhoto(o + folder + "/in.jpg");
-    const QProcessEnvironment home = testsupport::homeIn(testsupport::freshDir("cli-refused-home"));
+        inside << makePhoto(o + folder + "/in.jpg");
+    const QProcessEnvironment home = homeIn(freshDir("cli-refused-home"));
     orvellaOut(0, {"preset", "export", "gallery", "--out", d + "g.orvpreset"}, nullptr, &home);
     orvellaOut(0, {"project", "save", d + "p", "--name", "P", "--kind", "grid", "--unpublish",
                    "a.png", a});
     const QString unpublished = d + "p/P.orvprj";
-    testsupport::writeFile(d + "hostile.orvprj",
-                           "<plist><dict><key>count</key><string>1</string><key>1</key><dict>"
-                           "<key>name</key><string>../a.jpg</string></dict></dict></plist>");
-    testsupport::writeFile(d + "text.orvprj", "just text");
-    const auto before = testsupport::contentsUnder(d);
+    writeFile(d + "hostile.orvprj",
+              "<plist><dict><key>count</key><string>1</string><key>1</key><dict>"
+              "<key>name</key><string>../a.jpg</string></dict></dict></plist>");
+    writeFile(d + "text.orvprj", "just text");
+    const auto before = contentsUnder(d);
     const QStringList gallery = {"generate", "gallery", "--out", o};
     const QStringList grid = {"generate", "grid", "--out", o};
     const QStringList slideshow = {"generate", "slideshow", "--out", o};
@@ -105,7 +105,7 @@ TEST(RefusalCli, EveryCommandRefusesWithTwoAndWritesNothing) {
         SCOPED_TRACE(args.join(' ').toStdString());
         QString err;
         orvellaOut(2, args, &err, &home);
-        EXPECT_TRUE(err.contains(says)) << err.toStdString();
-        EXPECT_TRUE(testsupport::contentsUnder(d) == before);
+        EXPECT_TRUE(err.contains(says)) << err;
+        EXPECT_TRUE(contentsUnder(d) == before);
     }
 }

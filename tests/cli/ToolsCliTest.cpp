@@ -9,18 +9,14 @@
 #include "support/FormatFixtures.h"
 
 using namespace formatfixtures;
-using testsupport::exiftool;
-using testsupport::orvella;
-using testsupport::orvellaOut;
-using testsupport::readFile;
-using testsupport::writeFile;
+using namespace testsupport;
 
 TEST(ToolsCli, WatermarkPrintsOneStatusLinePerFile) {
-    const QString dir = testsupport::freshDir("cli-watermark");
+    const QString dir = freshDir("cli-watermark");
     fixtures::save(fixtures::solid(200, 100, {128, 128, 128}), dir + "a.png");
     fixtures::save(fixtures::solid(200, 100, {128, 128, 128}), dir + "b.jpg");
     fixtures::save(fixtures::solid(20, 10, {255, 0, 0}), dir + "mark.png");
-    testsupport::writeFile(dir + "notes.jpg", "plain words");
+    writeFile(dir + "notes.jpg", "plain words");
     EXPECT_EQ(
         orvellaOut(1, {"watermark", "text", "--out", dir + "out", "--set", "tfFontSize=30", "--set",
                        "tvWaterMarkText=Orvella", dir + "a.png", dir + "b.jpg", dir + "notes.jpg"}),
@@ -37,16 +33,16 @@ TEST(ToolsCli, WatermarkPrintsOneStatusLinePerFile) {
 }
 
 TEST(ToolsCli, ImageEffectsWriteCopiesOfEveryPhotoOfAFolder) {
-    const QString dir = testsupport::freshDir(QStringLiteral("cli-image"));
+    const QString dir = freshDir(QStringLiteral("cli-image"));
     fixtures::save(fixtures::solid(40, 30, {128, 128, 128}), dir + "a.jpg");
     fixtures::save(fixtures::solid(40, 30, {128, 128, 128}), dir + "b.PNG");
     QString out = orvellaOut(
         0, {"image", "effect", "4", "--out", dir + "sepia", dir + "a.jpg", dir + "b.PNG"});
-    EXPECT_TRUE(out.contains("OK  " + dir + "a.jpg -> ")) << out.toStdString();
-    EXPECT_TRUE(out.contains("skipped: " + dir + "b.PNG")) << out.toStdString();
+    EXPECT_TRUE(out.contains("OK  " + dir + "a.jpg -> ")) << out;
+    EXPECT_TRUE(out.contains("skipped: " + dir + "b.PNG")) << out;
     EXPECT_FALSE(QFile::exists(dir + "sepia/b.PNG"));
     out = orvellaOut(0, {"image", "derive", "4", "20", "--out", dir + "small", dir});
-    EXPECT_EQ(out.count("OK  "), 2) << out.toStdString();
+    EXPECT_EQ(out.count("OK  "), 2) << out;
     EXPECT_EQ(fixtures::sizeOf(dir + "small/a.jpg").second, 20);
 }
 
@@ -54,10 +50,10 @@ TEST(ToolsCli, ImageEffectsWriteCopiesOfEveryPhotoOfAFolder) {
 // it), tree indents two spaces per level, set-comment prints OK (Failed is in FaultsCliTest.cpp),
 // complete "Keldra", batch a log line per success with its time and the failures on stderr.
 TEST(ToolsCli, MetaReadsAndWritesComments) {
-    const QString dir = testsupport::freshDir("cli-meta");
+    const QString dir = freshDir("cli-meta");
     const QString photo = metafixtures::makeImage(dir + "harbour.jpg");
     metafixtures::tag(photo, {"-UserComment= Sunset", "-IPTC:City=Lyon"});
-    testsupport::writeFile(dir + "notes.jpg", "plain words");
+    writeFile(dir + "notes.jpg", "plain words");
     EXPECT_EQ(orvellaOut(0, {"meta", "get", photo, "IPTC Description", "IPTC City",
                              "IPTC Description", "Show Filename", "EXIF User Comment"}),
               "\nLyon\nLyon\nharbour.jpg\n Sunset\n");
@@ -65,7 +61,7 @@ TEST(ToolsCli, MetaReadsAndWritesComments) {
     EXPECT_TRUE(tree.startsWith("Exif:\n") && tree.contains("\n  Photo:\n") &&
                 tree.contains("\n    User Comment:  Sunset\n") &&
                 tree.contains("\nIPTC:\n  Application2:\n    City: Lyon\n"))
-        << tree.toStdString();
+        << tree;
     // A file that cannot be read prints one empty line per name, and no tree.
     EXPECT_EQ(orvellaOut(0, {"meta", "get", dir + "notes.jpg", "EXIF User Comment", "IPTC City"}),
               "\n\n");
@@ -82,10 +78,10 @@ TEST(ToolsCli, MetaReadsAndWritesComments) {
     QString err;
     QString out = orvellaOut(1, {"meta", "batch", "--comment", "Sea fog", batch}, &err);
     static const QRegularExpression kTime("^\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d\t");
-    EXPECT_EQ(out.count(kTime), 1) << out.toStdString();
+    EXPECT_EQ(out.count(kTime), 1) << out;
     EXPECT_EQ(out.remove(kTime), "File Editing\tEdit meta data\tOK\ta.jpg\ta.jpg\t" + batch +
                                      "a.jpg\t" + batch + "a.jpg\n");
-    EXPECT_TRUE(err.contains(batch + "ro.jpg: the file is read-only")) << err.toStdString();
+    EXPECT_TRUE(err.contains(batch + "ro.jpg: the file is read-only")) << err;
 }
 
 namespace {
@@ -106,10 +102,10 @@ void expectLike(const QString& photo, const QString& folder, const QString& refe
 // Photos of phones and the web through every kind, an image tool and the metadata commands: their
 // images upright, the right size, with their captions and colours.
 TEST(FormatsCli, KindsToolsAndMetadata) {
-    const QString dir = testsupport::freshDir("cli-formats");
+    const QString dir = freshDir("cli-formats");
     QFile::copy(folder() + "photo.jpg", dir + "jpeg.heic");
-    testsupport::writeFile(dir + "random.webp", QByteArray(4000, 'x'));
-    testsupport::writeFile(dir + "zero.avif", {});
+    writeFile(dir + "random.webp", QByteArray(4000, 'x'));
+    writeFile(dir + "zero.avif", {});
     const QStringList files = photos();
     for (const auto& [kind, images, page] : {std::tuple{"gallery", "KLimages_b/", "myIndex.html"},
                                              {"slideshow", "KLSsImages/", "slideshow.html"},
@@ -125,8 +121,8 @@ TEST(FormatsCli, KindsToolsAndMetadata) {
         EXPECT_TRUE(err.contains(dir + "jpeg.heic: named .heic but holds no HEIF image") &&
                     err.contains(dir + "random.webp: not an image") &&
                     err.contains(dir + "zero.avif: an empty file"))
-            << err.toStdString();
-        const QByteArray text = testsupport::readFile(out + page);
+            << err;
+        const QByteArray text = readFile(out + page);
         for (const QString& photo : files) {
             EXPECT_TRUE(text.contains(exiftool(photo, "UserComment").toUtf8()));
             expectLike(photo, out + images,
@@ -144,16 +140,15 @@ TEST(FormatsCli, KindsToolsAndMetadata) {
         EXPECT_EQ(
             exiftool(dir + "d/" + QFileInfo(photo).completeBaseName() + ".jpeg", "UserComment"),
             caption);
-        QString out;
-        EXPECT_EQ(orvella({"meta", "get", photo, "EXIF User Comment", "IPTC City"}, &out), 0);
-        EXPECT_EQ(out, caption + "\n\n");
+        EXPECT_EQ(orvellaOut(0, {"meta", "get", photo, "EXIF User Comment", "IPTC City"}),
+                  caption + "\n\n");
     }
 
     // WebP's comment is written (exiftool reads it back); HEIF, AVIF and JPEG XL are refused.
     for (const QString ext : {"webp", "heic", "avif", "jxl"}) {
         const QString copy = dir + "copy." + ext;
         QFile::copy(folder() + "land-" + ext + "." + ext, copy);
-        const QByteArray before = testsupport::readFile(copy);
+        const QByteArray before = readFile(copy);
         const int code = ext == u"webp" ? 0 : 1;
         QString err;
         EXPECT_EQ(orvella({"meta", "set-comment", copy, "New"}, nullptr, &err), code);
@@ -161,46 +156,46 @@ TEST(FormatsCli, KindsToolsAndMetadata) {
         if (code == 0)
             EXPECT_EQ(exiftool(copy, "UserComment") + exiftool(copy, "Validate"), "NewOK");
         else
-            EXPECT_TRUE(testsupport::readFile(copy) == before &&
-                        err.contains("read, never written"));
+            EXPECT_TRUE(readFile(copy) == before && err.contains("read, never written"));
     }
 }
 
 TEST(SupportCli, SetShowImportAndVanishedRoot) {
-    const QString dir = testsupport::freshDir("cli-support");
-    const QProcessEnvironment env = testsupport::homeIn(dir);
+    const QString dir = freshDir("cli-support");
+    const QProcessEnvironment env = homeIn(dir);
     const auto run = [&](const QStringList& args, int code = 0, QString* err = nullptr) {
-        return testsupport::orvellaOut(code, args, err, &env);
+        return orvellaOut(code, args, err, &env);
     };
     const QString root = dir + "root";
     QDir().mkpath(root);
     QString err;
     run({"support", "show"}, 1, &err);
-    EXPECT_TRUE(err.contains("no support folder is set")) << err.toStdString();
+    EXPECT_TRUE(err.contains("no support folder is set")) << err;
 
-    const QString patterns = root + "/Keldra_SupportFiles/Patterns";
-    const QString watermarks = root + "/Keldra_SupportFiles/Watermarks";
+    const QString patterns = root + "/Keldra_SupportFiles/Patterns",
+                  watermarks = root + "/Keldra_SupportFiles/Watermarks";
     const QString paths = root + "\n" + patterns + "\n" + watermarks + "\n";
     EXPECT_EQ(run({"support", "set", root}), paths);
     const QStringList builtIn = QDir(patterns).entryList(QDir::Files);
-    EXPECT_GE(builtIn.size(), 3) << builtIn.join(' ').toStdString();
-    for (const QString& name : builtIn) {
-        EXPECT_FALSE(QImage(patterns + "/" + name).isNull()) << name.toStdString();
-        EXPECT_TRUE(QFileInfo(patterns + "/" + name).isWritable());
-    }
+    EXPECT_GE(builtIn.size(), 3) << builtIn.join(' ');
+    for (const QString& name : builtIn)
+        EXPECT_TRUE(!QImage(patterns + "/" + name).isNull() &&
+                    QFileInfo(patterns + "/" + name).isWritable())
+            << name;
     EXPECT_TRUE(QDir(watermarks).entryList(QDir::Files).isEmpty());
     const QString config = QString::fromUtf8(readFile(dir + "config/KeldraCom/Orvella.conf"));
-    EXPECT_TRUE(config.contains("PatternsDestination=" + patterns)) << config.toStdString();
-    EXPECT_TRUE(config.contains("WatermarksDestination=" + watermarks));
-    EXPECT_TRUE(config.contains("SupportFilesDestination="));
+    EXPECT_TRUE(config.contains("PatternsDestination=" + patterns) &&
+                config.contains("WatermarksDestination=" + watermarks) &&
+                config.contains("SupportFilesDestination="))
+        << config;
 
     // Importing: images are copied, other files refused; a file imported onto itself stays.
-    const QString mine = testsupport::makePhoto(dir + "mine.png", 8, 8);
+    const QString mine = makePhoto(dir + "mine.png", 8, 8);
     writeFile(dir + "notes.txt", "text");
     EXPECT_EQ(run({"support", "import", "patterns", mine}), patterns + "/mine.png\n");
     EXPECT_EQ(run({"support", "import", "watermarks", mine}), watermarks + "/mine.png\n");
     run({"support", "import", "patterns", dir + "notes.txt"}, 1, &err);
-    EXPECT_TRUE(err.contains("notes.txt")) << err.toStdString();
+    EXPECT_TRUE(err.contains("notes.txt")) << err;
     EXPECT_EQ(run({"support", "import", "patterns", patterns + "/mine.png"}),
               patterns + "/mine.png\n");
     EXPECT_FALSE(QImage(patterns + "/mine.png").isNull());
@@ -220,7 +215,7 @@ TEST(SupportCli, SetShowImportAndVanishedRoot) {
     EXPECT_EQ(run({"support", "show"}, 1, &err), "");
     EXPECT_TRUE(err.startsWith(
         "Oh! Your previous defined folder has gone!?\nSelect a new location please.\n"))
-        << err.toStdString();
+        << err;
     run({"support", "set", root}, 2);
     run({"support", "show"}, 1);
 }

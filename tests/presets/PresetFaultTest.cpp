@@ -7,17 +7,7 @@
 #include "presets/dbViewController.h"
 
 using namespace presetfixtures;
-using testsupport::freshDir;
-
-namespace {
-
-// orvella with its own data folder: its presets database is DIR/data/KeldraCom/klOrvella3.sql.
-int orvellaIn(const QString& dir, const QStringList& args, QString* out, QString* err = nullptr) {
-    const QProcessEnvironment env = testsupport::homeIn(dir);
-    return testsupport::orvella(args, out, err, &env);
-}
-
-}  // namespace
+using namespace testsupport;
 
 // Every damage through every database action of the command line: each names the file and its
 // fault, fails, and nothing writes to the file. `preset repair` moves it aside (beside an earlier
@@ -26,7 +16,9 @@ TEST(PresetFaults, DamagedDatabaseIsNamedNeverWrittenAndMovedAside) {
     for (const DamageCase& c : damages) {
         SCOPED_TRACE(c.name);
         const QString dir = freshDir(QStringLiteral("presets-damage-") + c.name);
+        // orvella's own data folder under dir holds its presets database.
         const QString db = dir + "data/KeldraCom/klOrvella3.sql", file = dir + "a.orvpreset";
+        const QProcessEnvironment env = homeIn(dir);
         savePresets(db, {"A", "B"});
         ASSERT_TRUE(cPresetManager::writePresetFile(
             file,
@@ -34,10 +26,10 @@ TEST(PresetFaults, DamagedDatabaseIsNamedNeverWrittenAndMovedAside) {
                                                    *PresetLayouts::find("gallery")),
             nullptr));
         const QString earlier = db + ".damaged-" + QDate::currentDate().toString(Qt::ISODate);
-        testsupport::writeFile(earlier, "an earlier one");
+        writeFile(earlier, "an earlier one");
         Damaged damaged(db, c.name);
         if (!damaged.skipped.isEmpty()) {
-            std::cout << "[  SKIPPED ] " << c.name << ": " << damaged.skipped.toStdString() << "\n";
+            std::cout << "[  SKIPPED ] " << c.name << ": " << damaged.skipped << "\n";
             continue;
         }
         const QString before = Damaged::state(db);
@@ -48,29 +40,26 @@ TEST(PresetFaults, DamagedDatabaseIsNamedNeverWrittenAndMovedAside) {
                                       {"preset", "save", "gallery", "New", "--preset", "A"},
                                       {"preset", "remove", "A"},
                                       {"preset", "import", file, "I"}}) {
-            EXPECT_EQ(orvellaIn(dir, args, &out, &err), 1) << args.join(' ').toStdString();
-            EXPECT_EQ(out, "");
+            EXPECT_EQ(orvellaOut(1, args, &err, &env), "");
             EXPECT_TRUE(err.startsWith("orvella preset: Presets Db failed to open.\n" + db + ": " +
                                        c.reason))
-                << err.toStdString();
+                << err;
             EXPECT_EQ(err.contains("`orvella preset repair` moves it aside"), c.movable);
         }
         EXPECT_EQ(Damaged::state(db), before);
 
-        EXPECT_EQ(orvellaIn(dir, {"preset", "repair"}, &out, &err), c.movable ? 0 : 1);
-        EXPECT_EQ(testsupport::readFile(earlier), "an earlier one");
+        EXPECT_EQ(orvella({"preset", "repair"}, &out, &err, &env), c.movable ? 0 : 1);
+        EXPECT_EQ(readFile(earlier), "an earlier one");
         if (!c.movable) {
-            EXPECT_TRUE(err.contains(c.reason) && err.endsWith("; nothing was moved\n"))
-                << err.toStdString();
+            EXPECT_TRUE(err.contains(c.reason) && err.endsWith("; nothing was moved\n")) << err;
             EXPECT_EQ(Damaged::state(db), before);
             continue;
         }
-        EXPECT_EQ(out, earlier + "-2\n") << err.toStdString();
+        EXPECT_EQ(out, earlier + "-2\n") << err;
         EXPECT_EQ(Damaged::state(earlier + "-2"), before);
-        EXPECT_EQ(orvellaIn(dir, {"preset", "list", "gallery"}, &out), 0);
-        EXPECT_EQ(out, "");
-        EXPECT_EQ(orvellaIn(dir, {"preset", "save", "gallery", "A"}, &out), 0);
-        EXPECT_EQ(orvellaIn(dir, {"preset", "repair"}, &out, &err), 0);
+        EXPECT_EQ(orvellaOut(0, {"preset", "list", "gallery"}, nullptr, &env), "");
+        orvellaOut(0, {"preset", "save", "gallery", "A"}, nullptr, &env);
+        EXPECT_EQ(orvella({"preset", "repair"}, &out, &err, &env), 0);
         EXPECT_EQ(out + err, "orvella preset: " + db + " has no fault; nothing was moved.\n");
     }
 }
@@ -81,6 +70,7 @@ TEST(PresetFaults, DamagedDatabaseIsNamedNeverWrittenAndMovedAside) {
 TEST(PresetFaults, DamagedRowsAreListedAndTheOthersWork) {
     const QString dir = freshDir("presets-damaged-rows");
     const QString db = dir + "data/KeldraCom/klOrvella3.sql";
+    const QProcessEnvironment env = homeIn(dir);
     savePresets(db, {"Good", "NoValue", "Binary", "Nameless", "Kindless", "Bell"});
     sqlite(db,
            "UPDATE Presets SET StrField3 = 'Ti' || char(27) || '[2Jtle' || char(7), "
@@ -111,20 +101,17 @@ TEST(PresetFaults, DamagedRowsAreListedAndTheOthersWork) {
     // clang-format on
     for (const auto& [args, code, out, err] : runs) {
         QString printed, told;
-        EXPECT_EQ(orvellaIn(dir, args, &printed, &told), code) << args.join(' ').toStdString();
-        EXPECT_EQ(printed + told, out + err) << args.join(' ').toStdString();
+        EXPECT_EQ(orvella(args, &printed, &told, &env), code) << args.join(' ');
+        EXPECT_EQ(printed + told, out + err) << args.join(' ');
     }
     const QString photos = dir + "photos/";
-    testsupport::makePhoto(photos + "a.png");
-    QString out, err;
-    ASSERT_EQ(orvellaIn(dir,
-                        {"generate", "gallery", "--out", dir + "site", "--preset", "New", "--set",
-                         "btShowTitle=1", photos},
-                        &out, &err),
-              0)
-        << err.toStdString();
-    const QByteArray pages = testsupport::readFile(dir + "site/myIndex.html") +
-                             testsupport::readFile(dir + "site/index.html");
+    makePhoto(photos + "a.png");
+    orvellaOut(0,
+               {"generate", "gallery", "--out", dir + "site", "--preset", "New", "--set",
+                "btShowTitle=1", photos},
+               nullptr, &env);
+    const QByteArray pages =
+        readFile(dir + "site/myIndex.html") + readFile(dir + "site/index.html");
     EXPECT_TRUE(pages.contains("Ti[2Jtle") && pages.contains("onetwo"));
     for (const char c : pages) EXPECT_TRUE(uchar(c) >= 0x20 || c == '\n' || c == '\t') << int(c);
 }

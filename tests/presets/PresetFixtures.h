@@ -117,7 +117,7 @@ inline SettingsStore distinctSettings(const std::vector<Row>& table, const QStri
     QHash<QString, QString> byControl;
     for (const Row& row : table) {
         const ControlSpec* control = store.registry().find(row.control);
-        EXPECT_TRUE(control || row.encoding == 'Z') << "no control " << row.control.toStdString();
+        EXPECT_TRUE(control || row.encoding == 'Z') << "no control " << row.control;
         if (!control || byControl.contains(control->name)) {  // none, or a control stored twice
             (*expected)[row.field] = control ? byControl[control->name] : QStringLiteral("0");
             continue;
@@ -148,7 +148,7 @@ inline SettingsStore distinctSettings(const std::vector<Row>& table, const QStri
         if (row.encoding == 'L' || row.encoding == 'B')
             store.setText(control->name, value);
         else
-            EXPECT_TRUE(store.set(control->name, value)) << row.control.toStdString();
+            EXPECT_TRUE(store.set(control->name, value)) << row.control;
         (*expected)[row.field] = byControl[control->name] = text;
     }
     return store;
@@ -160,7 +160,6 @@ inline QString bookmarkPath(const QString& text) {
     return url.isEmpty() ? QString() : url.toLocalFile();
 }
 
-// The column of a preset field.
 inline QString column(int field) {
     const char* const fixed[] = {"NameOfPreset", "Process", "Action"};
     return field < 3 ? QString(fixed[field]) : QStringLiteral("StrField") + QString::number(field);
@@ -175,7 +174,7 @@ inline QList<QHash<QString, QString>> sqliteRows(const QString& db, const QStrin
                                        "-newline", "\x1e", db, sql},
                                       &out, &err),
               0)
-        << err.toStdString();
+        << err;
     QStringList lines = out.split(u'\x1e');  // each row ends with one
     lines.removeLast();
     const QStringList names = lines.value(0).split(u'\x1f');
@@ -190,10 +189,9 @@ inline QList<QHash<QString, QString>> sqliteRows(const QString& db, const QStrin
 
 inline void sqlite(const QString& db, const QString& sql) {
     QString err;
-    EXPECT_EQ(testsupport::runProgram("sqlite3", {db, sql}, nullptr, &err), 0) << err.toStdString();
+    EXPECT_EQ(testsupport::runProgram("sqlite3", {db, sql}, nullptr, &err), 0) << err;
 }
 
-// Saves gallery presets of these names (default settings) in the database at `db`.
 inline void savePresets(const QString& db, const QStringList& names) {
     const SettingsStore settings(OutputKinds::registry());
     for (const QString& name : names) {
@@ -201,7 +199,7 @@ inline void savePresets(const QString& db, const QStringList& names) {
         EXPECT_EQ(cPresetManager(db).addPresetValuesToDB(settings, *PresetLayouts::find("gallery"),
                                                          name, nullptr, &message),
                   cPresetManager::Outcome::Ok)
-            << message.toStdString();
+            << message;
     }
 }
 
@@ -238,7 +236,7 @@ class Damaged {
             lock_.write("BEGIN EXCLUSIVE; SELECT 'locked';\n");
             made = lock_.waitForReadyRead(10000) && lock_.readAll() == "locked\n";
         }
-        EXPECT_TRUE(made) << how.toStdString();
+        EXPECT_TRUE(made) << how;
     }
     ~Damaged() {
         lock_.closeWriteChannel();

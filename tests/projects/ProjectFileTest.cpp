@@ -1,8 +1,6 @@
 // Project files: what a save writes (read back by Python's plistlib, not by our reader), the photo
 // copies, opening, the name rules, and hostile or damaged project files. Malformed property lists
 // as such are the presets suite's; here only what the project's own rules add.
-#include <gtest/gtest.h>
-
 #include <QDir>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -27,11 +25,10 @@ QJsonObject plistlib(const QString& file) {
         "ok = lambda v: all(map(ok, v.values())) if isinstance(v, dict) else isinstance(v, str)\n"
         "print(json.dumps(d)) if ok(d) else sys.exit('not a string')\n";
     QString out, err;
-    EXPECT_EQ(runProgram("python3", {"-c", script, file}, &out, &err), 0) << err.toStdString();
+    EXPECT_EQ(runProgram("python3", {"-c", script, file}, &out, &err), 0) << err;
     return QJsonDocument::fromJson(out.toUtf8()).object();
 }
 
-// Three photos: b unpublished, c highlighted; a and b with an EXIF user comment.
 QList<cCollectionViewItem> threePhotos(const QString& dir) {
     tag(makeImage(dir + "a.jpg", 60, 40), {"-UserComment=Harbour at dawn"});
     tag(makeImage(dir + "b.jpg", 40, 60), {"-UserComment=Tabs\tand \"quotes\" <&>"});
@@ -67,8 +64,8 @@ TEST(ProjectFile, ThreePhotosWrittenAsTheTablesSayAndOpenedAgain) {
         settingsWith({{"tfPageTitle", "Harbour & hills"}, {"tfNumberOfColumns", "5"}});
     const auto saved =
         ProjectFile::save(folder, "Summer", records, settings, ProjectFile::layoutForTab(0));
-    ASSERT_TRUE(saved.ok) << saved.error.toStdString();
-    EXPECT_TRUE(saved.warnings.isEmpty()) << saved.warnings.join('\n').toStdString();
+    ASSERT_TRUE(saved.ok) << saved.error;
+    EXPECT_TRUE(saved.warnings.isEmpty()) << saved.warnings.join('\n');
 
     const QJsonObject root = plistlib(saved.projectFile);
     // destination, count, three entries, the 102 preset keys; no loadStatus.
@@ -90,7 +87,7 @@ TEST(ProjectFile, ThreePhotosWrittenAsTheTablesSayAndOpenedAgain) {
     // Opened from the project's own photos, with order, flags, captions and settings as saved.
     RecordingUserInterface ui;
     const auto opened = ProjectFile::open(folder, saved.projectFile, 0, &ui);
-    ASSERT_EQ(opened.status, Status::Opened) << opened.message.toStdString();
+    ASSERT_EQ(opened.status, Status::Opened) << opened.message;
     ASSERT_EQ(opened.records.size(), 3);
     for (int i = 0; i < 3; ++i) {
         EXPECT_EQ(line(opened.records[i]), expected[i]);
@@ -122,7 +119,7 @@ TEST(ProjectFile, NameRules) {
              {"", "holiday"},
              {"Enter your project name here", "holiday"},
              {"Enter project name here", "Enter project name here"}})
-        EXPECT_EQ(ProjectFile::projectName(typed, page), name) << qPrintable(typed);
+        EXPECT_EQ(ProjectFile::projectName(typed, page), name) << typed;
 
     // Names that would leave the folder, and no name at all, are refused before anything is made.
     const QString dir = freshDir("projects-names");
@@ -130,7 +127,7 @@ TEST(ProjectFile, NameRules) {
          QStringList{"../up", "a/b", "..", ".", "", QString("a") + QChar(0) + "b"}) {
         const auto refused =
             ProjectFile::save(dir + "g", name, {}, page, ProjectFile::layoutForTab(0));
-        EXPECT_TRUE(!refused.ok && refused.refused && !refused.error.isEmpty()) << qPrintable(name);
+        EXPECT_TRUE(!refused.ok && refused.refused && !refused.error.isEmpty()) << name;
     }
     EXPECT_FALSE(QFileInfo::exists(dir + "g"));
     EXPECT_FALSE(QFileInfo::exists(dir + "up.orvprj"));
@@ -149,7 +146,7 @@ TEST(ProjectFile, CopiesThatCannotBeMadeAreReported) {
     const auto saved =
         ProjectFile::save(dir + "p", "P", records, settingsWith(), ProjectFile::layoutForTab(0));
     ASSERT_TRUE(saved.ok);
-    ASSERT_EQ(saved.warnings.size(), 2) << saved.warnings.join('\n').toStdString();
+    ASSERT_EQ(saved.warnings.size(), 2) << saved.warnings.join('\n');
     EXPECT_TRUE(saved.warnings[0].startsWith(dir + "b.jpg: not copied"));
     EXPECT_TRUE(saved.warnings[1].startsWith(dir + "other/a.jpg: another photo"));
     EXPECT_EQ(readFile(dir + "p/photos/a.jpg"), readFile(dir + "a.jpg"));
@@ -183,7 +180,7 @@ TEST(ProjectFile, CountAndLoadStatus) {
         writeFile(dir + "p.orvprj", "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict>" + body +
                                         "</dict></plist>");
         const auto opened = ProjectFile::open(dir, dir + "p.orvprj");
-        ASSERT_EQ(opened.status, Status::Opened) << opened.message.toStdString();
+        ASSERT_EQ(opened.status, Status::Opened) << opened.message;
         EXPECT_EQ(opened.records.size(), records);
         EXPECT_EQ(opened.dictionary.value("loadStatus"), loadStatus);
         EXPECT_EQ(opened.missingPhotos(), loadStatus == "Failed to load photo(s)");
@@ -226,7 +223,7 @@ TEST(ProjectFile, HostileAndDamagedProjects) {
         EXPECT_EQ(opened.status, status);
         EXPECT_TRUE(opened.records.isEmpty() && opened.dictionary.isEmpty());
         EXPECT_TRUE(opened.message.startsWith(file) && opened.message.contains(reason))
-            << opened.message.toStdString();
+            << opened.message;
         SettingsStore settings = settingsWith();
         ProjectFile::loadSettings(opened, settings);
         EXPECT_EQ(settings.text("tfSsWebPageTitle"), settingsWith().text("tfSsWebPageTitle"));
