@@ -1,10 +1,12 @@
 // The main window: its tabs, one per output kind, its grid and its cells.
 #include <QAbstractItemView>
+#include <QAction>
 #include <QApplication>
 #include <QCheckBox>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QLabel>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QSettings>
 #include <QTabWidget>
@@ -75,6 +77,15 @@ TEST(Window, EveryKindHasItsTab) {
     resized.resize(700, 500);
     resized.close();
     EXPECT_EQ(MainWindow().size(), QSize(700, 500));
+
+    // About names the version the command line gives.
+    QString version;
+    ASSERT_EQ(orvella({"--version"}, &version), 0);
+    window.findChild<QAction*>("actionAbout")->trigger();
+    auto* about = window.findChild<QMessageBox*>("aboutBox");
+    ASSERT_TRUE(about);
+    EXPECT_EQ(about->text() + "\n", version);
+    about->close();
 
     // The slideshow keeps a way of moving between slides (each edit: tests/generators/slideshow).
     auto* autorun = tabs->widget(1)->findChild<QCheckBox*>("cbSsAutorun");
