@@ -92,7 +92,7 @@ test('without autorun the page stays on slide 1 and has no pause; buttons, keys 
     await page.done();
 });
 
-test('offline at both sizes: every image from the output folder, slides at their own aspect, the logo clear of the dots', async () => {
+test('offline at both sizes: every image from the output folder, slides at their own aspect, the logo clear of the dots, captions readable', async () => {
     for (const device of [laptop, phone]) {
         const page = await visit(shows.defaults, device);
         const seen = await page.evaluate(() => {
@@ -116,11 +116,7 @@ test('offline at both sizes: every image from the output folder, slides at their
         // The font stylesheet the page names is the one request that would leave the machine.
         assert.deepEqual(page.context().away.filter((u) => !u.startsWith('https://fonts.googleapis.com/css')), [], device.name);
         await page.done();
-    }
-});
-
-test('captions and the counter keep a contrast of 3:1 over a white and a black photo, light or dark', async () => {
-    for (const device of [laptop, phone]) {
+        // Captions and the counter keep a contrast of 3:1 over a white and a black photo, light or dark.
         for (const show of [shows.light, shows.dark]) {
             const page = await visit(show, device, true);
             for (const [slide, photo] of [[1, 'white'], [2, 'black']]) {
@@ -140,11 +136,8 @@ test('captions and the counter keep a contrast of 3:1 over a white and a black p
 
 test('the slider shows the first photo in a box of the exact size, then the later ones', async () => {
     const page = await visit(shows.slider);
-    const container = await page.$eval('.klSsSlideshow-container', (c) => {
-        const r = c.getBoundingClientRect();
-        return [r.width, r.height];
-    });
-    assert.deepEqual(container, [320, 200]);
+    const container = await page.locator('.klSsSlideshow-container').boundingBox();
+    assert.deepEqual([container.width, container.height], [320, 200]);
     // A slide is in view when it lies exactly on the container (a CSS animation: real time).
     const inView = (n) => page.waitForFunction((k) => {
         const c = document.querySelector('.klSsSlideshow-container').getBoundingClientRect();

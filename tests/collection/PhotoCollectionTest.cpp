@@ -1,7 +1,3 @@
-#include <gtest/gtest.h>
-
-#include <QDir>
-
 #include "collection/PhotoCollection.h"
 #include "metadata/MetaFixtures.h"
 

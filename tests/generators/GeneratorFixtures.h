@@ -3,8 +3,6 @@
 // What the generator test programs share.
 #include <gtest/gtest.h>
 
-#include <QUrl>
-
 #include "collection/PhotoCollection.h"
 #include "generators/common/GeneratorRun.h"
 #include "generators/common/RunManifest.h"

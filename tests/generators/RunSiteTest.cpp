@@ -1,5 +1,4 @@
 // What every kind's run shares, through the one run driver.
-#include <QFileInfo>
 #include <atomic>
 #include <thread>
 

@@ -2,13 +2,6 @@
 
 // Synthetic images for the imaging tests, made and read back with libvips.
 
-#include <gtest/gtest.h>
-
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
-#include <vips/vips8>
-
 #include "imaging/KLColorConversions.h"
 #include "imaging/KLImageHandling.h"
 #include "imaging/VipsRuntime.h"
@@ -70,9 +63,5 @@ inline bool isEmptyDir(const QString& dir) {
 }
 
 using metafixtures::tag;
-
-inline void tagArtist(const QString& path) {
-    tag(path, {"-Artist=Keldra", "-XMP-dc:Creator=Keldra"});
-}
 
 }  // namespace fixtures

@@ -34,10 +34,6 @@ void writeHeic(const QString& path, int width, int height, int thumbnailBox) {
     heif_context_free(context);
 }
 
-fixtures::Size pixelsOf(const Picture& picture) {
-    return {picture.data().pixels.width(), picture.data().pixels.height()};
-}
-
 }  // namespace
 
 // Decoded for a fraction of its size, a photo is shrunk by its reader where the format allows
@@ -71,19 +67,13 @@ TEST(ShrinkOnLoad, ReadersShrinkWhereTheyCan) {
         QString error;
         const Picture picture = PhotoDecoder::decode(path, scale, &error);
         ASSERT_FALSE(picture.isNull()) << error.toStdString();
-        const auto [w, h] = pixelsOf(picture);
+        const int w = picture.data().pixels.width(), h = picture.data().pixels.height();
         const int rounding = file.endsWith(".webp") ? 1 : 0;  // of the other side
         EXPECT_TRUE(w >= pixels.first && w <= pixels.first + rounding) << w;
         EXPECT_TRUE(h >= pixels.second && h <= pixels.second + rounding) << h;
         const PhotoHeader header = PhotoDecoder::header(path);
         EXPECT_EQ(fixtures::Size(picture.width(), picture.height()),
                   fixtures::Size(header.width, header.height));
-        // The derivative asked for comes out at its size, made from enough pixels.
-        KLImageHandling images;
-        const Picture made = images.resized(picture, int(std::ceil(header.width * scale)), 0);
-        ASSERT_FALSE(made.isNull());
-        EXPECT_EQ(pixelsOf(made), fixtures::Size(images.newImgW, images.newImgH));
-        EXPECT_TRUE(w >= images.newImgW && h >= images.newImgH);
     }
 }
 

@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include <exiv2/exiv2.hpp>
 
 #include "metadata/KLFileProperty.h"

@@ -6,7 +6,6 @@
 #include <QCoreApplication>
 #include <QCryptographicHash>
 #include <QFile>
-#include <QProcess>
 #include <QSet>
 #include <QUrl>
 

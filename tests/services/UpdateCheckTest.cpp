@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <QProcess>
-
 #include "services/cAppUpdater.h"
 #include "support/TestSupport.h"
 

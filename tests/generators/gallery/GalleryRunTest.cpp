@@ -2,8 +2,6 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
-#include <QDateTime>
-
 #include "generators/GeneratorFixtures.h"
 #include "generators/gallery/cResponsiveDesign.h"
 
@@ -103,7 +101,8 @@ TEST(GalleryRun, Derivatives) {
     const QStringList photos = {makePhoto(src, "a.png", 400, 300),
                                 makePhoto(src, "b.jpg", 300, 400),
                                 makePhoto(src, "c.tif", 300, 400)};
-    for (const QString& photo : photos) fixtures::tagArtist(photo);
+    for (const QString& photo : photos)
+        fixtures::tag(photo, {"-Artist=Keldra", "-XMP-dc:Creator=Keldra"});
     const QString none = "- -|- -|- -";
     const std::tuple<QString, QString, QString, QString> cases[] = {
         // Scale by width and by height: only the height step stays...

@@ -82,16 +82,13 @@ const QString kMagnifyTail =
 // The max-width breakpoints of the table model for the 4-column width list; thumbnail action 1
 // adds the height lines.
 QString tableBreakpoints(bool heights) {
-    const std::pair<const char*, const char*> steps[] = {{"6000px", "24.000000"},
-                                                         {"2000px", "24.000000"},
-                                                         {"1242px", "48.000000"},
-                                                         {"1000px", "49.999989"},
-                                                         {"750px", "49.999989"}};
+    const char* widths[] = {"6000px", "2000px", "1242px", "1000px", "750px"};
+    const char* shares[] = {"24.000000", "24.000000", "48.000000", "49.999989", "49.999989"};
     QString s;
-    for (const auto& [n, w] : steps) {
-        s += QString("@media only screen and (max-width: ") + n +
-             "){\n.klOVresponsive {\nwidth: " + w + "%;\n";
-        if (heights) s += QString(n == steps[0].first ? "" : "max-") + "height: " + w + "%;\n";
+    for (int i = 0; i < 5; ++i) {
+        s += QString("@media only screen and (max-width: ") + widths[i] +
+             "){\n.klOVresponsive {\nwidth: " + shares[i] + "%;\n";
+        if (heights) s += QString(i ? "max-" : "") + "height: " + shares[i] + "%;\n";
         s += "margin: 1% 0;\n}\n}\n";
     }
     return s + "@media only screen and (max-width: 640px){\n.klOVresponsive {\nwidth: 100%;\n" +
@@ -109,10 +106,6 @@ QString gridBreakpoints(std::array<int, 5> k) {
                  .arg(widths[i])
                  .arg(k[i]);
     return s;
-}
-
-GallerySettings settings(const QString& set) {
-    return cResponsiveDesign::readSettings(store(set), "/out/");
 }
 
 // A page of either model; %1 to %10 are the pieces where the two models differ.
@@ -261,7 +254,8 @@ TEST(GalleryPages, WholePageOfEachModel) {
     };
     for (const auto& [set, photo, name, css, pieces] : models) {
         const QList<PageFile> files =
-            cResponsiveDesign::pageTexts(settings(set), entries({photo}), {R"(<i> & "q")"});
+            cResponsiveDesign::pageTexts(cResponsiveDesign::readSettings(store(set), "/out/"),
+                                         entries({photo}), {R"(<i> & "q")"});
         ASSERT_EQ(files.size(), 3);
         EXPECT_TRUE(files[0].path == "KLcss/klGScss.css" && files[0].text.contains(css));
         EXPECT_EQ(files[1].path, name + ".html");
@@ -283,9 +277,9 @@ TEST(GalleryPages, WholePageOfEachModel) {
 // 13 photos at 12 a page: both pages have the navigation bar. (One page has none:
 // WholePageOfEachModel; moving between pages: tests/browser.)
 TEST(GalleryPages, NavigationBarOnEveryPage) {
-    const QList<PageFile> files =
-        cResponsiveDesign::pageTexts(settings("ifNumberOfColumns=4, ifNumberOfRows=3"),
-                                     entries(QStringList(13, "/p/t.png")), {});
+    const QList<PageFile> files = cResponsiveDesign::pageTexts(
+        cResponsiveDesign::readSettings(store("ifNumberOfColumns=4, ifNumberOfRows=3"), "/"),
+        entries(QStringList(13, "/p/t.png")), {});
     ASSERT_EQ(files.size(), 4);
     for (const int page : {1, 2})
         EXPECT_TRUE(files[page].text.contains(

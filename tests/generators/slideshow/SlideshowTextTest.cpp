@@ -79,14 +79,8 @@ const QString kManualScript = "<script>|var slideIndex = 1;|showSlides(slideInde
 
 // Without dots: no dots lines, and the display line alone where the dots group stood.
 QString withoutDots(QString script) {
-    const QString display = R"(slides[slideIndex-1].style.display = "block";|)";
-    for (const char* active : {"klSsActive", " klSsActive"})
-        script.replace(R"(for (i = 0; i < dots.length; i++) {|dots[i].className = )"
-                       R"(dots[i].className.replace(")" +
-                           QString(active) + R"(", "");|}|)" + display +
-                           R"(dots[slideIndex-1].className += " klSsActive";|)",
-                       display);
-    return script.remove(R"(var dots = document.getElementsByClassName("klSsDot");|)");
+    return script.remove(QRegularExpression(R"(var dots = .*?\||for \(i = 0; i < dots.*?\|}\||)"
+                                            R"(dots\[slideIndex-1\].*?\|)"));
 }
 
 const char* const kClassicCss =
