@@ -15,13 +15,13 @@ static vips::VImage gradient(bool alpha = false) {
 // returns the copy.
 static vips::VImage applied(const vips::VImage& image, const QString& code, float value = NAN) {
     static int calls = 0;
-    const QString dir = testsupport::freshDir(QStringLiteral("fx-%1").arg(++calls));
+    const QString dir = testsupport::freshDir(QString("fx-%1").arg(++calls));
     fixtures::save(image, dir + "a.png");
     QDir().mkpath(dir + "out");
     KLColorConversions colours;
     std::isnan(value) ? colours.convertColorTo(dir + "a.png", dir + "out/", code)
                       : colours.enhanceColorTo(dir + "a.png", dir + "out/", code, value);
-    EXPECT_TRUE(colours.lastWritten) << code.toStdString();
+    EXPECT_TRUE(colours.lastWritten) << code;
     return fixtures::load(dir + "out/a.png");
 }
 
@@ -30,14 +30,13 @@ static vips::VImage applied(const vips::VImage& image, const QString& code, floa
 TEST(Effects, GreyEqualChannelsSepiaWarmsGreyInvertTwiceIsTheIdentity) {
     for (const QString code : {"0", "1"}) {
         const vips::VImage grey = applied(gradient(), code);
-        EXPECT_EQ((grey[0] - grey[1]).abs().max() + (grey[1] - grey[2]).abs().max(), 0)
-            << code.toStdString();
+        EXPECT_EQ((grey[0] - grey[1]).abs().max() + (grey[1] - grey[2]).abs().max(), 0) << code;
     }
     double spread = 0;
     for (const QString code : {"2", "3", "4"}) {
         const Pixel px = applied(fixtures::solid(32, 32, {128, 128, 128}), code).getpoint(16, 16);
-        EXPECT_TRUE(px[0] > px[1] && px[1] > px[2]) << code.toStdString();
-        EXPECT_GT(px[0] - px[2], spread) << code.toStdString();
+        EXPECT_TRUE(px[0] > px[1] && px[1] > px[2]) << code;
+        EXPECT_GT(px[0] - px[2], spread) << code;
         spread = px[0] - px[2];
     }
     const vips::VImage once = applied(gradient(true), "6");
@@ -105,8 +104,7 @@ TEST(Effects, CopiesAreWrittenByTheExactExtension) {
     for (const auto& [name, loader] : cases) {
         fixtures::save(fixtures::solid(30, 20, {128, 128, 128}), dir + name);
         EXPECT_EQ(KLColorConversions().convertColorTo(dir + name, out, "3"), "OK");
-        EXPECT_EQ(QFile::exists(out + name) ? fixtures::loader(out + name) : "", loader)
-            << name.toStdString();
+        EXPECT_EQ(QFile::exists(out + name) ? fixtures::loader(out + name) : "", loader) << name;
         EXPECT_TRUE(loader != "jpegload" ||
                     testsupport::exiftool(out + name, "JPEGQualityEstimate").toInt() >= 98);
     }

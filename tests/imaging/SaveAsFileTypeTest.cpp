@@ -15,8 +15,8 @@ TEST(SaveAs, EveryFormatWritesAFileItsReaderAccepts) {
         {"png", "pngload"},   {"tiff", "tiffload"}, {"bmp", "magickload"}, {"gif", "gifload"},
         {"jpeg", "jpegload"}, {"jp2", "jp2kload"},  {"pdf", "pdfload"}};
     for (const auto& [format, loader] : cases) {
-        SCOPED_TRACE(format.toStdString());
-        const QString dir = testsupport::freshDir(QStringLiteral("saveas-") + format);
+        SCOPED_TRACE(format);
+        const QString dir = testsupport::freshDir(QString("saveas-") + format);
         QDir().mkpath(dir + "out");
         const QString work = workingJpeg(dir + "my.photo.jpg");
         const SaveAsResult r = KLImageHandling::hSaveAsFileType(work, format, "5", dir + "out/");
@@ -67,7 +67,7 @@ TEST(SaveAs, TransparentPixelsOnWhiteWithoutAlpha) {
         if (format == "png")
             EXPECT_EQ(left.size() == 4 ? left[3] : -1, 0);
         else
-            EXPECT_TRUE(left[0] > 245 && left[1] > 245 && left[2] > 245) << format.toStdString();
-        EXPECT_GT(fixtures::pixel(out, 50, 20)[0], 180) << format.toStdString();
+            EXPECT_TRUE(left[0] > 245 && left[1] > 245 && left[2] > 245) << format;
+        EXPECT_GT(fixtures::pixel(out, 50, 20)[0], 180) << format;
     }
 }

@@ -62,11 +62,11 @@ TEST(ShrinkOnLoad, ReadersShrinkWhereTheyCan) {
         {"plain.heic", 0.1, {800, 600}},
         {"turned.jpg", 0.25, {200, 400}}};  // needs 100 x 200: shrink 2
     for (const auto& [file, scale, pixels] : cases) {
-        SCOPED_TRACE(testing::Message() << file.toStdString() << " at " << scale);
+        SCOPED_TRACE(testing::Message() << file << " at " << scale);
         const QString path = dir + file;
         QString error;
         const Picture picture = PhotoDecoder::decode(path, scale, &error);
-        ASSERT_FALSE(picture.isNull()) << error.toStdString();
+        ASSERT_FALSE(picture.isNull()) << error;
         const int w = picture.data().pixels.width(), h = picture.data().pixels.height();
         const int rounding = file.endsWith(".webp") ? 1 : 0;  // of the other side
         EXPECT_TRUE(w >= pixels.first && w <= pixels.first + rounding) << w;

@@ -43,7 +43,7 @@ TEST(Upright, CmykSixteenBitAndPaletteGiveSrgb) {
     red.write_to_file((dir + "palette.png").toUtf8(), vips::VImage::option()->set("palette", true));
     red.icc_transform("cmyk").write_to_file((dir + "cmyk.jpg").toUtf8());
     for (const QString name : {"deep.png", "palette.png", "cmyk.jpg"}) {
-        SCOPED_TRACE(name.toStdString());
+        SCOPED_TRACE(name);
         ASSERT_EQ(KLImageHandling().hHandleImages("20", "10", dir + name, out, name + ".jpeg"),
                   "OK");
         const vips::VImage image = fixtures::load(out + name + ".jpeg");

@@ -12,13 +12,13 @@ constexpr double kGrey = 128;
 // A white full block, which fills its ink box: inside it the stamp covers every pixel completely.
 WatermarkSettings blockText(int size = 40) {
     WatermarkSettings s;
-    s.text = QStringLiteral("\u2588");
-    s.font = QStringLiteral("DejaVu Sans");
+    s.text = QString("\u2588");
+    s.font = QString("DejaVu Sans");
     s.fontSize = size;
     return s;
 }
 
-QString greyPhoto(const QString& dir, const QString& name = QStringLiteral("grey.png")) {
+QString greyPhoto(const QString& dir, const QString& name = QString("grey.png")) {
     fixtures::save(fixtures::solid(W, H, {kGrey, kGrey, kGrey}), dir + name);
     return dir + name;
 }
@@ -27,7 +27,7 @@ QString greyPhoto(const QString& dir, const QString& name = QStringLiteral("grey
 // returns the copy.
 QString stamp(const WatermarkSettings& s, const QString& photo, bool image = false) {
     static int calls = 0;
-    const QString out = testsupport::freshDir(QStringLiteral("watermark/out%1").arg(++calls));
+    const QString out = testsupport::freshDir(QString("watermark/out%1").arg(++calls));
     EXPECT_EQ(image ? KLWatermark(s).setWatermarkImage(photo, out)
                     : KLWatermark(s).setWatermarkText(photo, out),
               "OK");
@@ -119,7 +119,7 @@ TEST(Watermark, OpacityOfTheTextAndItsShadow) {
 TEST(Watermark, SizeZeroIsTwentyFourAndNoChosenFontIsTheSecondOfTheList) {
     const QString photo = greyPhoto(testsupport::freshDir("watermark/fonts"));
     WatermarkSettings s = blockText();
-    s.text = QStringLiteral("Orvella Qg");
+    s.text = QString("Orvella Qg");
     s.fontList = {"DejaVu Serif", "DejaVu Sans Mono"};
     const auto stamped = [&](int size, const QString& font) {
         std::tie(s.fontSize, s.font) = std::tuple(size, font);
@@ -177,7 +177,7 @@ TEST(Watermark, StatusesFormatsMetadataAndOriginals) {
         {"turned.jpg", "OK", "jpegload"},    {"f.webp", "OK", "jpegload"},  // as f.jpeg
         {"layers.psd", "Not Supported", ""}, {"notes.jpg", "NOK", ""}};
     for (const auto& [name, status, loader] : cases) {
-        SCOPED_TRACE(name.toStdString());
+        SCOPED_TRACE(name);
         EXPECT_EQ(KLWatermark(blockText()).setWatermarkText(dir + name, out), status);
         WatermarkSettings image;
         image.imagePath = dir + "c.png";
@@ -188,7 +188,7 @@ TEST(Watermark, StatusesFormatsMetadataAndOriginals) {
     }
     // JPEG and TIFF keep their metadata, the profile stays, the photo is stamped upright.
     for (const QString name : {"a.jpg", "b.tif", "p3.jpg"})
-        EXPECT_EQ(testsupport::exiftool(out + name, "UserComment"), "Kept") << name.toStdString();
+        EXPECT_EQ(testsupport::exiftool(out + name, "UserComment"), "Kept") << name;
     EXPECT_EQ(testsupport::exiftool(out + "p3.jpg", "ProfileDescription"),
               testsupport::exiftool(dir + "p3.jpg", "ProfileDescription"));
     EXPECT_FALSE(testsupport::exiftool(dir + "p3.jpg", "ProfileDescription").isEmpty());

@@ -61,7 +61,7 @@ TEST(MetaWriter, BadFilesReadEmptyAndAreNeverWritten) {
     QDir().mkpath(dir + "x.jpg");
     for (const QString name :
          {"zero.jpg", "header-only.jpg", "random.jpg", "x.jpg", "missing.jpg"}) {
-        SCOPED_TRACE(name.toStdString());
+        SCOPED_TRACE(name);
         const QString file = dir + name;
         const QByteArray before = readFile(file);
         mMeta meta;

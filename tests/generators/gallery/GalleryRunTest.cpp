@@ -121,7 +121,7 @@ TEST(GalleryRun, Derivatives) {
          "- -|Keldra Keldra|Keldra -"},
     };
     for (const auto& [set, thumbs, bigs, metadata] : cases) {
-        SCOPED_TRACE(set.toStdString());
+        SCOPED_TRACE(set);
         const QString dir = derive(photos, kSmall + set);
         for (const auto& [folder, sizes] :
              {std::pair{"KLimages_s/", thumbs}, {"KLimages_b/", bigs}}) {
@@ -140,9 +140,9 @@ TEST(GalleryRun, Derivatives) {
     }
 }
 
-// A thumbnail is a plain crop of the photo at the chosen position and shift, scaled to the box; the
-// larger big image is twice the big one, up to the photo's own size.
-TEST(GalleryRun, ThumbnailsArePlainCropsAndTheLargerBigImageDoublesTheBigOne) {
+// A thumbnail is a plain crop of the photo at the chosen position and shift, scaled to the box.
+// (The larger big image, at the screen's pixels: tests/browser.)
+TEST(GalleryRun, ThumbnailsArePlainCrops) {
     const QString photo = cameraPhotos(1).first();
     const vips::VImage source = fixtures::load(photo);
     const int W = source.width(), H = source.height();
@@ -168,19 +168,14 @@ TEST(GalleryRun, ThumbnailsArePlainCropsAndTheLargerBigImageDoublesTheBigOne) {
                               at(H - boxH, position / 3, shiftY), boxW, boxH)
                 .resize(double(cw) / boxW,
                         vips::VImage::option()->set("vscale", double(ch) / boxH));
-        const QString base = QFileInfo(photo).completeBaseName();
-        const vips::VImage thumb = fixtures::load(dir + "KLimages_s/" + base + ".jpeg");
+        const vips::VImage thumb =
+            fixtures::load(dir + "KLimages_s/" + QFileInfo(photo).completeBaseName() + ".jpeg");
         ASSERT_EQ(fixtures::Size(thumb.width(), thumb.height()), fixtures::Size(cw, ch));
         EXPECT_LT((thumb.cast(VIPS_FORMAT_FLOAT) -
                    expected.extract_area(0, 0, cw, ch).cast(VIPS_FORMAT_FLOAT))
                       .abs()
                       .avg(),
                   4.0);
-        const fixtures::Size big = fixtures::sizeOf(dir + "KLimages_b/" + base + ".jpeg");
-        const fixtures::Size large = fixtures::sizeOf(dir + "KLimages_b2x/" + base + ".jpeg");
-        // Within a pixel: the big image's side is truncated.
-        EXPECT_NEAR(large.first, std::min(2 * big.first, W), 1);
-        EXPECT_NEAR(large.second, std::min(2 * big.second, H), 1);
     }
 }
 

@@ -100,7 +100,7 @@ QString gridBreakpoints(std::array<int, 5> k) {
     const char* widths[] = {"400px", "700px", "1000px", "1300px", "1600px"};
     QString s;
     for (int i = 0; i < 5; ++i)
-        s += QStringLiteral(
+        s += QString(
                  "@media (min-width: %1) {\n.klOVimages { grid-template-columns: "
                  "repeat(%2, 1fr); }}\n\n")
                  .arg(widths[i])
