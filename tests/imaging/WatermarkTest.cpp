@@ -75,8 +75,7 @@ TEST(Watermark, TextLandsOnTheGridAndTheOffsetsTurnWithTheAngle) {
     for (const auto& [position, dx, dy, left, top] : cases) {
         const Box box = boxAt(position, dx, dy, 0);
         EXPECT_EQ(std::tuple(box.left, box.top, box.width(), box.height()),
-                  std::tuple(left, top, tw, th))
-            << position;
+                  std::tuple(left, top, tw, th));
     }
     // Turned by 30 degrees: a larger box, which dx = 10 moves 10 down and dy = 10 moves 10 right
     // (up and left when turned by -30). Rows: dx, dy, angle: right, down.

@@ -94,7 +94,6 @@ void publishesIncrementally(const QString& dir, const QString& destination, cons
     EXPECT_TRUE(run.out.contains("the server holds the whole site")) << run.out;
 
     run = publish(verbose, home);
-    EXPECT_EQ(run.lines("sent"), QStringList());
     EXPECT_TRUE(run.out.contains(": 0 sent, 0 removed")) << run.out;
     EXPECT_TRUE(publish({site, "--list"}, home).out.contains("\tcomplete\t"));
 

@@ -92,7 +92,6 @@ TEST(Bookmarks, ResolveOnlyWhatStillExists) {
     for (const QString& path : {folder, file}) {
         SCOPED_TRACE(path);
         const QByteArray bookmark = KLbookmarks::bookmarkForURL(QUrl::fromLocalFile(path));
-        ASSERT_FALSE(bookmark.isEmpty());
         const QString text = cNSStringHandling::hConvertNSdToNSstr(bookmark);
         EXPECT_FALSE(text.contains(u'\''));
         EXPECT_EQ(KLbookmarks::urlForBookmark(cNSStringHandling::hConvertNSstrToNSd(text)),
