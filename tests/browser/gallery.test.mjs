@@ -11,7 +11,6 @@ import {
 
 const ODD = ['a#b', 'what?', '100%', 'two words', 'semi;colon', 'Ünïcødé', 'amp&er', 'plain-name_1'];
 const site = {};  // page files
-const own = {};   // the widths of the real photographs, by name
 
 before(() => {
     const root = freshDir('gallery');
@@ -26,7 +25,6 @@ before(() => {
     const real = fs.readdirSync(nature).filter((n) => n.endsWith('.jpg')).sort().map((name, i) => {
         const file = path.join(root, name);
         fs.copyFileSync(path.join(nature, name), file);
-        own[name.replace(/\.jpg$/, '')] = Number(execFileSync('vipsheader', ['-f', 'width', file]));
         execFileSync(process.env.ORVELLA_BINARY, ['meta', 'set-comment', file, i === 1
             ? 'A longer caption that has to wrap over more than one line when the cell is narrow' : `Photo ${i + 1}`]);
         return { file };
@@ -165,7 +163,7 @@ onScreens((mode) => {
 
         const requested = [];
         page.on('request', (r) => requested.push(decodeURIComponent(r.url())));
-        await expectLightbox(page, mode, { link: '.klOVimg a >> nth=2', big: big('Dune'), width: own.Dune, counter: '3 / 12' });
+        await expectLightbox(page, mode, { link: '.klOVimg a >> nth=2', big: big('Dune'), width: 1680, counter: '3 / 12' });
         for (const name of ['Blinds', 'FreshFlower']) {  // the photos before and after
             assert.ok(requested.some((url) => new RegExp(`KLimages_b(2x)?/${name}\\.jpeg$`).test(url)), name);
         }

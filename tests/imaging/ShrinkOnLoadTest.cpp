@@ -5,9 +5,9 @@
 
 namespace {
 
-// A HEIC of the coordinates picture with a thumbnail of `thumbnailBox` pixels on its longest side
-// (none for 0), written through libheif (libvips writes no thumbnails).
-void writeHeic(const QString& path, int width, int height, int thumbnailBox) {
+// A HEIC of the coordinates picture with a thumbnail of 160 pixels on its longest side, written
+// through libheif (libvips writes no thumbnails).
+void writeHeicWithThumbnail(const QString& path, int width, int height) {
     const vips::VImage pixels = fixtures::coordinates(width, height).copy_memory();
     heif_context* context = heif_context_alloc();
     heif_encoder* encoder = nullptr;
@@ -23,9 +23,7 @@ void writeHeic(const QString& path, int width, int height, int thumbnailBox) {
     for (int y = 0; y < height; ++y) memcpy(plane + y * stride, data + y * width * 3, width * 3);
     heif_image_handle* handle = nullptr;
     heif_context_encode_image(context, image, encoder, nullptr, &handle);
-    if (thumbnailBox > 0)
-        heif_context_encode_thumbnail(context, image, handle, encoder, nullptr, thumbnailBox,
-                                      nullptr);
+    heif_context_encode_thumbnail(context, image, handle, encoder, nullptr, 160, nullptr);
     EXPECT_EQ(heif_context_write_to_file(context, QFile::encodeName(path).constData()).code,
               heif_error_Ok);
     heif_image_handle_release(handle);
@@ -46,8 +44,8 @@ TEST(ShrinkOnLoad, ReadersShrinkWhereTheyCan) {
     fixtures::save(fixtures::coordinates(800, 600), dir + "photo.jpg");
     fixtures::save(fixtures::coordinates(800, 600), dir + "photo.png");
     fixtures::save(fixtures::coordinates(1001, 751), dir + "odd.webp");
-    writeHeic(dir + "thumb.heic", 800, 600, 160);
-    writeHeic(dir + "plain.heic", 800, 600, 0);
+    writeHeicWithThumbnail(dir + "thumb.heic", 800, 600);
+    fixtures::save(fixtures::coordinates(800, 600), dir + "plain.heic");
     fixtures::save(fixtures::coordinates(800, 400), dir + "turned.jpg");
     fixtures::tag(dir + "turned.jpg", {"-Orientation#=6"});
     const std::tuple<QString, double, fixtures::Size> cases[] = {
@@ -80,8 +78,7 @@ TEST(ShrinkOnLoad, ReadersShrinkWhereTheyCan) {
 // While a run remembers the headers of its photos they are not read again: a photo replaced in
 // the meantime still answers with the header read first, until the run forgets them.
 TEST(ShrinkOnLoad, RememberedHeadersAnswerUntilForgotten) {
-    const QString dir = testsupport::freshDir("remembered-headers");
-    const QString path = dir + "photo.jpg";
+    const QString path = testsupport::freshDir("remembered-headers") + "photo.jpg";
     fixtures::save(fixtures::solid(60, 40, {10, 20, 30}), path);
     int width = 0, height = 0;
     {

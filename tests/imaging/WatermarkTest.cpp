@@ -5,8 +5,7 @@ using fixtures::Pixel;
 
 namespace {
 
-constexpr int W = 400;
-constexpr int H = 300;
+constexpr int W = 400, H = 300;
 constexpr double kGrey = 128;
 
 // A white full block, which fills its ink box: inside it the stamp covers every pixel completely.

@@ -107,7 +107,6 @@ QString cells(const QString& list) {
 // Pattern off and hover off: nothing between the container and the pattern box; hover alone: the
 // hover rules and a stray "}"; the pattern follows the container rules or the hover rules.
 TEST(GridCss, WholeTextForEachPatternAndHover) {
-    const QString rest = text(kRest).arg("300", "225");
     const std::tuple<int, int, QString> cases[] = {
         {0, 0, ""},
         {0, 1, text(kHover) + "}\n"},
@@ -116,7 +115,7 @@ TEST(GridCss, WholeTextForEachPatternAndHover) {
     };
     for (const auto& [pattern, hover, middle] : cases)
         EXPECT_TEXT(GridCss::hCreateResponsiveGridCss(sampleArgs(pattern, hover)),
-                    (text(kHead) + middle + rest))
+                    text(kHead) + middle + text(kRest).arg("300", "225"))
             << "pattern " << pattern << ", hover " << hover;
 }
 
