@@ -175,10 +175,8 @@ TEST(GalleryCss, EachBranchChangesItsPiece) {
     };
     for (const auto& [grid, pattern, magnify, action, border, present, absent] : cases) {
         GalleryCssArgs a = sampleArgs();
-        a.patternOn = pattern;
-        a.magnifyOnHover = magnify;
-        a.thumbnailAction = action;
-        a.thumbnailBorderThickness = border;
+        std::tie(a.patternOn, a.magnifyOnHover, a.thumbnailAction, a.thumbnailBorderThickness) =
+            std::tie(pattern, magnify, action, border);
         const QString css = grid ? GalleryCss::hCreateCssGridMod2(a, 4) : GalleryCss::hCreateCss(a);
         EXPECT_TRUE(css.contains(text(present))) << present;
         EXPECT_FALSE(absent && css.contains(absent)) << present;

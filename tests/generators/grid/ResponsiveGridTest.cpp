@@ -124,7 +124,8 @@ TEST(GridCss, WholeTextForEachPatternAndHover) {
 TEST(GridCss, ValuesFromTheSettings) {
     const std::tuple<QString, const char*, const char*, const char*> cases[] = {
         {"tfRGMaxColumns=7, tfNSColorWellObjRGLightboxBgColor=800040, "
-         "sliderLightboxRGBgColorOpacity=37, cbMagnifyHooverEffect=1",
+         "sliderLightboxRGBgColorOpacity=37, cbMagnifyHooverEffect=1, cbRgShowPatternImage=1, "
+         "tfRgPatternPath=/p/my dots#1.png",
          "171", "128", "rgba(128.000000,0.000000,64.000000,0.37);"},
         {"tfRGMaxColumns= 1 , sliderLightboxRGBgColorOpacity=100", "1200", "900",
          "rgba(30.000000,30.000000,30.000000,1);"},
@@ -140,12 +141,9 @@ TEST(GridCss, ValuesFromTheSettings) {
             << set;
         EXPECT_TRUE(css.contains(QString("background-color: ") + lightbox)) << set;
         EXPECT_EQ(css.contains("img:hover"), set.contains("Hoover")) << set;
+        EXPECT_EQ(css.contains("background-image: url(../KLovPatterns/my%20dots%231.png);\n"),
+                  set.contains("dots"));
     }
-
-    GridCssArgs args = sampleArgs(1, 0);
-    args.patternFileName = "my dots#1.png";
-    EXPECT_TRUE(GridCss::hCreateResponsiveGridCss(args).contains(
-        "background-image: url(../KLovPatterns/my%20dots%231.png);\n"));
 }
 
 // Title, description and captions on (the title and captions escaped, the description as it
