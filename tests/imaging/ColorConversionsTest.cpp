@@ -44,7 +44,10 @@ TEST(Effects, GreyEqualChannelsSepiaWarmsGreyInvertTwiceIsTheIdentity) {
     EXPECT_EQ((applied(once, "11") - gradient(true)).abs().max(), 0);
 }
 
-TEST(Enhance, ExposureOfOneStopDoublesLinearLight) {
+// Exposure of one stop doubles linear light. Pixellate cells of 20 start at the centre, 150:
+// [150, 170) and [10, 30) are cells, [140, 160) is not. A cell holds the mean of its pixels: red
+// 0.75 x (150..169) averages 119.6.
+TEST(Enhance, ExposureDoublesLinearLightPixellateCellsAlignOnTheCentre) {
     const Pixel in{60, 90, 120};
     const Pixel out = applied(fixtures::solid(16, 16, in), "1", 1.0f).getpoint(8, 8);
     auto linear = [](double v) {
@@ -53,19 +56,14 @@ TEST(Enhance, ExposureOfOneStopDoublesLinearLight) {
     };
     for (int band = 0; band < 3; ++band)
         EXPECT_NEAR(linear(out[band]) / linear(in[band]), 2.0, 0.04) << band;
-}
-
-// Cells of 20 start at the centre, 150: [150, 170) and [10, 30) are cells, [140, 160) is not. A
-// cell holds the mean of its pixels: red 0.75 x (150..169) averages 119.6.
-TEST(Enhance, PixellateCellsAreConstantAndAlignedOnTheCentre) {
-    const vips::VImage out = applied(gradient(), "6", 20.0f);
+    const vips::VImage cells = applied(gradient(), "6", 20.0f);
     auto constant = [&](int x, int y) {
-        const vips::VImage cell = out.extract_area(x, y, 20, 20);
+        const vips::VImage cell = cells.extract_area(x, y, 20, 20);
         return (cell - cell.getpoint(0, 0)).abs().max() == 0;
     };
     EXPECT_TRUE(constant(150, 150) && constant(10, 10));
     EXPECT_FALSE(constant(140, 150) || constant(150, 140));
-    EXPECT_NEAR(out.getpoint(155, 155)[0], 119.6, 1);
+    EXPECT_NEAR(cells.getpoint(155, 155)[0], 119.6, 1);
 }
 
 // Kept on purpose: an unknown code runs the object's previous filter on its old photo, for

@@ -11,9 +11,7 @@ void writeHeicWithThumbnail(const QString& path, int width, int height) {
     const vips::VImage pixels = fixtures::coordinates(width, height).copy_memory();
     heif_context* context = heif_context_alloc();
     heif_encoder* encoder = nullptr;
-    ASSERT_EQ(heif_context_get_encoder_for_format(context, heif_compression_HEVC, &encoder).code,
-              heif_error_Ok);
-    heif_encoder_set_lossy_quality(encoder, 90);
+    heif_context_get_encoder_for_format(context, heif_compression_HEVC, &encoder);
     heif_image* image = nullptr;
     heif_image_create(width, height, heif_colorspace_RGB, heif_chroma_interleaved_RGB, &image);
     heif_image_add_plane(image, heif_channel_interleaved, width, height, 8);

@@ -17,7 +17,7 @@
 using testsupport::readFile;
 using testsupport::writeFile;
 
-TEST(StringHandling, SplitKeepsEveryEmptyPartAndBase64) {
+TEST(Texts, SplitKeepsEveryEmptyPartBase64AndLeadingNumbers) {
     const std::pair<QString, QStringList> cases[] = {
         {"a;b;", {"a", "b", ""}}, {";a;;b", {"", "a", "", "b"}}, {"", {""}}};
     for (const auto& [text, parts] : cases)
@@ -26,6 +26,11 @@ TEST(StringHandling, SplitKeepsEveryEmptyPartAndBase64) {
     EXPECT_EQ(cNSStringHandling::hConvertNSdToNSstr("Orvella"), "T3J2ZWxsYQ==");
     for (const QString bad : {"T3J2*ZWxsYQ==", "T3J2\nZWxsYQ==", "not base64!"})
         EXPECT_TRUE(cNSStringHandling::hConvertNSstrToNSd(bad).isEmpty()) << bad;
+    const std::pair<QString, int> numbers[] = {
+        {"12", 12}, {"  -7px", -7},          {"+3", 3}, {"", 0}, {"abc", 0},
+        {"3.9", 3}, {"99999999999", INT_MAX}};
+    for (const auto& [text, value] : numbers) EXPECT_EQ(TextValues::intValue(text), value) << text;
+    EXPECT_DOUBLE_EQ(TextValues::doubleValue(" -1.5e1x"), -15.0);
 }
 
 TEST(ToolBox, PercentEncodesExactlyFourCharacters) {
@@ -35,14 +40,6 @@ TEST(ToolBox, PercentEncodesExactlyFourCharacters) {
     cToolBox(ui).hShowURL2("file:///tmp/My Site/R&D+1/index.html");
     EXPECT_EQ(ui.opened, QStringList{"file:///tmp/My Site/R%26D%2B1/index.html"});
     EXPECT_EQ(cToolBox::hNSStrToUrl("file:///tmp/a?b.html").toLocalFile(), "/tmp/a?b.html");
-}
-
-TEST(TextValues, ReadsTheLeadingNumberLikeATextField) {
-    const std::pair<QString, int> cases[] = {
-        {"12", 12}, {"  -7px", -7},          {"+3", 3}, {"", 0}, {"abc", 0},
-        {"3.9", 3}, {"99999999999", INT_MAX}};
-    for (const auto& [text, value] : cases) EXPECT_EQ(TextValues::intValue(text), value) << text;
-    EXPECT_DOUBLE_EQ(TextValues::doubleValue(" -1.5e1x"), -15.0);
 }
 
 // Folders report OK, EXISTS or FAILED; text files are replaced whole in UTF-8 (never into a

@@ -183,7 +183,7 @@ TEST(GalleryCss, EachBranchChangesItsPiece) {
     }
 }
 
-TEST(GalleryCss, ColumnsSetWidthsAndGridBreakpoints) {
+TEST(GalleryCss, ValuesFromTheSettings) {
     const std::vector<std::pair<std::vector<int>, QString>> widths = {
         {{1, 2, 3}, "24.999990 49.999981 49.999989 49.999989 100"},
         {{4}, "24.000000 48.000000 49.999989 49.999989 100"},
@@ -197,11 +197,9 @@ TEST(GalleryCss, ColumnsSetWidthsAndGridBreakpoints) {
         EXPECT_TRUE(
             GalleryCss::hCreateCssGridMod2(sampleArgs(), columns).contains(gridBreakpoints(k)))
             << columns;
-}
-
-// The font line of each family (Trirong for any other), the weights of the popups' titles, and the
-// file-name weight "Bold" tested against the mapped heading weight: always 900, kept on purpose.
-TEST(GalleryCss, FontLinesAndWeights) {
+    // The font line of each family (Trirong for any other), the weights of the popups' titles,
+    // and the file-name weight "Bold" tested against the mapped heading weight: always 900, kept
+    // on purpose.
     for (const char* family : {"Catamaran", "Exo", "Libre Franklin", "Raleway", "Rubik", "Taviraj"})
         EXPECT_EQ(cCssCreate::fontLine(family),
                   QString("font-family: '%1', sans-serif;\n").arg(family));
@@ -288,14 +286,13 @@ TEST(GalleryPages, NavigationBarOnEveryPage) {
             << page;
 }
 
-// What stops a run before anything is written (the photos' own refusals are the run driver's),
-// and the warnings it goes on with.
+// What stops a run before anything is written (the photos' own refusals are the run driver's, a
+// page name that leaves the folder: tests/cli), and the warnings it goes on with.
 TEST(GalleryPages, RefusalsAndWarnings) {
     const std::tuple<QString, int, QString> cases[] = {
         {"", 1, ""},
         {"ifNumberOfColumns=0", 1, "stops Sorry, the page layout is not possible."},
         {"ifNumberOfRows=0", 1, "stops Sorry, the page layout is not possible."},
-        {"tfHTMLfileName=../up", 1, "stops Sorry, the page name is not possible."},
         {"tfSmallCropWidth=200, tfSmallCropHeight=150, tfBigCropWidth=200, tfBigCropHeight=100", 1,
          "Sorry, some wrong properties|\r- Lightbox images are smaller than your thumbnails. "
          "(Thumbnail size: 200)"},
