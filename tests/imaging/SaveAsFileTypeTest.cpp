@@ -40,8 +40,9 @@ TEST(SaveAs, EveryFormatWritesAFileItsReaderAccepts) {
     EXPECT_EQ(fixtures::sizeOf(dir + "b.png"), fixtures::Size(50, 40));
 }
 
-// "1".."8" are tenths of JPEG quality, "9" and anything else 0.9.
-TEST(SaveAs, CompressionTitlesSetTheJpegQuality) {
+// "1".."8" are tenths of JPEG quality, "9" and anything else 0.9. Transparent pixels go onto white
+// where the format has no alpha, and stay transparent in PNG.
+TEST(SaveAs, JpegQualityFromTheTitleTransparentPixelsOnWhiteWithoutAlpha) {
     const QString dir = testsupport::freshDir("saveas-quality");
     for (const auto& [title, quality] :
          {std::pair{"2", 20}, {"8", 80}, {"9", 90}, {"", 90}, {"x", 90}}) {
@@ -51,11 +52,6 @@ TEST(SaveAs, CompressionTitlesSetTheJpegQuality) {
         EXPECT_EQ(testsupport::exiftool(out + "a.jpeg", "JPEGQualityEstimate").toInt(), quality)
             << title;
     }
-}
-
-// Transparent pixels go onto white where the format has no alpha, and stay transparent in PNG.
-TEST(SaveAs, TransparentPixelsOnWhiteWithoutAlpha) {
-    const QString dir = testsupport::freshDir("transparent");
     const vips::VImage alpha = (vips::VImage::xyz(60, 40)[0] >= 30).ifthenelse(255, 0);
     for (const QString format : {"jpeg", "bmp", "png"}) {
         fixtures::save(fixtures::srgb(fixtures::solid(60, 40, {200, 30, 30}).bandjoin(alpha)),
