@@ -50,14 +50,13 @@ const state = (page) => page.evaluate(() => {
     };
 });
 
-test('autorun: the interval, keys, buttons and dots, a move that starts the interval again, pause', async () => {
+test('autorun: the interval, keys, buttons and dots, a move that starts the interval again, pause; without it, no pause and slide 1 stays', async () => {
     const page = await visit(shows.autorun, laptop, true);
     assert.deepEqual(await state(page), { shown: '1', counter: '1 / 4', caption: 'photo01', dots: '1' });
-    const inside = await page.$eval('.klSsSlides', (slide) => {
+    assert.ok(await page.$eval('.klSsSlides', (slide) => {
         const [s, c] = [slide, slide.querySelector('.klSsText')].map((e) => e.getBoundingClientRect());
         return c.height > 0 && c.top >= s.top && c.bottom <= s.bottom;
-    });
-    assert.ok(inside, 'the caption lies inside the shown slide');
+    }), 'the caption lies inside the shown slide');
     await page.clock.runFor(1000);
     assert.deepEqual(await state(page), { shown: '2', counter: '2 / 4', caption: 'photo02', dots: '2' });
     // Half an interval in, a move: its slide holds for 0.9 s and the next one comes by 1.1 s.
@@ -78,21 +77,19 @@ test('autorun: the interval, keys, buttons and dots, a move that starts the inte
         assert.deepEqual([(await state(page)).shown, await pause.getAttribute('aria-label')], [slide, label]);
     }
     await page.done();
-});
-
-test('without autorun the page stays on slide 1 and has no pause; buttons, keys and dots move', async () => {
-    const page = await visit(shows.manual, laptop, true);
-    await page.clock.runFor(5000);
-    assert.deepEqual([(await state(page)).shown, await page.locator('.klSsPause').count()], ['1', 0]);
+    // Without autorun the page stays on slide 1 and has no pause; buttons, keys and dots move.
+    const manual = await visit(shows.manual, laptop, true);
+    await manual.clock.runFor(5000);
+    assert.deepEqual([(await state(manual)).shown, await manual.locator('.klSsPause').count()], ['1', 0]);
     for (const [action, expected] of [['.klSsPrev', 4], ['ArrowRight', 1], ['.klSsNext', 2], ['.klSsDot >> nth=2', 3]]) {
-        await act(page, action);
-        const s = await state(page);
+        await act(manual, action);
+        const s = await state(manual);
         assert.deepEqual([s.shown, s.counter, s.dots], [`${expected}`, `${expected} / 4`, `${expected}`], action);
     }
-    await page.done();
+    await manual.done();
 });
 
-test('offline at both sizes: every image from the output folder, slides at their own aspect, the logo clear of the dots', async () => {
+test('offline at both sizes: every image from the output folder, slides at their own aspect, the logo clear of the dots, captions readable', async () => {
     for (const device of [laptop, phone]) {
         const page = await visit(shows.defaults, device);
         const seen = await page.evaluate(() => {
@@ -116,11 +113,7 @@ test('offline at both sizes: every image from the output folder, slides at their
         // The font stylesheet the page names is the one request that would leave the machine.
         assert.deepEqual(page.context().away.filter((u) => !u.startsWith('https://fonts.googleapis.com/css')), [], device.name);
         await page.done();
-    }
-});
-
-test('captions and the counter keep a contrast of 3:1 over a white and a black photo, light or dark', async () => {
-    for (const device of [laptop, phone]) {
+        // Captions and the counter keep a contrast of 3:1 over a white and a black photo, light or dark.
         for (const show of [shows.light, shows.dark]) {
             const page = await visit(show, device, true);
             for (const [slide, photo] of [[1, 'white'], [2, 'black']]) {
@@ -140,11 +133,8 @@ test('captions and the counter keep a contrast of 3:1 over a white and a black p
 
 test('the slider shows the first photo in a box of the exact size, then the later ones', async () => {
     const page = await visit(shows.slider);
-    const container = await page.$eval('.klSsSlideshow-container', (c) => {
-        const r = c.getBoundingClientRect();
-        return [r.width, r.height];
-    });
-    assert.deepEqual(container, [320, 200]);
+    const container = await page.locator('.klSsSlideshow-container').boundingBox();
+    assert.deepEqual([container.width, container.height], [320, 200]);
     // A slide is in view when it lies exactly on the container (a CSS animation: real time).
     const inView = (n) => page.waitForFunction((k) => {
         const c = document.querySelector('.klSsSlideshow-container').getBoundingClientRect();

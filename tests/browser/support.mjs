@@ -134,9 +134,9 @@ export async function contrast(page, element) {
     }, [colour, png]);
 }
 
-// Opens a page (with `hash` in its address) once its lightbox script is ready, unless it has
-// none. page.done() checks that the page met no script error and closes it (or calls `closing`).
-export async function open(context, file, { hash = '', lightbox = true, closing } = {}) {
+// Opens a page once its lightbox script is ready, unless it has none. page.done() checks that the
+// page met no script error and closes it (or calls `closing`).
+export async function open(context, file, { lightbox = true, closing } = {}) {
     const page = await context.newPage();
     page.errors = [];
     page.on('pageerror', (e) => page.errors.push(String(e)));
@@ -144,7 +144,7 @@ export async function open(context, file, { hash = '', lightbox = true, closing 
         assert.deepEqual(page.errors, []);
         await (closing ? closing() : page.close());
     };
-    await page.goto(pageUrl(file) + hash);
+    await page.goto(pageUrl(file));
     if (lightbox) await page.waitForFunction(() => window.jQuery && typeof window.jQuery.fn.lightbox === 'function');
     return page;
 }

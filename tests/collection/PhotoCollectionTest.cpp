@@ -1,7 +1,3 @@
-#include <gtest/gtest.h>
-
-#include <QDir>
-
 #include "collection/PhotoCollection.h"
 #include "metadata/MetaFixtures.h"
 
@@ -62,7 +58,7 @@ TEST(PhotoCollection, BadFilesAreSkippedAndTheRestAdded) {
     EXPECT_EQ(std::pair(ui.starts, ui.stops), std::pair(1, 2));
 }
 
-TEST(PhotoCollection, SortRulesAreCaseInsensitiveAndStayInForce) {
+TEST(PhotoCollection, CaseInsensitiveSortRulesStayUntilADropMovesRecordsByTheAlgorithm) {
     PhotoCollection collection;
     collection.appendRecords(named({"banana", "Apple", "cherry", "apple2"}));
     collection.setSortingModeAz();
@@ -74,9 +70,6 @@ TEST(PhotoCollection, SortRulesAreCaseInsensitiveAndStayInForce) {
     // A manual move replaces the rule with the order the user made.
     collection.acceptDrop({5}, 0);
     EXPECT_EQ(names(collection), "Apple zebra cherry Blueberry banana apple2");
-}
-
-TEST(PhotoCollection, DropMovesRecordsByTheEstablishedAlgorithm) {
     // Five records "0" to "4"; expectations worked out by hand from the drop algorithm. A drop
     // after the last record (5) goes to the end; dragging {0, 1} to 3 moves "2" second, not the
     // dragged "1"; indexes outside the list move nothing.
@@ -86,10 +79,10 @@ TEST(PhotoCollection, DropMovesRecordsByTheEstablishedAlgorithm) {
         {{3, 1}, 0, "1 3 0 2 4"}, {{2, 3}, 5, "0 1 3 2 4"}, {{0, 4}, 2, "1 2 0 4 3"},
         {{}, 2, "0 1 2 3 4"},     {{9, -1}, 2, "0 1 2 3 4"}};
     for (const auto& [dragged, drop, after] : cases) {
-        PhotoCollection collection;
-        collection.appendRecords(named({"0", "1", "2", "3", "4"}));
-        EXPECT_TRUE(collection.acceptDrop(dragged, drop));
-        EXPECT_EQ(names(collection), after) << "drop at " << drop;
+        PhotoCollection five;
+        five.appendRecords(named({"0", "1", "2", "3", "4"}));
+        EXPECT_TRUE(five.acceptDrop(dragged, drop));
+        EXPECT_EQ(names(five), after) << "drop at " << drop;
     }
 }
 

@@ -3,8 +3,6 @@
 // What the generator test programs share.
 #include <gtest/gtest.h>
 
-#include <QUrl>
-
 #include "collection/PhotoCollection.h"
 #include "generators/common/GeneratorRun.h"
 #include "generators/common/RunManifest.h"
@@ -38,7 +36,7 @@ inline QString colourAt(const QString& path, int x, int y) {
 // "WxH loader" as libvips reads the file.
 inline QString header(const QString& path) {
     const auto [w, h] = fixtures::sizeOf(path);
-    return QStringLiteral("%1x%2 ").arg(w).arg(h) + QString::fromStdString(fixtures::loader(path));
+    return QString("%1x%2 ").arg(w).arg(h) + QString::fromStdString(fixtures::loader(path));
 }
 
 // What a run's plan says before anything is written: "stops " and the title of a refusal, or a
@@ -64,7 +62,7 @@ inline QString readText(const QString& path) {
 // The defaults plus "name=value" overrides separated by ", "; a later one wins.
 inline SettingsStore store(const QString& set = {}) {
     std::vector<std::pair<QString, QString>> overrides;
-    for (const QString& s : set.split(QStringLiteral(", "), Qt::SkipEmptyParts))
+    for (const QString& s : set.split(QString(", "), Qt::SkipEmptyParts))
         overrides.push_back({s.section('=', 0, 0), s.section('=', 1)});
     return testsupport::settingsWith(overrides);
 }

@@ -1,5 +1,4 @@
 // What every kind's run shares, through the one run driver.
-#include <QFileInfo>
 #include <atomic>
 #include <thread>
 
@@ -33,8 +32,7 @@ struct CancellingUserInterface : RecordingUserInterface {
 TEST(RunSite, CancelWritesNoPage) {
     const QString src = freshDir("runsite-cancel-src");
     QStringList photos;
-    for (int i = 0; i < 6; ++i)
-        photos.append(makePhoto(src, QStringLiteral("p%1.png").arg(i), 60, 40));
+    for (int i = 0; i < 6; ++i) photos.append(makePhoto(src, QString("p%1.png").arg(i), 60, 40));
     for (const QString kind : {"gallery", "slideshow", "grid"}) {
         SCOPED_TRACE(kind);
         const QString dir = freshDir("runsite-cancel-" + kind);
@@ -65,8 +63,8 @@ TEST(RunSite, RunsAtOnceMatchTheirSingleRunsAndNameBadPhotos) {
     QList<QMap<QString, QByteArray>> alone;
     QStringList dirs;
     for (int i = 0; i < runs.size(); ++i) {
-        SCOPED_TRACE(runs[i].toStdString());
-        const QString dir = freshDir(QStringLiteral("runsite-alone-%1").arg(i));
+        SCOPED_TRACE(runs[i]);
+        const QString dir = freshDir(QString("runsite-alone-%1").arg(i));
         SilentUserInterface ui;
         const RunResult result = run(runs[i], dir, photos, ui, 1);
         EXPECT_TRUE(result.ok && !result.cancelled && QFile::exists(result.firstPage));
@@ -79,7 +77,7 @@ TEST(RunSite, RunsAtOnceMatchTheirSingleRunsAndNameBadPhotos) {
             EXPECT_EQ(filesUnder(dir).filter(QFileInfo(name).completeBaseName() + "."),
                       QStringList());
         alone.append(siteUnder(dir));
-        dirs.append(freshDir(QStringLiteral("runsite-together-%1").arg(i)));
+        dirs.append(freshDir(QString("runsite-together-%1").arg(i)));
     }
     std::vector<std::thread> threads;
     std::vector<RunResult> results(size_t(runs.size()));

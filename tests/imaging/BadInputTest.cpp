@@ -25,7 +25,7 @@ TEST(BadInput, EveryOperationFailsQuietlyAndWritesNothing) {
         {"huge.png", "Failed"},      {"zerosided.gif", "Failed"}, {"a.psd", "Not Supported"},
         {"b.PDF", "Not Supported"}};
     for (const auto& [name, result] : cases) {
-        SCOPED_TRACE(name.toStdString());
+        SCOPED_TRACE(name);
         const QString source = dir + name;
         KLImageHandling images;
         for (int mode = 0; mode <= 7; ++mode)
@@ -45,7 +45,7 @@ TEST(BadInput, EveryOperationFailsQuietlyAndWritesNothing) {
         for (const QString format : {"png", "tiff", "bmp", "gif", "jpeg", "jp2", "pdf"}) {
             if (!QFile::copy(source, work)) break;  // a folder or a missing file has no copy
             KLImageHandling::hSaveAsFileType(work, format, "5", out);
-            EXPECT_FALSE(QFile::exists(work)) << format.toStdString();
+            EXPECT_FALSE(QFile::exists(work)) << format;
         }
         EXPECT_TRUE(fixtures::isEmptyDir(out)) << QDir(out).entryList().join(' ').toStdString();
     }

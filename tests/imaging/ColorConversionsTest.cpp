@@ -15,13 +15,13 @@ static vips::VImage gradient(bool alpha = false) {
 // returns the copy.
 static vips::VImage applied(const vips::VImage& image, const QString& code, float value = NAN) {
     static int calls = 0;
-    const QString dir = testsupport::freshDir(QStringLiteral("fx-%1").arg(++calls));
+    const QString dir = testsupport::freshDir(QString("fx-%1").arg(++calls));
     fixtures::save(image, dir + "a.png");
     QDir().mkpath(dir + "out");
     KLColorConversions colours;
     std::isnan(value) ? colours.convertColorTo(dir + "a.png", dir + "out/", code)
                       : colours.enhanceColorTo(dir + "a.png", dir + "out/", code, value);
-    EXPECT_TRUE(colours.lastWritten) << code.toStdString();
+    EXPECT_TRUE(colours.lastWritten) << code;
     return fixtures::load(dir + "out/a.png");
 }
 
@@ -30,14 +30,13 @@ static vips::VImage applied(const vips::VImage& image, const QString& code, floa
 TEST(Effects, GreyEqualChannelsSepiaWarmsGreyInvertTwiceIsTheIdentity) {
     for (const QString code : {"0", "1"}) {
         const vips::VImage grey = applied(gradient(), code);
-        EXPECT_EQ((grey[0] - grey[1]).abs().max() + (grey[1] - grey[2]).abs().max(), 0)
-            << code.toStdString();
+        EXPECT_EQ((grey[0] - grey[1]).abs().max() + (grey[1] - grey[2]).abs().max(), 0) << code;
     }
     double spread = 0;
     for (const QString code : {"2", "3", "4"}) {
         const Pixel px = applied(fixtures::solid(32, 32, {128, 128, 128}), code).getpoint(16, 16);
-        EXPECT_TRUE(px[0] > px[1] && px[1] > px[2]) << code.toStdString();
-        EXPECT_GT(px[0] - px[2], spread) << code.toStdString();
+        EXPECT_TRUE(px[0] > px[1] && px[1] > px[2]) << code;
+        EXPECT_GT(px[0] - px[2], spread) << code;
         spread = px[0] - px[2];
     }
     const vips::VImage once = applied(gradient(true), "6");
@@ -45,7 +44,10 @@ TEST(Effects, GreyEqualChannelsSepiaWarmsGreyInvertTwiceIsTheIdentity) {
     EXPECT_EQ((applied(once, "11") - gradient(true)).abs().max(), 0);
 }
 
-TEST(Enhance, ExposureOfOneStopDoublesLinearLight) {
+// Exposure of one stop doubles linear light. Pixellate cells of 20 start at the centre, 150:
+// [150, 170) and [10, 30) are cells, [140, 160) is not. A cell holds the mean of its pixels: red
+// 0.75 x (150..169) averages 119.6.
+TEST(Enhance, ExposureDoublesLinearLightPixellateCellsAlignOnTheCentre) {
     const Pixel in{60, 90, 120};
     const Pixel out = applied(fixtures::solid(16, 16, in), "1", 1.0f).getpoint(8, 8);
     auto linear = [](double v) {
@@ -54,19 +56,14 @@ TEST(Enhance, ExposureOfOneStopDoublesLinearLight) {
     };
     for (int band = 0; band < 3; ++band)
         EXPECT_NEAR(linear(out[band]) / linear(in[band]), 2.0, 0.04) << band;
-}
-
-// Cells of 20 start at the centre, 150: [150, 170) and [10, 30) are cells, [140, 160) is not. A
-// cell holds the mean of its pixels: red 0.75 x (150..169) averages 119.6.
-TEST(Enhance, PixellateCellsAreConstantAndAlignedOnTheCentre) {
-    const vips::VImage out = applied(gradient(), "6", 20.0f);
+    const vips::VImage cells = applied(gradient(), "6", 20.0f);
     auto constant = [&](int x, int y) {
-        const vips::VImage cell = out.extract_area(x, y, 20, 20);
+        const vips::VImage cell = cells.extract_area(x, y, 20, 20);
         return (cell - cell.getpoint(0, 0)).abs().max() == 0;
     };
     EXPECT_TRUE(constant(150, 150) && constant(10, 10));
     EXPECT_FALSE(constant(140, 150) || constant(150, 140));
-    EXPECT_NEAR(out.getpoint(155, 155)[0], 119.6, 1);
+    EXPECT_NEAR(cells.getpoint(155, 155)[0], 119.6, 1);
 }
 
 // Kept on purpose: an unknown code runs the object's previous filter on its old photo, for
@@ -105,8 +102,7 @@ TEST(Effects, CopiesAreWrittenByTheExactExtension) {
     for (const auto& [name, loader] : cases) {
         fixtures::save(fixtures::solid(30, 20, {128, 128, 128}), dir + name);
         EXPECT_EQ(KLColorConversions().convertColorTo(dir + name, out, "3"), "OK");
-        EXPECT_EQ(QFile::exists(out + name) ? fixtures::loader(out + name) : "", loader)
-            << name.toStdString();
+        EXPECT_EQ(QFile::exists(out + name) ? fixtures::loader(out + name) : "", loader) << name;
         EXPECT_TRUE(loader != "jpegload" ||
                     testsupport::exiftool(out + name, "JPEGQualityEstimate").toInt() >= 98);
     }

@@ -2,13 +2,6 @@
 
 // Synthetic images for the imaging tests, made and read back with libvips.
 
-#include <gtest/gtest.h>
-
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
-#include <vips/vips8>
-
 #include "imaging/KLColorConversions.h"
 #include "imaging/KLImageHandling.h"
 #include "imaging/VipsRuntime.h"
@@ -44,10 +37,6 @@ inline vips::VImage coordinates(int width, int height) {
         vips::VImage::bandjoin({xy[0] & 255, xy[1] & 255, (xy[0] >> 8) * 16 + (xy[1] >> 8)}));
 }
 
-inline std::pair<int, int> decode(const Pixel& p) {
-    return {int(p[0]) + 256 * (int(p[2]) / 16), int(p[1]) + 256 * (int(p[2]) % 16)};
-}
-
 inline vips::VImage load(const QString& path) {
     return vips::VImage::new_from_file(QFile::encodeName(path).constData());
 }
@@ -70,9 +59,5 @@ inline bool isEmptyDir(const QString& dir) {
 }
 
 using metafixtures::tag;
-
-inline void tagArtist(const QString& path) {
-    tag(path, {"-Artist=Keldra", "-XMP-dc:Creator=Keldra"});
-}
 
 }  // namespace fixtures

@@ -15,8 +15,8 @@ TEST(SaveAs, EveryFormatWritesAFileItsReaderAccepts) {
         {"png", "pngload"},   {"tiff", "tiffload"}, {"bmp", "magickload"}, {"gif", "gifload"},
         {"jpeg", "jpegload"}, {"jp2", "jp2kload"},  {"pdf", "pdfload"}};
     for (const auto& [format, loader] : cases) {
-        SCOPED_TRACE(format.toStdString());
-        const QString dir = testsupport::freshDir(QStringLiteral("saveas-") + format);
+        SCOPED_TRACE(format);
+        const QString dir = testsupport::freshDir(QString("saveas-") + format);
         QDir().mkpath(dir + "out");
         const QString work = workingJpeg(dir + "my.photo.jpg");
         const SaveAsResult r = KLImageHandling::hSaveAsFileType(work, format, "5", dir + "out/");
@@ -40,8 +40,9 @@ TEST(SaveAs, EveryFormatWritesAFileItsReaderAccepts) {
     EXPECT_EQ(fixtures::sizeOf(dir + "b.png"), fixtures::Size(50, 40));
 }
 
-// "1".."8" are tenths of JPEG quality, "9" and anything else 0.9.
-TEST(SaveAs, CompressionTitlesSetTheJpegQuality) {
+// "1".."8" are tenths of JPEG quality, "9" and anything else 0.9. Transparent pixels go onto white
+// where the format has no alpha, and stay transparent in PNG.
+TEST(SaveAs, JpegQualityFromTheTitleTransparentPixelsOnWhiteWithoutAlpha) {
     const QString dir = testsupport::freshDir("saveas-quality");
     for (const auto& [title, quality] :
          {std::pair{"2", 20}, {"8", 80}, {"9", 90}, {"", 90}, {"x", 90}}) {
@@ -51,11 +52,6 @@ TEST(SaveAs, CompressionTitlesSetTheJpegQuality) {
         EXPECT_EQ(testsupport::exiftool(out + "a.jpeg", "JPEGQualityEstimate").toInt(), quality)
             << title;
     }
-}
-
-// Transparent pixels go onto white where the format has no alpha, and stay transparent in PNG.
-TEST(SaveAs, TransparentPixelsOnWhiteWithoutAlpha) {
-    const QString dir = testsupport::freshDir("transparent");
     const vips::VImage alpha = (vips::VImage::xyz(60, 40)[0] >= 30).ifthenelse(255, 0);
     for (const QString format : {"jpeg", "bmp", "png"}) {
         fixtures::save(fixtures::srgb(fixtures::solid(60, 40, {200, 30, 30}).bandjoin(alpha)),
@@ -67,7 +63,7 @@ TEST(SaveAs, TransparentPixelsOnWhiteWithoutAlpha) {
         if (format == "png")
             EXPECT_EQ(left.size() == 4 ? left[3] : -1, 0);
         else
-            EXPECT_TRUE(left[0] > 245 && left[1] > 245 && left[2] > 245) << format.toStdString();
-        EXPECT_GT(fixtures::pixel(out, 50, 20)[0], 180) << format.toStdString();
+            EXPECT_TRUE(left[0] > 245 && left[1] > 245 && left[2] > 245) << format;
+        EXPECT_GT(fixtures::pixel(out, 50, 20)[0], 180) << format;
     }
 }

@@ -1,4 +1,3 @@
-#include <QDir>
 
 #include "metadata/MetaFixtures.h"
 #include "metadata/cEditMetaData.h"

@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include <exiv2/exiv2.hpp>
 
 #include "metadata/KLFileProperty.h"
@@ -15,7 +13,7 @@ TEST(KLFileProperty, FileNameParts) {
         {"/photos/.hidden", {".hidden", "", ".hidden"}},
         {"/photos/Été à Zürich.png", {"Été à Zürich.png", "png", "Été à Zürich"}}};
     for (const auto& [path, parts] : cases)
-        EXPECT_EQ(KLFileProperty().hGetFileNameProps(path), parts) << path.toStdString();
+        EXPECT_EQ(KLFileProperty().hGetFileNameProps(path), parts) << path;
 }
 
 // Comments as cameras store them, written byte for byte through Exiv2: an 8-byte charset prefix,
@@ -81,12 +79,12 @@ TEST(MetaReader, EveryNameTheEditorAndTheProfileAgainstExiftool) {
 
     // Every EXIF name but the user comment (tagged too) reads the creation date.
     for (const QString name : {"EXIF Creation Date", "EXIF Creaton Date", "exif user comment"}) {
-        EXPECT_EQ(meta.hGetExifUc(tagged, name), "2019:07:14 18:03:22") << name.toStdString();
+        EXPECT_EQ(meta.hGetExifUc(tagged, name), "2019:07:14 18:03:22") << name;
         EXPECT_EQ(meta.hGetExifUc(bare, name), QString());
     }
 
     for (const auto& c : kIptc) {
-        SCOPED_TRACE(c.name.toStdString());
+        SCOPED_TRACE(c.name);
         // exiftool lists repeated items with ", ": the title is the first, keywords all of them.
         const QStringList truth = exiftool(tagged, c.tag).split(", ");
         EXPECT_EQ(meta.hGetSomeIPTC(tagged, c.name), c.expected);
@@ -128,7 +126,7 @@ TEST(MetaReader, EveryCameraPhotoReads) {
     const QStringList photos = testsupport::mateBackgroundJpegs();
     ASSERT_FALSE(photos.isEmpty()) << "mate-backgrounds is not installed";
     for (const QString& photo : photos) {
-        SCOPED_TRACE(photo.toStdString());
+        SCOPED_TRACE(photo);
         mMeta meta;
         QString header;  // "PATH: 1900x1200 uchar, 3 bands, srgb, jpegload"
         ASSERT_EQ(testsupport::runProgram("vipsheader", {photo}, &header), 0);

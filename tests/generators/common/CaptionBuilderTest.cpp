@@ -6,9 +6,8 @@
 TEST(CaptionBuilder, ItemsInOrderSkippingEmptyValues) {
     const QString src = gen::freshDir("captions-src");
     const QString photo = gen::makePhoto(src, "shot.jpg", 40, 30);
-    testsupport::runProgram(
-        "exiftool", {"-q", "-overwrite_original", "-IPTC:City=Lyon", "-IPTC:Headline=Sunset",
-                     "-EXIF:DateTimeOriginal=2019:07:14 18:03:22", photo});
+    fixtures::tag(photo, {"-IPTC:City=Lyon", "-IPTC:Headline=Sunset",
+                          "-EXIF:DateTimeOriginal=2019:07:14 18:03:22"});
     const QString bare = gen::makePhoto(src, "bare.jpg", 40, 30);
     using F = CaptionBuilder::FileName;
     const std::tuple<QString, QString, QString, QString, F, QString> cases[] = {

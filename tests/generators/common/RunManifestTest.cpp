@@ -22,7 +22,7 @@ namespace {
 struct StandInRun {
     RunOptions options = {};
     QStringList failingPhotos = {};  // the stand-in fails on these without writing anything
-    QStringList pages = {QStringLiteral("page.html")};
+    QStringList pages = {QString("page.html")};
     QStringList failures = {};
 
     QStringList run(const QString& dest, const QStringList& photos, UserInterface& ui) {
@@ -33,9 +33,9 @@ struct StandInRun {
             planned += outputs.emplace_back(
                 QStringList{"img/" + QFileInfo(photo).completeBaseName() + ".out"});
         OutputFolder out(dest);
-        RunManifest manifest(QStringLiteral("test"), options, ui);
+        RunManifest manifest(QString("test"), options, ui);
         manifest.removeEarlierFiles(planned, out);
-        out.createFolders({QStringLiteral("img/")});
+        out.createFolders({QString("img/")});
         const auto make = manifest.keepingUnchanged(
             photos, outputs, RunManifest::settingsHash({"size=10"}), [&](int i) -> QStringList {
                 made.append(QFileInfo(photos[i]).fileName());

@@ -2,8 +2,6 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
-#include <QDateTime>
-
 #include "generators/GeneratorFixtures.h"
 #include "generators/gallery/cResponsiveDesign.h"
 
@@ -103,7 +101,8 @@ TEST(GalleryRun, Derivatives) {
     const QStringList photos = {makePhoto(src, "a.png", 400, 300),
                                 makePhoto(src, "b.jpg", 300, 400),
                                 makePhoto(src, "c.tif", 300, 400)};
-    for (const QString& photo : photos) fixtures::tagArtist(photo);
+    for (const QString& photo : photos)
+        fixtures::tag(photo, {"-Artist=Keldra", "-XMP-dc:Creator=Keldra"});
     const QString none = "- -|- -|- -";
     const std::tuple<QString, QString, QString, QString> cases[] = {
         // Scale by width and by height: only the height step stays...
@@ -122,7 +121,7 @@ TEST(GalleryRun, Derivatives) {
          "- -|Keldra Keldra|Keldra -"},
     };
     for (const auto& [set, thumbs, bigs, metadata] : cases) {
-        SCOPED_TRACE(set.toStdString());
+        SCOPED_TRACE(set);
         const QString dir = derive(photos, kSmall + set);
         for (const auto& [folder, sizes] :
              {std::pair{"KLimages_s/", thumbs}, {"KLimages_b/", bigs}}) {
@@ -141,9 +140,9 @@ TEST(GalleryRun, Derivatives) {
     }
 }
 
-// A thumbnail is a plain crop of the photo at the chosen position and shift, scaled to the box; the
-// larger big image is twice the big one, up to the photo's own size.
-TEST(GalleryRun, ThumbnailsArePlainCropsAndTheLargerBigImageDoublesTheBigOne) {
+// A thumbnail is a plain crop of the photo at the chosen position and shift, scaled to the box.
+// (The larger big image, at the screen's pixels: tests/browser.)
+TEST(GalleryRun, ThumbnailsArePlainCrops) {
     const QString photo = cameraPhotos(1).first();
     const vips::VImage source = fixtures::load(photo);
     const int W = source.width(), H = source.height();
@@ -169,19 +168,14 @@ TEST(GalleryRun, ThumbnailsArePlainCropsAndTheLargerBigImageDoublesTheBigOne) {
                               at(H - boxH, position / 3, shiftY), boxW, boxH)
                 .resize(double(cw) / boxW,
                         vips::VImage::option()->set("vscale", double(ch) / boxH));
-        const QString base = QFileInfo(photo).completeBaseName();
-        const vips::VImage thumb = fixtures::load(dir + "KLimages_s/" + base + ".jpeg");
+        const vips::VImage thumb =
+            fixtures::load(dir + "KLimages_s/" + QFileInfo(photo).completeBaseName() + ".jpeg");
         ASSERT_EQ(fixtures::Size(thumb.width(), thumb.height()), fixtures::Size(cw, ch));
         EXPECT_LT((thumb.cast(VIPS_FORMAT_FLOAT) -
                    expected.extract_area(0, 0, cw, ch).cast(VIPS_FORMAT_FLOAT))
                       .abs()
                       .avg(),
                   4.0);
-        const fixtures::Size big = fixtures::sizeOf(dir + "KLimages_b/" + base + ".jpeg");
-        const fixtures::Size large = fixtures::sizeOf(dir + "KLimages_b2x/" + base + ".jpeg");
-        // Within a pixel: the big image's side is truncated.
-        EXPECT_NEAR(large.first, std::min(2 * big.first, W), 1);
-        EXPECT_NEAR(large.second, std::min(2 * big.second, H), 1);
     }
 }
 
@@ -220,12 +214,10 @@ TEST(GalleryRerun, KeepsWhatIsUnchangedAndEndsAsAFullRun) {
         const QMap<QString, RunManifest::FileState> before = identities(dest);
 
         const RunResult second = runGallery(dest, photos, set, ui, rebuild);
-        EXPECT_TRUE(second.ok && second.failures.isEmpty());
-        EXPECT_TRUE(ui.alerts.empty());
-        const QMap<QString, RunManifest::FileState> after = identities(dest);
+        EXPECT_TRUE(second.ok && second.failures.isEmpty() && ui.alerts.empty());
         QStringList changed;
-        for (auto it = after.cbegin(); it != after.cend(); ++it)
-            if (before.value(it.key()) != *it) changed.append(it.key());
+        for (const auto& [file, state] : identities(dest).asKeyValueRange())
+            if (before.value(file) != state) changed.append(file);
         // Nothing but the images named changes identity, unless a setting changed.
         EXPECT_EQ(set.isEmpty() ? changed : changed.filter("KLimages_"),
                   images(photos.mid(0, remade)));

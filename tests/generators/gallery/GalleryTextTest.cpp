@@ -82,16 +82,13 @@ const QString kMagnifyTail =
 // The max-width breakpoints of the table model for the 4-column width list; thumbnail action 1
 // adds the height lines.
 QString tableBreakpoints(bool heights) {
-    const std::pair<const char*, const char*> steps[] = {{"6000px", "24.000000"},
-                                                         {"2000px", "24.000000"},
-                                                         {"1242px", "48.000000"},
-                                                         {"1000px", "49.999989"},
-                                                         {"750px", "49.999989"}};
+    const char* widths[] = {"6000px", "2000px", "1242px", "1000px", "750px"};
+    const char* shares[] = {"24.000000", "24.000000", "48.000000", "49.999989", "49.999989"};
     QString s;
-    for (const auto& [n, w] : steps) {
-        s += QString("@media only screen and (max-width: ") + n +
-             "){\n.klOVresponsive {\nwidth: " + w + "%;\n";
-        if (heights) s += QString(n == steps[0].first ? "" : "max-") + "height: " + w + "%;\n";
+    for (int i = 0; i < 5; ++i) {
+        s += QString("@media only screen and (max-width: ") + widths[i] +
+             "){\n.klOVresponsive {\nwidth: " + shares[i] + "%;\n";
+        if (heights) s += QString(i ? "max-" : "") + "height: " + shares[i] + "%;\n";
         s += "margin: 1% 0;\n}\n}\n";
     }
     return s + "@media only screen and (max-width: 640px){\n.klOVresponsive {\nwidth: 100%;\n" +
@@ -103,16 +100,12 @@ QString gridBreakpoints(std::array<int, 5> k) {
     const char* widths[] = {"400px", "700px", "1000px", "1300px", "1600px"};
     QString s;
     for (int i = 0; i < 5; ++i)
-        s += QStringLiteral(
+        s += QString(
                  "@media (min-width: %1) {\n.klOVimages { grid-template-columns: "
                  "repeat(%2, 1fr); }}\n\n")
                  .arg(widths[i])
                  .arg(k[i]);
     return s;
-}
-
-GallerySettings settings(const QString& set) {
-    return cResponsiveDesign::readSettings(store(set), "/out/");
 }
 
 // A page of either model; %1 to %10 are the pieces where the two models differ.
@@ -182,17 +175,15 @@ TEST(GalleryCss, EachBranchChangesItsPiece) {
     };
     for (const auto& [grid, pattern, magnify, action, border, present, absent] : cases) {
         GalleryCssArgs a = sampleArgs();
-        a.patternOn = pattern;
-        a.magnifyOnHover = magnify;
-        a.thumbnailAction = action;
-        a.thumbnailBorderThickness = border;
+        std::tie(a.patternOn, a.magnifyOnHover, a.thumbnailAction, a.thumbnailBorderThickness) =
+            std::tie(pattern, magnify, action, border);
         const QString css = grid ? GalleryCss::hCreateCssGridMod2(a, 4) : GalleryCss::hCreateCss(a);
         EXPECT_TRUE(css.contains(text(present))) << present;
         EXPECT_FALSE(absent && css.contains(absent)) << present;
     }
 }
 
-TEST(GalleryCss, ColumnsSetWidthsAndGridBreakpoints) {
+TEST(GalleryCss, ValuesFromTheSettings) {
     const std::vector<std::pair<std::vector<int>, QString>> widths = {
         {{1, 2, 3}, "24.999990 49.999981 49.999989 49.999989 100"},
         {{4}, "24.000000 48.000000 49.999989 49.999989 100"},
@@ -206,11 +197,9 @@ TEST(GalleryCss, ColumnsSetWidthsAndGridBreakpoints) {
         EXPECT_TRUE(
             GalleryCss::hCreateCssGridMod2(sampleArgs(), columns).contains(gridBreakpoints(k)))
             << columns;
-}
-
-// The font line of each family (Trirong for any other), the weights of the popups' titles, and the
-// file-name weight "Bold" tested against the mapped heading weight: always 900, kept on purpose.
-TEST(GalleryCss, FontLinesAndWeights) {
+    // The font line of each family (Trirong for any other), the weights of the popups' titles,
+    // and the file-name weight "Bold" tested against the mapped heading weight: always 900, kept
+    // on purpose.
     for (const char* family : {"Catamaran", "Exo", "Libre Franklin", "Raleway", "Rubik", "Taviraj"})
         EXPECT_EQ(cCssCreate::fontLine(family),
                   QString("font-family: '%1', sans-serif;\n").arg(family));
@@ -261,14 +250,14 @@ TEST(GalleryPages, WholePageOfEachModel) {
     };
     for (const auto& [set, photo, name, css, pieces] : models) {
         const QList<PageFile> files =
-            cResponsiveDesign::pageTexts(settings(set), entries({photo}), {R"(<i> & "q")"});
+            cResponsiveDesign::pageTexts(cResponsiveDesign::readSettings(store(set), "/out/"),
+                                         entries({photo}), {R"(<i> & "q")"});
         ASSERT_EQ(files.size(), 3);
         EXPECT_TRUE(files[0].path == "KLcss/klGScss.css" && files[0].text.contains(css));
-        EXPECT_EQ(files[1].path, name + ".html");
+        EXPECT_EQ(files[1].path + " " + files[2].path, name + ".html index.html");
         QString page = kPage;
         for (const QString& piece : pieces) page = page.arg(piece);
         EXPECT_TEXT(files[1].text, text(page));
-        EXPECT_EQ(files[2].path, "index.html");
         EXPECT_TEXT(files[2].text,
                     text(kPrologue +
                          R"(<head>/n<meta http-equiv="Content-Type" content="text/html; )"
@@ -283,9 +272,9 @@ TEST(GalleryPages, WholePageOfEachModel) {
 // 13 photos at 12 a page: both pages have the navigation bar. (One page has none:
 // WholePageOfEachModel; moving between pages: tests/browser.)
 TEST(GalleryPages, NavigationBarOnEveryPage) {
-    const QList<PageFile> files =
-        cResponsiveDesign::pageTexts(settings("ifNumberOfColumns=4, ifNumberOfRows=3"),
-                                     entries(QStringList(13, "/p/t.png")), {});
+    const QList<PageFile> files = cResponsiveDesign::pageTexts(
+        cResponsiveDesign::readSettings(store("ifNumberOfColumns=4, ifNumberOfRows=3"), "/"),
+        entries(QStringList(13, "/p/t.png")), {});
     ASSERT_EQ(files.size(), 4);
     for (const int page : {1, 2})
         EXPECT_TRUE(files[page].text.contains(
@@ -296,14 +285,13 @@ TEST(GalleryPages, NavigationBarOnEveryPage) {
             << page;
 }
 
-// What stops a run before anything is written (the photos' own refusals are the run driver's),
-// and the warnings it goes on with.
+// What stops a run before anything is written (the photos' own refusals are the run driver's, a
+// page name that leaves the folder: tests/cli), and the warnings it goes on with.
 TEST(GalleryPages, RefusalsAndWarnings) {
     const std::tuple<QString, int, QString> cases[] = {
         {"", 1, ""},
         {"ifNumberOfColumns=0", 1, "stops Sorry, the page layout is not possible."},
         {"ifNumberOfRows=0", 1, "stops Sorry, the page layout is not possible."},
-        {"tfHTMLfileName=../up", 1, "stops Sorry, the page name is not possible."},
         {"tfSmallCropWidth=200, tfSmallCropHeight=150, tfBigCropWidth=200, tfBigCropHeight=100", 1,
          "Sorry, some wrong properties|\r- Lightbox images are smaller than your thumbnails. "
          "(Thumbnail size: 200)"},

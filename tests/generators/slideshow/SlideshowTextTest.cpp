@@ -44,9 +44,6 @@ const char* const kFontLink =
 const char* const kBeforeSlides =
     R"(<div class="klSsPatternBox">|<div class="klSstitle"><b>Hi</b></div>|)"
     R"(<!-- Slideshow container: Begin -->|<div class="klSsSlideshow-container">|)";
-const char* const kReference =
-    R"(<div class="klSsRef"><a href="https://www.keldra.com/orvella"><img )"
-    R"(src="KLSlideShowcss/klOrvella.png" alt="Orvella" width="60"></a>%4</div>|)";
 
 // The functions that move between slides, with dots: %1 the one that shows a slide, %2 the class
 // that is taken off the dots.
@@ -79,14 +76,8 @@ const QString kManualScript = "<script>|var slideIndex = 1;|showSlides(slideInde
 
 // Without dots: no dots lines, and the display line alone where the dots group stood.
 QString withoutDots(QString script) {
-    const QString display = R"(slides[slideIndex-1].style.display = "block";|)";
-    for (const char* active : {"klSsActive", " klSsActive"})
-        script.replace(R"(for (i = 0; i < dots.length; i++) {|dots[i].className = )"
-                       R"(dots[i].className.replace(")" +
-                           QString(active) + R"(", "");|}|)" + display +
-                           R"(dots[slideIndex-1].className += " klSsActive";|)",
-                       display);
-    return script.remove(R"(var dots = document.getElementsByClassName("klSsDot");|)");
+    return script.remove(QRegularExpression(R"(var dots = .*?\||for \(i = 0; i < dots.*?\|}\||)"
+                                            R"(dots\[slideIndex-1\].*?\|)"));
 }
 
 const char* const kClassicCss =
@@ -146,8 +137,9 @@ TEST(SlideshowText, ClassicPageWithEverythingOn) {
         settings(kAllOn), entries({"/photos/a.png", "/other/b c%#1.jpg"}), {"x < y & z", ""}));
     const QString slide =
         R"(<!-- Full-width images with number and caption text -->|)"
-        R"(<div class="klSsSlides fade">|<div class="klSsNumbertext">%1 / 2</div>|)" +
-        QString(kReference) +
+        R"(<div class="klSsSlides fade">|<div class="klSsNumbertext">%1 / 2</div>|)"
+        R"(<div class="klSsRef"><a href="https://www.keldra.com/orvella"><img )"
+        R"(src="KLSlideShowcss/klOrvella.png" alt="Orvella" width="60"></a>%4</div>|)"
         R"(<img src="KLSsImages/%2" style="width:100%">|<div class="klSsText">%3</div>|</div>||)";
     EXPECT_TEXT(
         page,
@@ -256,7 +248,6 @@ TEST(SlideshowText, SliderTimings) {
         QStringList found;
         for (auto it = timing.globalMatch(css); it.hasNext();) found << it.next().captured(1);
         EXPECT_EQ(found.join(' '), seconds) << interval;
-        EXPECT_EQ(css.count("background-image"), count);
     }
 }
 
