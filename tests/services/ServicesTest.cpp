@@ -144,7 +144,11 @@ TEST(ColorHandling, HexTextColourFromTextAndSetHexValue) {
 TEST(ColorWellHandling, TagsChooseFieldsAndWells) {
     using H = cColorWellHandling;
     EXPECT_EQ(H::hCallHEXfromColorwell(1, Qt::red).value().fieldName, "tfNSColorWellObjBGCc");
+    EXPECT_EQ(H::hCallHEXfromColorwell(13, Qt::red).value().fieldName,
+              "tfNSColorWellObjRGLightboxBgColor");
     EXPECT_EQ(H::controlTextDidEndEditing(1, "00FF80").value().wellName, "ascNSColorWellObjTCt");
+    EXPECT_EQ(H::controlTextDidEndEditing(21, "00FF80").value().wellName,
+              "ascNSColorWellObjRGLightboxBgColor");
     EXPECT_EQ(H::hCallHEXfromColorwell(0, QColor(255, 127, 0)).value().hex, "FF7F00");
     EXPECT_FALSE(H::hCallHEXfromColorwell(14, Qt::red));
     EXPECT_EQ(H::controlTextDidEndEditing(2, "00FF80").value().color, QColor(0, 255, 128));
