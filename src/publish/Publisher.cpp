@@ -105,13 +105,7 @@ Result publish(const QString& folder, const PublishDestination& destination, con
     std::optional<FolderLock> lock;
     if (!options.dryRun) lock.emplace(folder, nullptr, nullptr);
     if (lock && !lock->held()) {
-        result.failures.append(
-            lock->error().isEmpty()
-                ? QStringLiteral("process %1 is writing into %2: publish again when it has "
-                                 "finished")
-                      .arg(lock->holder())
-                      .arg(folder)
-                : folder + FolderLock::kFileName + QStringLiteral(": ") + lock->error());
+        result.failures.append(lock->reason());
         return result;
     }
     QString recordError;

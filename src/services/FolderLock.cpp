@@ -30,7 +30,7 @@ bool isAlive(qint64 pid) {
 
 FolderLock::FolderLock(const QString& folder, const std::function<void(qint64)>& waiting,
                        const std::function<bool()>& keepWaiting)
-    : path_(folder + kFileName) {
+    : folder_(folder), path_(folder + kFileName) {
     bool told = false;
     while (!tryTake()) {
         if (!error_.isEmpty() || !keepWaiting || !keepWaiting()) return;
@@ -38,6 +38,15 @@ FolderLock::FolderLock(const QString& folder, const std::function<void(qint64)>&
         told = true;
         QThread::msleep(100);
     }
+}
+
+QString FolderLock::reason() const {
+    return error_.isEmpty() ? QStringLiteral(
+                                  "Process %1 is writing into %2. Try again when it has "
+                                  "finished.")
+                                  .arg(holder_)
+                                  .arg(folder_)
+                            : path_ + QStringLiteral(": ") + error_;
 }
 
 FolderLock::~FolderLock() {

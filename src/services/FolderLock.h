@@ -21,15 +21,15 @@ class FolderLock {
     FolderLock& operator=(const FolderLock&) = delete;
 
     bool held() const { return held_; }
-    // Whose lock stopped us (0: none), or why the lock could not be taken.
-    qint64 holder() const { return holder_; }
-    const QString& error() const { return error_; }
+    // Why the lock is not held, as the user reads it: the process writing into the folder, or the
+    // lock file and why it could not be made.
+    QString reason() const;
 
   private:
     bool tryTake();
 
-    QString path_;
+    QString folder_, path_;
     bool held_ = false;
-    qint64 holder_ = 0;
-    QString error_;
+    qint64 holder_ = 0;  // whose lock stopped us
+    QString error_;      // why the lock could not be taken
 };

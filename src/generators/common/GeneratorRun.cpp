@@ -117,16 +117,9 @@ RunResult runSite(const std::function<SitePlan(const QList<PhotoEntry>&)>& planO
         },
         options.waitForLock ? std::function<bool()>([&] { return !ui.isCancelled(); }) : nullptr);
     if (!lock.held())
-        return refused(ui,
-                       {QStringLiteral("Sorry, another run is writing into this folder."),
-                        lock.error().isEmpty()
-                            ? QStringLiteral("Process %1 is writing into %2. Try again when it "
-                                             "has finished.")
-                                  .arg(lock.holder())
-                                  .arg(options.destination)
-                            : options.destination + FolderLock::kFileName + QStringLiteral(": ") +
-                                  lock.error()},
-                       result);
+        return refused(
+            ui, {QStringLiteral("Sorry, another run is writing into this folder."), lock.reason()},
+            result);
     ui.progressStep(0.2);
 
     // Captions (read in photo order with one metadata reader) and the page texts.
